@@ -1,0 +1,34 @@
+#!/bin/sh
+# Installs what meshcast needs on Debian 12 and is missing: run as root, or with sudo at hand.
+# Prints nothing and changes nothing when everything is there.
+#   scripts/setup.sh              what building, testing and the tools need
+#   scripts/setup.sh --developer  besides, what the checks of CONTRIBUTING.md and the benchmarks need
+set -eu
+
+packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
+nlohmann-json3-dev libgtest-dev libgmock-dev"
+if [ "${1:-}" = "--developer" ]; then
+    packages="$packages clang clang-format clang-tidy libbenchmark-dev python3 valgrind git"
+fi
+
+missing=""
+for package in $packages; do
+    status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = "installed" ] || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+as_root=""
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "setup: needs root or sudo to install:$missing" >&2; exit 1; }
+    as_root="sudo"
+fi
+echo "setup: installing$missing" >&2
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+# shellcheck disable=SC2086  # both are lists of words on purpose
+if ! { $as_root apt-get update && $as_root env DEBIAN_FRONTEND=noninteractive \
+       apt-get install -y --no-install-recommends $missing; } >"$log" 2>&1; then
+    cat "$log" >&2
+    exit 1
+fi
