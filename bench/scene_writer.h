@@ -1,0 +1,187 @@
+#pragma once
+
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <initializer_list>
+#include <string_view>
+#include <vector>
+
+namespace bench {
+
+/// A length in thousandths of a unit: what a scene prints with up to three decimals.
+using Thousandths = std::int64_t;
+
+struct Point {
+    Thousandths x, y, z;
+};
+
+/// Prints a scene as an exporter does: one value a line, indented by depth, commas between values.
+class SceneWriter {
+public:
+    SceneWriter() : buffer_(kBufferSize) { text("#VRML V1.0 ascii\n"); }
+
+    std::size_t written() const { return flushed_ + used_; }
+
+    /// A line of its own, such as a field with its value.
+    void line(std::string_view words) {
+        indent();
+        text(words);
+        text("\n");
+    }
+
+    /// A field with numbers given in thousandths. They stand in a braced list because only there
+    /// are random numbers drawn in the order in which they are written.
+    void field(std::string_view name, std::initializer_list<Thousandths> numbers) {
+        indent();
+        text(name);
+        for (const Thousandths number : numbers) {
+            text(" ");
+            thousandths(number);
+        }
+        text("\n");
+    }
+
+    void open(std::string_view words, std::string_view bracket = " {\n") {
+        indent();
+        text(words);
+        text(bracket);
+        ++depth_;
+    }
+
+    /// Opens a node under a name made of a word and a number.
+    void openNamed(std::string_view word, int number, std::string_view words) {
+        indent();
+        text("DEF ");
+        name(word, number);
+        text(" ");
+        text(words);
+        text(" {\n");
+        ++depth_;
+    }
+
+    void use(std::string_view word, int number) {
+        indent();
+        text("USE ");
+        name(word, number);
+        text("\n");
+    }
+
+    void close() {
+        --depth_;
+        line("}");
+    }
+
+    /// A field with a list of points, vectors or colours.
+    void pointList(std::string_view field, const std::vector<Point>& points) {
+        openList(field);
+        for (const Point& point : points) {
+            pointValue(point);
+        }
+        closeList();
+    }
+
+    void openList(std::string_view field) {
+        open(field, " [");
+        firstValue_ = true;
+    }
+
+    void pointValue(const Point& point) {
+        separateValues();
+        thousandths(point.x);
+        text(" ");
+        thousandths(point.y);
+        text(" ");
+        thousandths(point.z);
+    }
+
+    /// A face: indices on one line, closed by -1.
+    template <typename Indices>
+    void faceValue(const Indices& indices) {
+        separateValues();
+        for (const int index : indices) {
+            integer(index);
+            text(", ");
+        }
+        text("-1");
+    }
+
+    void indexValue(int index) {
+        separateValues();
+        integer(index);
+    }
+
+    void closeList() {
+        text("\n");
+        --depth_;
+        line("]");
+    }
+
+    /// Hands the rest to standard output; false when any of it could not be written.
+    bool finish() {
+        flush();
+        return std::fflush(stdout) == 0 && !failed_;
+    }
+
+private:
+    static constexpr std::size_t kBufferSize = std::size_t(1) << 20U;
+    static constexpr std::size_t kLongestPiece = 64;
+    static constexpr int kIndentWidth = 2;
+
+    void text(std::string_view piece) {
+        reserve(piece.size());
+        std::memcpy(buffer_.data() + used_, piece.data(), piece.size());
+        used_ += piece.size();
+    }
+
+    void indent() {
+        constexpr std::string_view blanks = "                                ";
+        text(blanks.substr(0, static_cast<std::size_t>(depth_ * kIndentWidth)));
+    }
+
+    void separateValues() {
+        text(firstValue_ ? "\n" : ",\n");
+        firstValue_ = false;
+        indent();
+    }
+
+    template <typename Number>
+    void print(Number number) {
+        reserve(kLongestPiece);
+        char* const begin = buffer_.data() + used_;
+        const auto printed = std::to_chars(begin, begin + kLongestPiece, number);
+        used_ += static_cast<std::size_t>(printed.ptr - begin);
+    }
+
+    void integer(int number) { print(number); }
+    void thousandths(Thousandths number) { print(static_cast<double>(number) / 1000.0); }
+
+    void name(std::string_view word, int number) {
+        text(word);
+        text("_");
+        integer(number);
+    }
+
+    void reserve(std::size_t size) {
+        if (buffer_.size() - used_ < size) {
+            flush();
+        }
+    }
+
+    void flush() {
+        failed_ = failed_ || std::fwrite(buffer_.data(), 1, used_, stdout) != used_;
+        flushed_ += used_;
+        used_ = 0;
+    }
+
+    std::vector<char> buffer_;
+    std::size_t used_ = 0;
+    std::size_t flushed_ = 0;
+    int depth_ = 0;
+    bool firstValue_ = true;
+    bool failed_ = false;
+};
+
+} // namespace bench
