@@ -1,0 +1,253 @@
+// Verification of one object. Every check returns false at its first failure, which ends the whole;
+// values out of range are reported without failing, so that one finding does not hide the others.
+
+#include "compat/geom/geom.h"
+#include "compat/geom/list.h"
+#include "compat/geom/parts.h"
+
+#include <array>
+#include <cinttypes>
+#include <cmath>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+
+namespace {
+
+// The largest sensible radius and text height.
+constexpr double kLargestSize = 1e24;
+
+// Longer than any finding: they are made of fixed words and at most three numbers.
+constexpr std::size_t kFindingBytes = 2048;
+
+// Prints one finding, and is false: what the check that found it returns.
+class Findings {
+public:
+    explicit Findings(GEOMreporter reporter) : m_reporter(reporter) {}
+
+    [[gnu::format(printf, 2, 3)]] bool fail(const char* format, ...) const {
+        std::array<char, kFindingBytes> text{};
+        std::va_list arguments;
+        va_start(arguments, format);
+        std::vsnprintf(text.data(), text.size(), format, arguments);
+        va_end(arguments);
+        if (m_reporter != nullptr)
+            m_reporter(text.data());
+        else
+            std::fprintf(stderr, "GEOMcheck_obj error: %s\n", text.data());
+        return false;
+    }
+
+private:
+    GEOMreporter m_reporter;
+};
+
+// Counts are printed as ints, as they always were; larger ones show their low 32 bits.
+int as_int(std::int64_t count) {
+    return static_cast<int>(count);
+}
+
+bool is_number(const Findings& findings, const char* name, const float* values, std::int64_t n) {
+    for (std::int64_t i = 0; i < n; ++i) {
+        if (std::isnan(values[i]))
+            return findings.fail("nan encountered in %s array entry: %d", name, as_int(i));
+    }
+    return true;
+}
+
+// The values of a list that is there.
+template <int N>
+std::int64_t value_count(const GEOMlist<float, N>* list) {
+    return list == nullptr || list->data == nullptr ? 0 : list->used * N;
+}
+
+template <int N>
+bool is_number(const Findings& findings, const char* name, const GEOMlist<float, N>* list) {
+    const std::int64_t n = value_count(list);
+    return n == 0 || is_number(findings, name, list->data, n);
+}
+
+// Fails for NaN only.
+template <int N>
+bool is_in_range(const Findings& findings, const char* name, const GEOMlist<float, N>* list,
+                 double least, double most) {
+    if (!is_number(findings, name, list))
+        return false;
+    const std::int64_t n = value_count(list);
+    for (std::int64_t i = 0; i < n; ++i) {
+        const double value = list->data[i];
+        if (value < least || value > most)
+            findings.fail("%s array entry: %f is out of the range: %f - %f", name, value, least,
+                          most);
+    }
+    return true;
+}
+
+// The list must hold `expected` elements; `name` and `measure` are the words for it.
+template <class T, int N>
+bool has_count(const Findings& findings, const char* name, const GEOMlist<T, N>* list,
+               const char* measure, std::int64_t expected) {
+    // No elements need no list: coloured line sets have no list of segment colours, for one.
+    const bool missing = expected > 0 && (list == nullptr || list->data == nullptr);
+    const std::int64_t used = geom::used_of(list);
+    return (!missing && used == expected) ||
+           findings.fail("number of %s: %d, does not match the %s: %d", name, as_int(used), measure,
+                         as_int(expected));
+}
+
+// The list must not be there, since no flag bit tells of it.
+template <class T, int N>
+bool is_absent(const Findings& findings, const char* words, const GEOMlist<T, N>* list) {
+    return list == nullptr || (list->used == 0 && list->data == nullptr) ||
+           findings.fail("object has %s but flag is not set", words);
+}
+
+bool check_colors(const Findings& findings, std::uint32_t flags, const GEOMvector_list* colors,
+                  std::int64_t vertices) {
+    if ((flags & GEOM_HAS_COLORS) != 0)
+        return has_count(findings, "colors", colors, "number of verts", vertices);
+    return is_absent(findings, "color information", colors);
+}
+
+bool check_uvs(const Findings& findings, std::uint32_t flags, const GEOMscalar_list* uvs,
+               std::int64_t vertices) {
+    if ((flags & GEOM_HAS_UVS) != 0)
+        return has_count(findings, "uvs", uvs, "number of 2*verts", vertices * 2);
+    if ((flags & GEOM_HAS_UVWS) != 0)
+        return has_count(findings, "uvws", uvs, "number of 3*verts", vertices * 3);
+    // An array added without coordinates sets no flag, yet leaves its block: only a count tells.
+    return geom::used_of(uvs) == 0 || is_absent(findings, "uv information", uvs);
+}
+
+// The checks that every part shares: counts, then values.
+bool check_part(const Findings& findings, std::uint32_t flags, const geom::ConstPart& part,
+                std::int64_t vertices, std::int64_t primitives) {
+    const std::int64_t used = geom::used_of(part.vertices);
+    if (used != vertices)
+        return findings.fail("number of vertices: %d does not match the expected number: %d",
+                             as_int(used), as_int(vertices));
+    const auto has = [flags](std::uint32_t bit) { return (flags & bit) != 0; };
+    return (has(GEOM_HAS_NORMALS)
+                ? has_count(findings, "normals", part.normals, "number of verts", vertices)
+                : is_absent(findings, "normal information", part.normals)) &&
+           check_colors(findings, flags, part.colors, vertices) &&
+           check_uvs(findings, flags, part.uvs, vertices) &&
+           (has(GEOM_HAS_VERTEX_DATA)
+                ? has_count(findings, "vertex data", part.vertex_data, "no. of verts", vertices)
+                : is_absent(findings, "vert data info", part.vertex_data)) &&
+           (has(GEOM_HAS_PRIMITIVE_DATA)
+                ? has_count(findings, "prim data", part.primitive_data, "number of prims",
+                            primitives)
+                : is_absent(findings, "prim data info", part.primitive_data)) &&
+           is_number(findings, "verts", part.vertices) &&
+           is_number(findings, "normals", part.normals) &&
+           is_in_range(findings, "colors", part.colors, 0, 1) &&
+           is_number(findings, "uvs", part.uvs) &&
+           is_in_range(findings, "vertex trans", part.vertex_trans, 0, 1);
+}
+
+bool check_extent(const Findings& findings, const GEOMobj& obj) {
+    constexpr int axes = 3;
+    if (!is_number(findings, "extent", obj.extent, 2 * axes))
+        return false;
+    for (int axis = 0; axis < axes; ++axis) {
+        const double least = obj.extent[axis];
+        const double most = obj.extent[axis + axes];
+        if (least > most)
+            return findings.fail("extent min: %f is greater than max: %f", least, most);
+    }
+    return true;
+}
+
+bool check_mesh(const Findings& findings, const GEOMobj& obj) {
+    const GEOMmesh& mesh = obj.mesh;
+    if (mesh.u < 0 || mesh.v < 0)
+        return findings.fail("mesh object has negative dims");
+    return check_part(findings, obj.flags, geom::part_of(obj),
+                      geom::multiply_counts(mesh.u, mesh.v),
+                      geom::multiply_counts(mesh.u - 1, mesh.v - 1));
+}
+
+bool check_polyhedron(const Findings& findings, const GEOMobj& obj) {
+    const std::int64_t polygons = obj.polyhedron.polygons.polygons;
+    const std::int64_t vertices = obj.polyhedron.vertices.used;
+    if (polygons < 0 || vertices < 0)
+        return findings.fail("polyhedron object has negative polys: (%" PRId64
+                             ") or verts: (%" PRId64 ")",
+                             polygons, vertices);
+    return check_part(findings, obj.flags, geom::part_of(obj), vertices, polygons);
+}
+
+bool check_polytriangle(const Findings& findings, const GEOMobj& obj) {
+    const GEOMpolytriangle& all = obj.polytriangle;
+    if (all.strips < 0)
+        return findings.fail("negative number of polytris: %d", as_int(all.strips));
+    if (all.lines < 0)
+        return findings.fail("negative number of polylines: %d", as_int(all.lines));
+    for (std::int64_t i = 0; i < all.strips; ++i) {
+        const geom::ConstPart strip = geom::strip_of(all, i);
+        const std::int64_t n = geom::used_of(strip.vertices);
+        if (!check_part(findings, obj.flags, strip, n, n - 2))
+            return false;
+    }
+    for (std::int64_t i = 0; i < all.lines; ++i) {
+        const geom::ConstPart line = geom::polyline_of(all, i);
+        const std::int64_t n = geom::used_of(line.vertices);
+        if (!check_part(findings, obj.flags & geom::kLineFlags, line, n, n - 1))
+            return false;
+    }
+    // The primitive data of the segments is not looked at.
+    geom::ConstPart segments = geom::segments_of(all);
+    segments.primitive_data = nullptr;
+    const std::int64_t n = geom::used_of(segments.vertices);
+    return check_part(findings, obj.flags & geom::kLineFlags & ~GEOM_HAS_PRIMITIVE_DATA, segments,
+                      n, n / 2);
+}
+
+bool check_sphere(const Findings& findings, const GEOMobj& obj) {
+    const GEOMspheres& spheres = obj.sphere;
+    const std::int64_t n = spheres.centers.used;
+    if (n < 0)
+        return findings.fail("negative number of spheres/dots: %d", as_int(n));
+    if (spheres.radii.used != 0 && spheres.radii.used != n)
+        return findings.fail("no. of radii: %d different from no. of verts: %d",
+                             as_int(spheres.radii.used), as_int(n));
+    return is_in_range(findings, "radii", &spheres.radii, 0, kLargestSize) &&
+           check_part(findings, obj.flags & geom::kSphereFlags, geom::part_of(obj), n, 0);
+}
+
+bool check_label(const Findings& findings, const GEOMobj& obj) {
+    const GEOMlabels& labels = obj.label;
+    return is_number(findings, "label offset", &labels.offsets) &&
+           is_in_range(findings, "label height", &labels.heights, 0, kLargestSize) &&
+           check_colors(findings, obj.flags, &labels.colors, labels.positions.used) &&
+           is_number(findings, "verts", &labels.positions) &&
+           is_in_range(findings, "colors", &labels.colors, 0, 1);
+}
+
+bool check_object(const Findings& findings, const GEOMobj* obj) {
+    if (obj == nullptr)
+        return findings.fail("NULL object received");
+    if (obj->type < GEOM_MESH || obj->type > GEOM_LABEL)
+        return findings.fail("invalid object type %d!", static_cast<int>(obj->type));
+    if (obj->has_extent != 0 && !check_extent(findings, *obj))
+        return false;
+    switch (obj->type) {
+    case GEOM_MESH:
+        return check_mesh(findings, *obj);
+    case GEOM_POLYHEDRON:
+        return check_polyhedron(findings, *obj);
+    case GEOM_POLYTRIANGLE:
+        return check_polytriangle(findings, *obj);
+    case GEOM_SPHERE:
+        return check_sphere(findings, *obj);
+    default:
+        return check_label(findings, *obj);
+    }
+}
+
+} // namespace
+
+int GEOMcheck_obj(const GEOMobj* obj, int /*options*/, GEOMreporter reporter) {
+    return check_object(Findings(reporter), obj) ? 1 : 0;
+}

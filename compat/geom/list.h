@@ -1,0 +1,120 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "compat/geom/geom.h"
+#include "compat/geom/memory.h"
+
+// How a GEOMlist grows, adopts and ends.
+
+namespace geom {
+
+// Single elements tend to come one after another: room is made for that many of them at once.
+inline constexpr std::int64_t kHeadroom = 100;
+
+// The allocation sites of one kind of list: its first block, and its growth.
+struct GrowthSites {
+    AllocationSite first;
+    AllocationSite grow;
+};
+
+template <class T, int N>
+constexpr std::size_t element_bytes(const GEOMlist<T, N>& /*list*/)
+{
+    return sizeof(T) * N;
+}
+
+// The sum of two counts, neither below 0; one that does not fit becomes the largest count, which
+// the allocator then refuses.
+constexpr std::int64_t add_counts(std::int64_t a, std::int64_t b)
+{
+    constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+    return a > largest - b ? largest : a + b;
+}
+
+// The product of two counts; 0 when either is below 0, the largest count when it does not fit.
+constexpr std::int64_t multiply_counts(std::int64_t a, std::int64_t b)
+{
+    if (a <= 0 || b <= 0)
+        return 0;
+    constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+    return a > largest / b ? largest : a * b;
+}
+
+// Makes room for n more elements behind the used ones: at least max(extension, n) at first, that
+// many more than the used ones when the list is full. Elements are not counted as used yet.
+template <class T, int N>
+void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
+               const GrowthSites& sites)
+{
+    const std::int64_t step = std::max(extension, n);
+    if (list.capacity == 0) {
+        release(list.data); // the block of an earlier addition of no elements
+        list.data = static_cast<T*>(allocate(step, element_bytes(list), sites.first));
+        list.capacity = step;
+    } else if (n > list.capacity - list.used) {
+        list.capacity = add_counts(list.used, step);
+        list.data = static_cast<T*>(
+            reallocate(list.data, list.capacity, element_bytes(list), sites.grow));
+    }
+}
+
+// Copies n elements behind the used ones, for which there must be room.
+template <class T, int N>
+void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n)
+{
+    // memcpy must not see the null pointer of an empty array, not even for 0 bytes
+    if (n > 0)
+        std::memcpy(list.data + list.used * N, source,
+                    static_cast<std::size_t>(n) * element_bytes(list));
+    list.used += n;
+}
+
+// Makes the caller's block the storage of a list without capacity.
+template <class T, int N>
+void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n)
+{
+    release(list.data);
+    list.data = const_cast<T*>(source); // handed over: the library owns the block now
+    list.used = n;
+    list.capacity = n;
+}
+
+// Frees an array that was handed over and is not kept.
+inline void drop(const void* array, int flag)
+{
+    if (flag != GEOM_COPY)
+        release(array);
+}
+
+// Appends n elements. A null source only makes room.
+template <class T, int N>
+void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t extension, int flag,
+            const GrowthSites& sites)
+{
+    n = std::max<std::int64_t>(n, 0);
+    if (list.capacity == 0 && flag != GEOM_COPY && source != nullptr) {
+        adopt(list, source, n);
+        return;
+    }
+    make_room(list, n, extension, sites);
+    if (source == nullptr)
+        return;
+    put_elements(list, source, n);
+    drop(source, flag);
+}
+
+// Frees the storage and leaves the empty list.
+template <class T, int N>
+void clear(GEOMlist<T, N>& list)
+{
+    // By pointer and not by capacity: a list of capacity 0 may still own a block.
+    release(list.data);
+    list = {};
+}
+
+} // namespace geom

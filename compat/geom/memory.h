@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// All memory of the library comes from here: std::malloc blocks, because adopted arrays come from
+// the callers' own std::malloc.
+
+namespace geom {
+
+// Where an allocation stands, for the memory line of its failure, and the words of the fatal error.
+struct AllocationSite {
+    const char* module;
+    int line;
+    const char* message;
+};
+
+// A block for `count` elements of `size` bytes, never less than 8 bytes and never null. On failure,
+// or when the size does not fit, prints "<module> line <n>, <bytes> bytes\n" to standard error and
+// ends through GEOMfatal_error(). `count` below 0 counts as 0.
+void* allocate(std::int64_t count, std::size_t size, const AllocationSite& site);
+
+// The same, filled with zero bytes.
+void* allocate_zeroed(std::int64_t count, std::size_t size, const AllocationSite& site);
+
+// Grows or moves `old`; the memory line ends in ", old ptr 0x<low 32 bits>".
+void* reallocate(void* old, std::int64_t count, std::size_t size, const AllocationSite& site);
+
+// A zeroed block, or null: for the one caller that goes on without.
+void* try_allocate(std::size_t bytes);
+
+// Frees a block; null is fine. Takes what was adopted through a pointer to const as well.
+void release(const void* block);
+
+} // namespace geom

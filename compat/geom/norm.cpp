@@ -1,0 +1,281 @@
+// Normal generation. All vectors are floats, operation by operation, in the order written here:
+// the stream is compared byte for byte.
+//
+// A polygon's normal is the sum of the cross products at consecutive triples of its corners. Smooth
+// normals add it to all the polygon's vertices and normalise the sums; facet normals first give
+// every corner a vertex of its own. Mesh normals come from the neighbours in the grid.
+
+#include "compat/geom/norm.h"
+
+#include "compat/geom/list.h"
+#include "compat/geom/memory.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+using geom::AllocationSite;
+
+// A facet normal all of whose components are smaller belongs to a degenerate polygon.
+constexpr double kDegenerate = 1e-15;
+
+// A vertex normal of this length or less has no direction.
+constexpr double kShortest = 1e-24;
+
+constexpr const char* kModule = "compat/geom/norm";
+constexpr AllocationSite kMeshNormals{kModule, __LINE__, "Can't alloc mesh normals"};
+constexpr AllocationSite kSmoothNormals{kModule, __LINE__, "malloc fails allocating new normals"};
+constexpr AllocationSite kCornerVertices{kModule, __LINE__, "can't alloc new verts"};
+constexpr AllocationSite kCornerColors{kModule, __LINE__, "can't alloc new colors"};
+constexpr AllocationSite kCornerData{kModule, __LINE__, "can't alloc vdata"};
+constexpr AllocationSite kCornerTrans{kModule, __LINE__, "can't alloc vtrans"};
+constexpr AllocationSite kCornerNormals{kModule, __LINE__, "can't allocate new norm"};
+
+struct Vec3 {
+    float x, y, z;
+};
+
+Vec3 load(const float* at) {
+    return {at[0], at[1], at[2]};
+}
+
+void store(float* at, const Vec3& v) {
+    at[0] = v.x;
+    at[1] = v.y;
+    at[2] = v.z;
+}
+
+Vec3 operator-(const Vec3& a, const Vec3& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+Vec3& operator+=(Vec3& a, const Vec3& b) {
+    a.x += b.x;
+    a.y += b.y;
+    a.z += b.z;
+    return a;
+}
+
+Vec3 cross(const Vec3& a, const Vec3& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+double length(const Vec3& v) {
+    const float squares = v.x * v.x + v.y * v.y + v.z * v.z;
+    return std::sqrt(static_cast<double>(squares));
+}
+
+Vec3 divide(const Vec3& v, double by) {
+    return {static_cast<float>(v.x / by), static_cast<float>(v.y / by),
+            static_cast<float>(v.z / by)};
+}
+
+bool is_within(float component, double tolerance) {
+    return -tolerance < component && component < tolerance;
+}
+
+// Normalises what has a length; zero vectors stay.
+void normalize_list(const GEOMvector_list& normals) {
+    for (std::int64_t i = 0; i < normals.used; ++i) {
+        float* at = normals.data + i * 3;
+        const Vec3 v = load(at);
+        const double l = length(v);
+        if (l != 0)
+            store(at, divide(v, l));
+    }
+}
+
+float* new_vectors(std::int64_t n, const AllocationSite& site) {
+    return static_cast<float*>(geom::allocate_zeroed(n, 3 * sizeof(float), site));
+}
+
+void attach_normals(GEOMobj& obj, float* normals, std::int64_t n) {
+    GEOMadd_normals(&obj, normals, n, GEOM_TAKE);
+    geom::normalize_object(obj);
+}
+
+// ---- Polyhedra
+
+// One polygon: its corners as 1-based vertex indices.
+struct Polygon {
+    std::int64_t count;
+    const std::int64_t* corners;
+};
+
+bool names_vertex(std::int64_t index, std::int64_t vertices) {
+    return index >= 1 && index <= vertices;
+}
+
+// A polygon with a corner that is not there takes part in no normal, not with its other corners
+// either.
+bool is_sound(const Polygon& polygon, std::int64_t vertices) {
+    return std::all_of(polygon.corners, polygon.corners + polygon.count,
+                       [=](std::int64_t index) { return names_vertex(index, vertices); });
+}
+
+// The unit normal of a sound polygon; zero when it is degenerate or has fewer than three corners.
+Vec3 facet_normal(const Polygon& polygon, const GEOMvector_list& vertices, double tolerance) {
+    const auto corner = [&](std::int64_t j) {
+        return load(vertices.data + (polygon.corners[j] - 1) * 3);
+    };
+    Vec3 sum{0, 0, 0};
+    for (std::int64_t j = 0; j + 2 < polygon.count; ++j)
+        sum += cross(corner(j + 1) - corner(j), corner(j + 2) - corner(j));
+    if (is_within(sum.x, tolerance) && is_within(sum.y, tolerance) && is_within(sum.z, tolerance))
+        return {0, 0, 0};
+    std::array unit{sum.x, sum.y, sum.z};
+    geom::normalize_vector(unit.data());
+    return load(unit.data());
+}
+
+void smooth_normals(GEOMobj& obj, double tolerance) {
+    const GEOMpolyhedron& solid = obj.polyhedron;
+    const std::int64_t n = solid.vertices.used;
+    float* normals = new_vectors(n, kSmoothNormals);
+
+    const std::int64_t* entry = solid.polygons.data;
+    for (std::int64_t p = 0; p < solid.polygons.polygons; ++p) {
+        const Polygon polygon{entry[0], entry + 1};
+        entry += polygon.count + 1;
+        if (!is_sound(polygon, n))
+            continue;
+        const Vec3 normal = facet_normal(polygon, solid.vertices, tolerance);
+        for (std::int64_t j = 0; j < polygon.count; ++j) {
+            float* at = normals + (polygon.corners[j] - 1) * 3;
+            Vec3 sum = load(at);
+            sum += normal;
+            store(at, sum);
+        }
+    }
+    for (std::int64_t i = 0; i < n; ++i) {
+        float* at = normals + i * 3;
+        const Vec3 sum = load(at);
+        const double l = length(sum);
+        store(at, l <= kShortest ? Vec3{0, 0, 0} : divide(sum, l));
+    }
+    attach_normals(obj, normals, n);
+}
+
+// Replaces the elements of a per-vertex list by one element per polygon corner: that of the vertex
+// which the corner names, or zero where the list has none.
+template <class T, int N>
+void spread(GEOMlist<T, N>& list, const GEOMpolygon_list& polygons, const AllocationSite& site) {
+    auto* spread_data =
+        static_cast<T*>(geom::allocate_zeroed(polygons.indices, geom::element_bytes(list), site));
+    T* out = spread_data;
+    const std::int64_t* entry = polygons.data;
+    for (std::int64_t p = 0; p < polygons.polygons; ++p) {
+        const std::int64_t count = *entry++;
+        for (std::int64_t j = 0; j < count; ++j, ++entry, out += N) {
+            if (names_vertex(*entry, list.used))
+                std::copy_n(list.data + (*entry - 1) * N, N, out);
+        }
+    }
+    geom::adopt(list, spread_data, polygons.indices);
+}
+
+void number_corners(GEOMpolygon_list& polygons) {
+    std::int64_t corner = 0;
+    std::int64_t* entry = polygons.data;
+    for (std::int64_t p = 0; p < polygons.polygons; ++p) {
+        const std::int64_t count = *entry++;
+        for (std::int64_t j = 0; j < count; ++j)
+            *entry++ = ++corner;
+    }
+}
+
+void facet_normals(GEOMobj& obj, double tolerance) {
+    GEOMpolyhedron& solid = obj.polyhedron;
+    GEOMpolygon_list& polygons = solid.polygons;
+    const std::int64_t corners = polygons.indices;
+    float* normals = new_vectors(corners, kCornerNormals);
+    float* out = normals;
+    const std::int64_t* entry = polygons.data;
+    for (std::int64_t p = 0; p < polygons.polygons; ++p) {
+        const Polygon polygon{entry[0], entry + 1};
+        const Vec3 normal = is_sound(polygon, solid.vertices.used)
+                                ? facet_normal(polygon, solid.vertices, tolerance)
+                                : Vec3{0, 0, 0};
+        for (std::int64_t j = 0; j < polygon.count; ++j, out += 3)
+            store(out, normal);
+        entry += polygon.count + 1;
+    }
+
+    spread(solid.vertices, polygons, kCornerVertices);
+    if ((obj.flags & GEOM_HAS_COLORS) != 0)
+        spread(solid.colors, polygons, kCornerColors);
+    if ((obj.flags & GEOM_HAS_VERTEX_DATA) != 0)
+        spread(solid.vertex_data, polygons, kCornerData);
+    if ((obj.flags & GEOM_HAS_VERTEX_TRANS) != 0)
+        spread(solid.vertex_trans, polygons, kCornerTrans);
+    number_corners(polygons);
+    attach_normals(obj, normals, corners);
+}
+
+// ---- Meshes
+
+void mesh_normals(GEOMobj& obj) {
+    const GEOMmesh& mesh = obj.mesh;
+    const std::int64_t n = geom::multiply_counts(mesh.u, mesh.v);
+    if (mesh.vertices.used < n)
+        return; // a grid without its vertices has no normals
+    float* normals = new_vectors(n, kMeshNormals);
+    const auto at = [&](std::int64_t i, std::int64_t j) {
+        return load(mesh.vertices.data + (j * mesh.u + i) * 3);
+    };
+    float* out = normals;
+    if (n > 0) {
+        for (std::int64_t j = 0; j < mesh.v; ++j) {
+            const std::int64_t below = std::max<std::int64_t>(j - 1, 0);
+            const std::int64_t above = std::min(j + 1, mesh.v - 1);
+            for (std::int64_t i = 0; i < mesh.u; ++i, out += 3) {
+                const std::int64_t left = std::max<std::int64_t>(i - 1, 0);
+                const std::int64_t right = std::min(i + 1, mesh.u - 1);
+                store(out, cross(at(left, j) - at(right, j), at(i, below) - at(i, above)));
+            }
+        }
+    }
+    attach_normals(obj, normals, n);
+}
+
+} // namespace
+
+void geom::generate_normals(GEOMobj& obj, int mode, double tolerance) {
+    constexpr int facets = 1;
+    if ((obj.flags & GEOM_HAS_NORMALS) != 0)
+        return;
+    if (obj.type == GEOM_MESH) {
+        if (mode == facets)
+            GEOMerror("Warning: Can't compute facet normals of mesh objects.\n");
+        mesh_normals(obj);
+    } else if (obj.type == GEOM_POLYHEDRON) {
+        if (mode == facets)
+            facet_normals(obj, tolerance);
+        else
+            smooth_normals(obj, tolerance);
+    }
+}
+
+void geom::normalize_object(GEOMobj& obj) {
+    if (obj.type == GEOM_MESH)
+        normalize_list(obj.mesh.normals);
+    else if (obj.type == GEOM_POLYHEDRON)
+        normalize_list(obj.polyhedron.normals);
+    else if (obj.type == GEOM_POLYTRIANGLE && obj.polytriangle.strip_normals != nullptr)
+        for (std::int64_t i = 0; i < obj.polytriangle.strips; ++i)
+            normalize_list(obj.polytriangle.strip_normals[i]);
+}
+
+void geom::normalize_vector(float* vector) {
+    const Vec3 v = load(vector);
+    const double l = length(v);
+    store(vector, l == 0 ? Vec3{0, 0, 1} : divide(v, l));
+}
+
+void GEOMgen_normals(GEOMobj* obj, int mode) {
+    geom::generate_normals(*obj, mode, kDegenerate);
+}

@@ -1,0 +1,70 @@
+// The polygon list of a polyhedron.
+
+#include "compat/geom/create_sites.h"
+#include "compat/geom/geom.h"
+#include "compat/geom/list.h"
+#include "compat/geom/memory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+namespace sites = geom::create_sites;
+
+// Entries of a list: the counts, the indices and the final 0.
+std::int64_t entries(const GEOMpolygon_list& list) {
+    return list.polygons + list.indices + 1;
+}
+
+// Counts the polygons of a caller's list and copies them into a new block of 64-bit entries.
+GEOMpolygon_list widen(const std::int32_t* list) {
+    GEOMpolygon_list wide{};
+    const std::int32_t* end = list;
+    while (*end > 0) {
+        ++wide.polygons;
+        wide.indices += *end;
+        end += std::int64_t{*end} + 1;
+    }
+    wide.capacity = entries(wide);
+    wide.data = static_cast<std::int64_t*>(
+        geom::allocate(wide.capacity, sizeof(std::int64_t), sites::kPolygons.first));
+    const std::int64_t last = wide.capacity - 1;
+    for (std::int64_t i = 0; i < last; ++i)
+        wide.data[i] = list[i];
+    wide.data[last] = 0; // whatever ended the caller's list
+    return wide;
+}
+
+} // namespace
+
+void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t polygon_flags,
+                      int flag) {
+    if (obj->type != GEOM_POLYHEDRON || list == nullptr) {
+        geom::drop(list, flag);
+        return;
+    }
+    const GEOMpolygon_list added = widen(list);
+    geom::drop(list, flag);
+
+    GEOMpolygon_list& polygons = obj->polyhedron.polygons;
+    if (polygons.capacity == 0) {
+        const std::uint32_t kept = polygon_flags & GEOM_POLYGON_FLAGS_KEPT;
+        std::uint32_t present = 0;
+        if (kept != 0 && GEOMget_property(obj, GEOM_PROPERTY_POLYGON_FLAGS, &present) == 0)
+            GEOMadd_property(obj, GEOM_PROPERTY_POLYGON_FLAGS, kept);
+        polygons = added;
+        return;
+    }
+    // The added list starts where the final 0 stood and brings its own.
+    const std::int64_t end = entries(polygons) - 1;
+    polygons.capacity = end + added.capacity;
+    polygons.data = static_cast<std::int64_t*>(geom::reallocate(
+        polygons.data, polygons.capacity, sizeof(std::int64_t), sites::kPolygons.grow));
+    std::memcpy(polygons.data + end, added.data,
+                static_cast<std::size_t>(added.capacity) * sizeof(std::int64_t));
+    geom::release(added.data);
+    polygons.polygons += added.polygons;
+    polygons.indices += added.indices;
+}

@@ -1,0 +1,118 @@
+// Polytriangles: triangle strips and polylines. Each strip and each polyline has lists of its own;
+// the object holds arrays of such lists, one array per sort of data that its flags promise.
+
+#include "compat/geom/polytri.h"
+
+#include "compat/geom/create_sites.h"
+#include "compat/geom/list.h"
+#include "compat/geom/memory.h"
+#include "compat/geom/parts.h"
+
+namespace {
+
+namespace sites = geom::create_sites;
+
+// Grows an array of `count` lists by one empty list. An array that was not there before gets lists
+// for the older strips too: they came before the object had that sort of data.
+template <class List>
+void grow_lists(List*& lists, std::int64_t count, const geom::GrowthSites& growth) {
+    const bool first = lists == nullptr;
+    void* block = first ? geom::allocate(count + 1, sizeof(List), growth.first)
+                        : geom::reallocate(lists, count + 1, sizeof(List), growth.grow);
+    lists = static_cast<List*>(block);
+    for (std::int64_t i = first ? 0 : count; i <= count; ++i)
+        lists[i] = List{};
+}
+
+void store_fresh(GEOMvector_list& list, const float* source, std::int64_t n, int flag) {
+    constexpr geom::GrowthSites fresh{sites::kFreshVertices, sites::kFreshVertices};
+    geom::append(list, source, n, n, flag, fresh);
+}
+
+// One more strip's worth of lists in every array that the flags promise.
+void grow_strip_arrays(GEOMpolytriangle& all, std::uint32_t flags) {
+    const auto grow = [&](std::uint32_t bits, auto*& lists, const geom::GrowthSites& growth) {
+        if ((flags & bits) != 0)
+            grow_lists(lists, all.strips, growth);
+    };
+    grow_lists(all.strip_vertices, all.strips, sites::kStripVertices);
+    grow(GEOM_HAS_NORMALS, all.strip_normals, sites::kStripNormals);
+    grow(GEOM_HAS_COLORS, all.strip_colors, sites::kStripColors);
+    grow(GEOM_HAS_UVS | GEOM_HAS_UVWS, all.strip_uvs, sites::kStripUvs);
+    grow(GEOM_HAS_VERTEX_DATA, all.strip_vertex_data, sites::kStripVertexData);
+    grow(GEOM_HAS_PRIMITIVE_DATA, all.strip_primitive_data, sites::kStripPrimitiveData);
+    grow(GEOM_HAS_VERTEX_TRANS, all.strip_vertex_trans, sites::kStripVertexTrans);
+}
+
+void grow_polyline_arrays(GEOMpolytriangle& all, std::uint32_t flags) {
+    const auto grow = [&](std::uint32_t bits, auto*& lists, const geom::GrowthSites& growth) {
+        if ((flags & bits) != 0)
+            grow_lists(lists, all.lines, growth);
+    };
+    grow_lists(all.line_vertices, all.lines, sites::kLineVertices);
+    grow(GEOM_HAS_COLORS, all.line_colors, sites::kLineColors);
+    grow(GEOM_HAS_VERTEX_DATA, all.line_vertex_data, sites::kLineVertexData);
+    grow(GEOM_HAS_PRIMITIVE_DATA, all.line_primitive_data, sites::kLinePrimitiveData);
+}
+
+} // namespace
+
+void geom::add_strip(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
+    const char* refusal = nullptr;
+    if ((obj.flags & GEOM_HAS_NORMALS) != 0)
+        refusal = "Normals required for polytriangle: ignoring";
+    else if ((obj.flags & GEOM_HAS_COLORS) != 0)
+        refusal = "Colors required for polytriangle: ignoring";
+    if (n <= 0 || refusal != nullptr) {
+        if (n > 0)
+            GEOMerror("%s", refusal);
+        drop(vertices, flag);
+        return;
+    }
+    GEOMpolytriangle& all = obj.polytriangle;
+    grow_strip_arrays(all, obj.flags);
+    store_fresh(all.strip_vertices[all.strips], vertices, n, flag);
+    ++all.strips;
+}
+
+void GEOMadd_polyline(GEOMobj* obj, const float* vertices, const float* colors, std::int64_t n,
+                      int flag) {
+    const bool accepted = obj->type == GEOM_POLYTRIANGLE && n > 0;
+    if (accepted && colors != nullptr)
+        obj->flags |= GEOM_HAS_COLORS;
+    const bool colored = (obj->flags & GEOM_HAS_COLORS) != 0;
+    const bool colors_missing = accepted && colored && colors == nullptr;
+    if (colors_missing)
+        GEOMerror("Colors required for polyline: ignoring");
+    if (!accepted || colors_missing) {
+        geom::drop(vertices, flag);
+        geom::drop(colors, flag);
+        return;
+    }
+    GEOMpolytriangle& all = obj->polytriangle;
+    grow_polyline_arrays(all, obj->flags);
+    store_fresh(all.line_vertices[all.lines], vertices, n, flag);
+    if (colored)
+        store_fresh(all.line_colors[all.lines], colors, n, flag);
+    ++all.lines;
+}
+
+void geom::clear_polytriangle(GEOMpolytriangle& triangles) {
+    for (std::int64_t i = 0; i < triangles.strips; ++i)
+        clear_part(strip_of(triangles, i));
+    for (std::int64_t i = 0; i < triangles.lines; ++i)
+        clear_part(polyline_of(triangles, i));
+    clear_part(segments_of(triangles));
+
+    release(triangles.strip_vertices);
+    release(triangles.strip_colors);
+    release(triangles.strip_normals);
+    release(triangles.strip_uvs);
+    release(triangles.strip_vertex_data);
+    release(triangles.strip_primitive_data);
+    release(triangles.strip_vertex_trans);
+    release(triangles.line_vertices);
+    release(triangles.line_colors);
+    release(triangles.line_vertex_data);
+    release(triangles.line_primitive_data);
+}
