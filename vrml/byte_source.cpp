@@ -1,0 +1,32 @@
+#include "vrml/byte_source.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <unistd.h>
+
+namespace meshcast {
+
+std::size_t DescriptorSource::read(char* buffer, std::size_t capacity) {
+    for (;;) {
+        const ssize_t count = ::read(descriptor_, buffer, capacity);
+        if (count >= 0) {
+            return static_cast<std::size_t>(count);
+        }
+        if (errno != EINTR) {
+            return 0;
+        }
+    }
+}
+
+std::size_t MemorySource::read(char* buffer, std::size_t capacity) {
+    const std::size_t count = rest_.copy(buffer, std::min(capacity, pieceSize_));
+    rest_.remove_prefix(count);
+    return count;
+}
+
+ByteSource& standardInput() {
+    static DescriptorSource source(STDIN_FILENO);
+    return source;
+}
+
+} // namespace meshcast

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace meshcast {
+
+/// Where the reader's bytes come from.
+class ByteSource {
+public:
+    ByteSource() = default;
+    ByteSource(const ByteSource&) = delete;
+    ByteSource& operator=(const ByteSource&) = delete;
+    virtual ~ByteSource() = default;
+
+    /// Stores at most `capacity` bytes in `buffer` and returns how many; 0 at the end of the
+    /// input, for good. Yields what is there rather than waiting for a full buffer: a writer may
+    /// keep its pipe open behind the scene.
+    virtual std::size_t read(char* buffer, std::size_t capacity) = 0;
+};
+
+/// The bytes of an open file descriptor, which stays its owner's. A read error counts as the end.
+class DescriptorSource final : public ByteSource {
+public:
+    explicit DescriptorSource(int descriptor) : descriptor_(descriptor) {}
+    std::size_t read(char* buffer, std::size_t capacity) override;
+
+private:
+    int descriptor_;
+};
+
+/// The bytes of a text in memory, which must outlive the source.
+class MemorySource final : public ByteSource {
+public:
+    /// `pieceSize` bounds what one read yields.
+    explicit MemorySource(std::string_view text, std::size_t pieceSize = std::size_t(-1))
+        : rest_(text), pieceSize_(pieceSize) {}
+    std::size_t read(char* buffer, std::size_t capacity) override;
+
+private:
+    std::string_view rest_;
+    std::size_t pieceSize_;
+};
+
+/// The process's standard input.
+ByteSource& standardInput();
+
+} // namespace meshcast

@@ -1,0 +1,333 @@
+#include "vrml/fields.h"
+
+#include "vrml/messages.h"
+#include "vrml/node.h"
+
+#include <algorithm>
+#include <limits>
+#include <type_traits>
+
+namespace meshcast {
+
+namespace {
+
+/// Skips white space and looks at the next character; true, with the character taken, when it is
+/// `expected`.
+bool skipTo(VrmlInput& input, char expected) {
+    return input.skipWhiteSpace() && input.readExpected(expected);
+}
+
+bool readFloat(VrmlInput& input, float& value) {
+    double wide = 0;
+    if (!input.skipWhiteSpace() || !input.readReal(wide)) {
+        return false;
+    }
+    value = static_cast<float>(wide);
+    return true;
+}
+
+bool readScalar(VrmlInput& input, float& value) {
+    return readFloat(input, value);
+}
+bool readScalar(VrmlInput& input, std::int32_t& value) {
+    return input.readInteger(value);
+}
+
+} // namespace
+
+QvField::QvField(QvNode& node, const char* name) {
+    node.declareField(name, *this);
+}
+
+bool readField(VrmlInput& input, QvField& field, InternedName name) {
+    field.setIsDefault(false);
+    if (skipTo(input, '~')) {
+        field.setIsDefault(true);
+        field.setIgnored(true);
+        return true;
+    }
+    field.setIgnored(false);
+    if (!field.readText(input)) {
+        input.readError("Couldn't read value for field \"%s\"", name.c_str());
+        return false;
+    }
+    if (skipTo(input, '~')) {
+        field.setIgnored(true);
+    }
+    return true;
+}
+
+std::unique_ptr<QvField> createField(std::string_view typeName) {
+    using Create = std::unique_ptr<QvField> (*)();
+    struct Type {
+        std::string_view name;
+        Create create;
+    };
+    constexpr auto make = []<class Field>(std::type_identity<Field>) -> Create {
+        return [] { return std::unique_ptr<QvField>(std::make_unique<Field>()); };
+    };
+    static constexpr Type kTypes[] = {
+        {"MFColor", make(std::type_identity<QvMFColor>{})},
+        {"MFFloat", make(std::type_identity<QvMFFloat>{})},
+        {"MFLong", make(std::type_identity<QvMFLong>{})},
+        {"MFVec2f", make(std::type_identity<QvMFVec2f>{})},
+        {"MFVec3f", make(std::type_identity<QvMFVec3f>{})},
+        {"SFBitMask", make(std::type_identity<QvSFBitMask>{})},
+        {"SFBool", make(std::type_identity<QvSFBool>{})},
+        {"SFColor", make(std::type_identity<QvSFColor>{})},
+        {"SFEnum", make(std::type_identity<QvSFEnum>{})},
+        {"SFFloat", make(std::type_identity<QvSFFloat>{})},
+        {"SFImage", make(std::type_identity<QvSFImage>{})},
+        {"SFLong", make(std::type_identity<QvSFLong>{})},
+        {"SFMatrix", make(std::type_identity<QvSFMatrix>{})},
+        {"SFRotation", make(std::type_identity<QvSFRotation>{})},
+        {"SFString", make(std::type_identity<QvSFString>{})},
+        {"SFVec2f", make(std::type_identity<QvSFVec2f>{})},
+        {"SFVec3f", make(std::type_identity<QvSFVec3f>{})},
+    };
+    const Type* const found =
+        std::find_if(std::begin(kTypes), std::end(kTypes),
+                     [typeName](const Type& type) { return type.name == typeName; });
+    return found == std::end(kTypes) ? nullptr : found->create();
+}
+
+// ---- single values
+
+template <std::size_t Count>
+bool QvSFReals<Count>::readValue(VrmlInput& input) {
+    return std::all_of(value.begin(), value.end(),
+                       [&input](float& component) { return readFloat(input, component); });
+}
+
+template class QvSFReals<2>;
+template class QvSFReals<3>;
+template class QvSFReals<4>;
+template class QvSFReals<16>;
+
+bool QvSFFloat::readValue(VrmlInput& input) {
+    return readFloat(input, value);
+}
+
+bool QvSFLong::readValue(VrmlInput& input) {
+    return input.readInteger(value);
+}
+
+bool QvSFBool::readValue(VrmlInput& input) {
+    std::int32_t number = 0;
+    if (input.readInteger(number)) {
+        if (number != 0 && number != 1) {
+            input.readError("Illegal value for QvSFBool: %d (must be 0 or 1)", number);
+            return false;
+        }
+        value = number;
+        return true;
+    }
+    InternedName word;
+    if (!input.readName(word)) {
+        return false;
+    }
+    if (word.view() == "TRUE" || word.view() == "FALSE") {
+        value = word.view() == "TRUE" ? 1 : 0;
+        return true;
+    }
+    // The message names the words that fit, not the word that was read: kept, people search for it.
+    input.readError("Unknown value (\"%s\") for QvSFBool ", "(must be TRUE or FALSE)");
+    return false;
+}
+
+QvSFEnum::QvSFEnum(QvNode& node, const char* name, const Enumeration& enumeration,
+                   std::int32_t initial)
+    : QvSField(node, name), value(initial), table_(&node.getFieldTable().declare(enumeration)) {}
+
+bool QvSFEnum::findWord(InternedName word, std::int32_t& found) const {
+    if (table_ == nullptr) {
+        return false;
+    }
+    const auto name = std::find(table_->names.begin(), table_->names.end(), word);
+    if (name == table_->names.end()) {
+        return false;
+    }
+    found = table_->values[static_cast<std::size_t>(name - table_->names.begin())];
+    return true;
+}
+
+bool QvSFEnum::readValue(VrmlInput& input) {
+    InternedName word;
+    if (!input.readName(word)) {
+        return false;
+    }
+    if (!findWord(word, value)) {
+        input.readError("Unknown QvSFEnum enumeration value \"%s\"", word.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool QvSFBitMask::readValue(VrmlInput& input) {
+    value = 0;
+    const bool list = skipTo(input, '(');
+    for (;;) {
+        InternedName word;
+        if (!input.readName(word) && !list) {
+            return false;
+        }
+        std::int32_t bits = 0;
+        // Inside parentheses a word may be missing: "( )" and "( A | | B )" are masks.
+        if (!(list && word.empty()) && !findWord(word, bits)) {
+            input.readError("Unknown QvSFBitMask bit mask value \"%s\"", word.c_str());
+            return false;
+        }
+        value |= bits;
+        if (!list) {
+            return true;
+        }
+        char c = 0;
+        if (!input.skipWhiteSpace() || !input.get(c)) {
+            input.readError("EOF reached before '%c' in QvSFBitMask value", ')');
+            return false;
+        }
+        if (c == ')') {
+            return true;
+        }
+        if (c != '|') {
+            // The arguments are shifted by one, and the character found is not told: kept.
+            input.readError("Expected '%c' or '%c', got '%c' ", 'i', '|', ')');
+            return false;
+        }
+    }
+}
+
+bool QvSFImage::readValue(VrmlInput& input) {
+    if (!input.readShort(width) || !input.readShort(height) || !input.readInteger(components)) {
+        return false;
+    }
+    bytes_.reset();
+    size_ = 0;
+    if (width < 0 || height < 0 || components < 0) {
+        return false;
+    }
+    // At most 2^15 x 2^15 x 2^31: fits 64 bits.
+    const auto pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    const auto pixelSize = static_cast<std::size_t>(components);
+    const std::uint64_t size = pixels * pixelSize;
+    if (size > std::numeric_limits<std::size_t>::max() / 2) {
+        return false;
+    }
+    if (size != 0) {
+        // Zeroed memory costs nothing until it is written, so a size that no pixels follow is free.
+        bytes_.reset(static_cast<std::uint8_t*>(std::calloc(static_cast<std::size_t>(size), 1)));
+        if (bytes_ == nullptr) {
+            return false;
+        }
+    }
+    size_ = static_cast<std::size_t>(size);
+    // A number holds four bytes; further ones stay zero.
+    const std::size_t stored = std::min<std::size_t>(pixelSize, 4);
+    for (std::uint64_t pixel = 0; pixel < pixels; ++pixel) {
+        std::uint32_t number = 0;
+        if (!input.skipWhiteSpace() || !input.readUnsigned(number)) {
+            return false;
+        }
+        for (std::size_t byte = 0; byte < stored; ++byte) {
+            bytes_[static_cast<std::size_t>((pixel + 1) * pixelSize - 1 - byte)] =
+                static_cast<std::uint8_t>(number >> (8 * byte));
+        }
+    }
+    return true;
+}
+
+bool QvSFString::readValue(VrmlInput& input) {
+    return input.readString(value);
+}
+
+// ---- lists
+
+template <class Scalar, std::size_t Width>
+QvMFieldOf<Scalar, Width>::QvMFieldOf(QvNode& node, const char* name,
+                                      const std::array<Scalar, Width>& initial)
+    : QvMField(node, name) {
+    reallocate(1);
+    std::copy(initial.begin(), initial.end(), values);
+}
+
+template <class Scalar, std::size_t Width>
+void QvMFieldOf<Scalar, Width>::setCount(std::int32_t count) {
+    if (count != num) {
+        reallocate(count);
+    }
+}
+
+template <class Scalar, std::size_t Width>
+void QvMFieldOf<Scalar, Width>::reallocate(std::int32_t count) {
+    if (count > 0) {
+        const std::size_t size = static_cast<std::size_t>(count) * Width * sizeof(Scalar);
+        void* const grown = std::realloc(values, size);
+        if (grown == nullptr) {
+            outOfMemory();
+        }
+        values = static_cast<Scalar*>(grown);
+    } else {
+        std::free(values);
+        values = nullptr;
+        count = 0;
+    }
+    num = count;
+    maxNum = count;
+}
+
+template <class Scalar, std::size_t Width>
+bool QvMFieldOf<Scalar, Width>::readOneValue(VrmlInput& input, std::int32_t index) {
+    Scalar* const slot = values + static_cast<std::size_t>(index) * Width;
+    return std::all_of(slot, slot + Width,
+                       [&input](Scalar& scalar) { return readScalar(input, scalar); });
+}
+
+// The array grows by one value for each value read. This is kept: nothing is held in reserve, and
+// the allocator knows best how to extend its own block.
+template <class Scalar, std::size_t Width>
+bool QvMFieldOf<Scalar, Width>::readAll(VrmlInput& input) {
+    if (!skipTo(input, '[')) {
+        setCount(1);
+        return readOneValue(input, 0);
+    }
+    if (skipTo(input, ']')) {
+        setCount(0);
+        return true;
+    }
+    std::int32_t count = 0;
+    for (;;) {
+        if (count >= num) {
+            if (num == std::numeric_limits<std::int32_t>::max()) {
+                outOfMemory();
+            }
+            setCount(count + 1);
+        }
+        const bool read = readOneValue(input, count);
+        ++count;
+        char c = 0;
+        if (!read || !input.skipWhiteSpace() || !input.get(c)) {
+            input.readError("Couldn't read value %d of field", count);
+            return false;
+        }
+        if (c == ']') {
+            break;
+        }
+        if (c != ',') {
+            input.readError("Expected '%c' or '%c' but got '%c' while reading value %d", ',', ']',
+                            c, count);
+            return false;
+        }
+        if (skipTo(input, ']')) {
+            break;
+        }
+    }
+    setCount(count);
+    return true;
+}
+
+template class QvMFieldOf<float, 1>;
+template class QvMFieldOf<float, 2>;
+template class QvMFieldOf<float, 3>;
+template class QvMFieldOf<std::int32_t, 1>;
+
+} // namespace meshcast

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "vrml/byte_source.h"
+#include "vrml/names.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace meshcast {
+
+class NodePool;
+
+/// The reader's only source of characters: checks the header line, counts lines, skips white space
+/// and comments, reads the tokens on which fields and nodes are built, and reports read errors. It
+/// knows nothing of nodes beyond keeping the table of those defined by DEF and their owner.
+///
+/// Operations return false when they fail. At the end of the input every token reader fails
+/// without a message: the caller knows what it expected.
+class VrmlInput {
+public:
+    /// What `get` stores when there is no character. A byte of this value in the input is read but
+    /// never put back.
+    static constexpr char kEndOfFile = static_cast<char>(255);
+    /// Names are cut, not split, after this many characters.
+    static constexpr std::size_t kMaxNameLength = 255;
+
+    /// Reads from `source`, and leaves the nodes to `nodes`. Both must outlive the input.
+    explicit VrmlInput(NodePool& nodes, ByteSource& source = standardInput());
+
+    /// Turns to another source, at its line 1. Whether the header has been read stays as it is.
+    void attach(ByteSource& source);
+
+    /// Yields the next character; the header line is checked before the first.
+    bool get(char& c) {
+        if (next_ == end_ && !advance()) {
+            c = kEndOfFile;
+            return false;
+        }
+        c = *next_++;
+        return true;
+    }
+
+    /// Puts the character just read back.
+    void putBack(char c) {
+        if (c != kEndOfFile) {
+            --next_;
+        }
+    }
+
+    /// Puts a word back: it is read again, character by character, before the rest of the input.
+    /// Only one word can be pending; a second one replaces the first.
+    void putBackWord(std::string_view word);
+
+    /// Skips white space and comments. Fails only when the header check does.
+    bool skipWhiteSpace();
+
+    /// Reads one character and fails, with the character put back, when it is not `expected`.
+    bool readExpected(char expected);
+
+    /// Reads an identifier: a letter or `_`, then letters, digits and `_`. When no such character
+    /// follows, the read succeeds with the empty name.
+    bool readName(InternedName& name);
+
+    /// Reads a string in double quotes, in which `\"` stands for a quote, or a word that runs to
+    /// the next white space.
+    bool readString(std::string& text);
+
+    /// Read an integer with an optional sign (see scanMagnitude). White space before it is skipped.
+    bool readInteger(std::int32_t& value);
+    bool readShort(std::int16_t& value);
+
+    /// Reads an integer without a sign. The caller skips white space.
+    bool readUnsigned(std::uint32_t& value);
+
+    /// Reads a real number (see scanReal). The caller skips white space.
+    bool readReal(double& value);
+
+    /// Skips to the brace that closes a node body whose opening brace has been read. Braces in
+    /// quoted strings count like others.
+    void skipBody();
+
+    /// Reports a read error with the current line, on standard error.
+    [[gnu::format(printf, 2, 3)]] void readError(const char* format, ...);
+
+    /// False once the header check has failed.
+    bool noErrorSoFar() const { return noErrorSoFar_; }
+    /// The version that the header names, 0 when the header is not known.
+    float version() const { return version_; }
+    std::int32_t line() const { return static_cast<std::int32_t>(line_); }
+
+    ReferenceTable& references() { return references_; }
+    NodePool& nodes() { return nodes_; }
+
+private:
+    static constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
+
+    /// Whether a token scanned up to `last` has been seen whole, so that reading may go on there.
+    bool isWhole(const char* last) const { return last != end_ && *last != kEndOfFile; }
+
+    bool advance();
+    bool refill();
+    bool checkHeader();
+    bool skipComment();
+    void collectDigits(std::string& text, bool (*taken)(char));
+    void collectMagnitude(std::string& text);
+    void collectReal(std::string& text);
+
+    NodePool& nodes_;
+    ByteSource* source_;
+    // The characters at hand: those of the block, or of the word that was put back. Behind `end_`
+    // stands a zero, and before the first character one more may be stepped back to.
+    const char* next_;
+    const char* end_;
+    // Where the block goes on while a word that was put back is read.
+    const char* blockNext_ = nullptr;
+    const char* blockEnd_ = nullptr;
+    bool readingWord_ = false;
+    bool atEnd_ = false;
+    bool headerRead_ = false;
+    bool noErrorSoFar_ = true;
+    float version_ = 1.0F;
+    std::uint32_t line_ = 1;
+    std::unique_ptr<char[]> block_;
+    std::string word_;
+    ReferenceTable references_;
+};
+
+} // namespace meshcast

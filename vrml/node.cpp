@@ -1,0 +1,130 @@
+#include "vrml/node.h"
+
+#include "vrml/fields.h"
+#include "vrml/input.h"
+#include "vrml/messages.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace meshcast {
+
+QvNode::~QvNode() {
+    removeName();
+}
+
+void QvNode::removeName() {
+    if (name_.empty() || NameDictionary::global().remove(name_, this)) {
+        return;
+    }
+    vrmlError("QvNode::removeName", "Name \"%s\" (node %x) is not in dictionary", name_.c_str(),
+              static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(this)));
+}
+
+void QvNode::setName(InternedName name) {
+    removeName();
+    name_ = legalNodeName(name);
+    if (!name_.empty()) {
+        NameDictionary::global().add(name_, this);
+    }
+}
+
+bool QvNode::readBody(VrmlInput& input) {
+    return readFieldsDeclaration(input) && readFields(input, UnknownWord::kIsError);
+}
+
+bool QvNode::readFields(VrmlInput& input, UnknownWord policy) {
+    const FieldTable& table = getFieldTable();
+    if (table.fields().empty()) {
+        return true;
+    }
+    for (;;) {
+        InternedName name;
+        if (!input.readName(name)) {
+            return input.noErrorSoFar();
+        }
+        if (name.empty()) {
+            return true;
+        }
+        QvField* const field = table.findField(*this, name);
+        if (field == nullptr) {
+            if (policy == UnknownWord::kIsError) {
+                input.readError("Unknown field \"%s\"", name.c_str());
+                return false;
+            }
+            input.putBackWord(name.view());
+            return true;
+        }
+        if (!readField(input, *field, name)) {
+            return false;
+        }
+    }
+}
+
+bool QvNode::readFieldsDeclaration(VrmlInput& input) {
+    InternedName word;
+    if (!input.readName(word)) {
+        return input.noErrorSoFar();
+    }
+    if (word.view() != "fields") {
+        input.putBackWord(word.view());
+        return true;
+    }
+    if (!readDeclarations(input)) {
+        input.readError("Bad field specifications for node");
+        return false;
+    }
+    return true;
+}
+
+bool QvNode::readDeclarations(VrmlInput& input) {
+    // Whatever character opens the list is accepted: kept, scenes with other brackets pass.
+    char c = 0;
+    if (!input.skipWhiteSpace() || !input.get(c) || !input.skipWhiteSpace()) {
+        return false;
+    }
+    if (input.readExpected(']')) {
+        return true;
+    }
+    const bool isOpen = !isBuiltIn() && getFieldTable().fields().empty();
+    for (;;) {
+        InternedName typeName;
+        InternedName fieldName;
+        if (!input.readName(typeName) || !input.readName(fieldName)) {
+            return false;
+        }
+        if (isOpen && !adoptField(typeName, fieldName)) {
+            return false;
+        }
+        if (!input.skipWhiteSpace() || !input.get(c)) {
+            return false;
+        }
+        if (c == ']') {
+            return true;
+        }
+        if (c != ',' || !input.skipWhiteSpace()) {
+            return false;
+        }
+        if (input.readExpected(']')) {
+            return true;
+        }
+    }
+}
+
+bool QvNode::adoptField(InternedName /*typeName*/, InternedName /*fieldName*/) {
+    return false;
+}
+
+NodePool::~NodePool() {
+    while (newest_ != nullptr) {
+        delete std::exchange(newest_, newest_->nextInPool_);
+    }
+}
+
+QvNode* NodePool::adopt(std::unique_ptr<QvNode> node) {
+    node->nextInPool_ = newest_;
+    newest_ = node.release();
+    return newest_;
+}
+
+} // namespace meshcast

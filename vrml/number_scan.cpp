@@ -1,0 +1,169 @@
+#include "vrml/number_scan.h"
+
+#include <array>
+#include <cfloat>
+#include <charconv>
+#include <limits>
+#include <system_error>
+
+namespace meshcast {
+
+namespace {
+
+constexpr std::uint64_t kMaxMagnitude = std::numeric_limits<std::uint64_t>::max();
+
+/// The powers of ten that a double holds exactly.
+constexpr std::array<double, 23> kExactPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kMaxExactPower = static_cast<int>(kExactPowers.size()) - 1;
+constexpr std::uint64_t kMaxExactInteger = std::uint64_t(1) << 53;
+/// As many decimal digits always fit 64 bits.
+constexpr std::int64_t kMaxSafeDigits = 19;
+/// Exponents are cut here: far beyond any double, far from overflowing the sums they enter.
+constexpr std::int64_t kMaxExponent = std::int64_t(1) << 40;
+
+constexpr unsigned digitValue(char c) {
+    if (isDigit(c)) {
+        return static_cast<unsigned>(c - '0');
+    }
+    return static_cast<unsigned>((c | 0x20) - 'a') + 10U;
+}
+
+/// Appends digits of the base to the magnitude while `taken` accepts them.
+template <unsigned Base, class Taken>
+void accumulate(ScannedMagnitude& scanned, Taken taken) {
+    for (; taken(*scanned.end); ++scanned.end) {
+        const unsigned digit = digitValue(*scanned.end);
+        const bool fits = scanned.magnitude <= (kMaxMagnitude - digit) / Base;
+        scanned.magnitude = fits ? scanned.magnitude * Base + digit : kMaxMagnitude;
+        scanned.ok = true;
+    }
+}
+
+/// The value of a decimal (no sign) that the short way does not settle.
+double nearestDouble(const char* first, const char* last, std::uint64_t mantissa,
+                     std::int64_t exponent, std::int64_t digits) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(first, last, value);
+    if (error != std::errc::result_out_of_range) {
+        return value;
+    }
+    // from_chars keeps quiet about the side on which it left the range. A decimal whose leading
+    // digit lies before the point is too large, any other too small.
+    if (digits > kMaxSafeDigits) {
+        const char* lead = first;
+        while (*lead == '0' || *lead == '.') {
+            digits -= *lead == '0' ? 1 : 0;
+            ++lead;
+        }
+        return exponent + digits > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    }
+    return mantissa != 0 && exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+}
+
+} // namespace
+
+ScannedMagnitude scanMagnitude(const char* first) {
+    ScannedMagnitude scanned{first, 0, false};
+    if (*first != '0') {
+        accumulate<10>(scanned, isDigit);
+        return scanned;
+    }
+    if (first[1] == 'x') {
+        scanned.end = first + 2;
+        accumulate<16>(scanned, isHexDigit);
+        return scanned;
+    }
+    accumulate<8>(scanned, [](char c) { return c >= '0' && c <= '7'; });
+    while (isDigit(*scanned.end)) {
+        ++scanned.end;
+    }
+    return scanned;
+}
+
+std::int32_t narrowSigned(const ScannedMagnitude& scanned, bool negative) {
+    constexpr std::uint64_t kMaxPositive = std::numeric_limits<std::int64_t>::max();
+    std::uint64_t bits = scanned.magnitude;
+    if (negative) {
+        bits = bits > kMaxPositive ? kMaxPositive + 1 : bits;
+        bits = 0 - bits;
+    } else if (bits > kMaxPositive) {
+        bits = kMaxPositive;
+    }
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits));
+}
+
+std::uint32_t narrowUnsigned(const ScannedMagnitude& scanned) {
+    return static_cast<std::uint32_t>(scanned.magnitude);
+}
+
+// Most numbers of a scene are short decimals. With a mantissa of at most 53 bits and a power of ten
+// that a double holds exactly, one multiplication or division of two exact doubles rounds once and
+// so gives the nearest double (W. Clinger, "How to read floating point numbers accurately", 1990).
+// Everything else goes to std::from_chars.
+ScannedReal scanReal(const char* first) {
+    const char* p = first;
+    const bool negative = *p == '-';
+    if (*p == '-' || *p == '+') {
+        ++p;
+    }
+    const char* const unsignedFirst = p;
+
+    std::uint64_t mantissa = 0; // Wraps beyond kMaxSafeDigits, and is not used then.
+    for (; isDigit(*p); ++p) {
+        mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+    }
+    std::int64_t digits = p - unsignedFirst;
+    std::int64_t fraction = 0;
+    if (*p == '.') {
+        const char* const point = ++p;
+        for (; isDigit(*p); ++p) {
+            mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+        }
+        fraction = p - point;
+        digits += fraction;
+    }
+    if (digits == 0) {
+        return {p, 0, false};
+    }
+
+    std::int64_t exponent = 0;
+    if (*p == 'e' || *p == 'E') {
+        ++p;
+        const bool negativeExponent = *p == '-';
+        if (*p == '-' || *p == '+') {
+            ++p;
+        }
+        if (!isDigit(*p)) {
+            return {p, 0, false};
+        }
+        for (; isDigit(*p); ++p) {
+            if (exponent < kMaxExponent) {
+                exponent = exponent * 10 + (*p - '0');
+            }
+        }
+        if (negativeExponent) {
+            exponent = -exponent;
+        }
+    }
+    exponent -= fraction;
+
+    double value = 0;
+    // Wider intermediate results would round twice.
+    constexpr bool kRoundsOnce = FLT_EVAL_METHOD == 0 || FLT_EVAL_METHOD == 1;
+    if (kRoundsOnce && digits <= kMaxSafeDigits && mantissa <= kMaxExactInteger &&
+        exponent >= -kMaxExactPower && exponent <= kMaxExactPower) {
+        value = static_cast<double>(mantissa);
+        if (exponent < 0) {
+            value /= kExactPowers[static_cast<std::size_t>(-exponent)];
+        } else {
+            value *= kExactPowers[static_cast<std::size_t>(exponent)];
+        }
+    } else {
+        value = nearestDouble(unsignedFirst, p, mantissa, exponent, digits);
+    }
+    return {p, negative ? -value : value, true};
+}
+
+} // namespace meshcast

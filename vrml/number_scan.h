@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+
+namespace meshcast {
+
+// Numbers as the scene language writes them, scanned in one pass. The text must end in a character
+// that belongs to no number (a terminating zero serves). Nothing here depends on the locale.
+
+/// True for the decimal digits only.
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// True for the decimal digits and the letters a to f in either case.
+constexpr bool isHexDigit(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+/// The value of an integer's digits, without a sign.
+struct ScannedMagnitude {
+    const char* end;         ///< The first character that was not taken.
+    std::uint64_t magnitude; ///< Saturated at the largest 64-bit number.
+    bool ok;                 ///< At least one digit was there.
+};
+
+/// Scans decimal digits, octal digits after a leading `0`, or hexadecimal digits after `0x`
+/// (lower-case x only), with the value that `strtoul` gives in base 0: the digits 8 and 9 behind a
+/// leading `0` are taken but end the conversion.
+ScannedMagnitude scanMagnitude(const char* first);
+
+/// The low 32 bits of what a 64-bit `strtol` gives for the digits with this sign.
+std::int32_t narrowSigned(const ScannedMagnitude& scanned, bool negative);
+
+/// The low 32 bits of what a 64-bit `strtoul` gives for the digits.
+std::uint32_t narrowUnsigned(const ScannedMagnitude& scanned);
+
+struct ScannedReal {
+    const char* end; ///< The first character that was not taken.
+    double value;
+    bool ok; ///< Digits stood before or after the point, and behind an exponent marker.
+};
+
+/// Scans an optional sign, digits with an optional point, and an optional exponent. The value is
+/// the double nearest to the decimal, as `strtod` gives it in the C locale: beyond the largest
+/// double infinity, below the smallest zero, a minus sign kept.
+ScannedReal scanReal(const char* first);
+
+} // namespace meshcast

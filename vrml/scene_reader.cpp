@@ -1,0 +1,178 @@
+#include "vrml/scene_reader.h"
+
+#include "vrml/group.h"
+#include "vrml/input.h"
+#include "vrml/registry.h"
+
+#include <memory>
+#include <string>
+
+// readNode and the nodes' readBody and readChildren call one another, once for each level of
+// nesting. What a level needs only before or after its body is kept out of their frames, so that a
+// scene of the greatest depth fits a small stack, in a sanitizer build too.
+
+namespace meshcast {
+
+namespace {
+
+constexpr char kOpen = '{';
+constexpr char kClose = '}';
+
+/// How deep the bodies being read stand in one another.
+int nestingDepth = 0;
+
+bool readBrace(VrmlInput& input, char brace) {
+    char c = 0;
+    if (!input.skipWhiteSpace() || !input.get(c)) {
+        input.readError("Expected '%c'; got EOF", brace);
+        return false;
+    }
+    if (c != brace) {
+        input.readError("Expected '%c'; got '%c'", brace, c);
+        return false;
+    }
+    return true;
+}
+
+/// Reads the name behind USE and finds its node.
+bool readReference(VrmlInput& input, QvNode*& node) {
+    std::string text;
+    if (!input.skipWhiteSpace() || !input.readString(text)) {
+        input.readError("Premature end of file after USE");
+        return false;
+    }
+    QvNode** const found = input.references().find(InternedName(text));
+    if (found == nullptr) {
+        input.readError("Unknown reference \"%s\"", text.c_str());
+        return false;
+    }
+    node = *found;
+    return true;
+}
+
+/// Reads the name behind DEF and the class name behind that.
+bool readDefinition(VrmlInput& input, InternedName& name, InternedName& className) {
+    bool ok = true;
+    std::string text;
+    const bool named = input.skipWhiteSpace() && input.readString(text);
+    name = InternedName(text);
+    className = InternedName();
+    if (!named || !input.readName(className)) {
+        input.readError("Premature end of file after DEF");
+        ok = false;
+    }
+    if (name.empty()) {
+        input.readError("No name given after ");
+        ok = false;
+    }
+    if (className.empty()) {
+        input.readError("Invalid definition of %s", name.c_str());
+        ok = false;
+    }
+    return ok;
+}
+
+/// Makes the node of a class. Outside the registry a class is known by the word "fields" at the
+/// start of its body, which is left to be read again. Reports a class that is not known.
+std::unique_ptr<QvNode> createFromInput(VrmlInput& input, InternedName className) {
+    if (std::unique_ptr<QvNode> node = createNode(className)) {
+        return node;
+    }
+    std::string word;
+    if (!input.readString(word) || word != "fields") {
+        input.readError("Unknown class \"%s\"", className.c_str());
+        return nullptr;
+    }
+    auto node = std::make_unique<QvUnknownNode>(std::string(className.view()));
+    input.putBackWord(word);
+    return node;
+}
+
+enum class Opened { kBody, kNothing, kFailed };
+
+/// Reads up to the opening brace of a node and makes the node, or finds the node that USE names, or
+/// finds that no node follows. Opened::kBody with a null node: the body cannot be read.
+[[gnu::noinline]] Opened openNode(VrmlInput& input, QvNode*& node) {
+    static const InternedName kNull("NULL");
+    static const InternedName kUse("USE");
+    static const InternedName kDef("DEF");
+
+    node = nullptr;
+    InternedName className;
+    if (!input.readName(className)) {
+        return input.noErrorSoFar() ? Opened::kNothing : Opened::kFailed;
+    }
+    if (className.empty() || className == kNull) {
+        return Opened::kNothing;
+    }
+    if (className == kUse) {
+        return readReference(input, node) ? Opened::kNothing : Opened::kFailed;
+    }
+    InternedName name;
+    if (className == kDef && !readDefinition(input, name, className)) {
+        return Opened::kFailed;
+    }
+    if (!readBrace(input, kOpen)) {
+        return Opened::kFailed;
+    }
+    if (nestingDepth >= kMaxNestingDepth) {
+        input.readError("Nesting deeper than %d levels", kMaxNestingDepth);
+        return Opened::kBody;
+    }
+    std::unique_ptr<QvNode> created = createFromInput(input, className);
+    if (created == nullptr) {
+        return Opened::kBody;
+    }
+    node = input.nodes().adopt(std::move(created));
+    if (!name.empty()) {
+        input.references()[name] = node;
+        node->setName(name);
+    }
+    return Opened::kBody;
+}
+
+/// Reports an input of which more is left than a scene without a node may have.
+bool endsWithoutNode(VrmlInput& input) {
+    char c = 0;
+    if (input.get(c)) {
+        input.readError("Extra characters ('%c') found in input", c);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool readNode(VrmlInput& input, QvNode*& node) {
+    switch (openNode(input, node)) {
+    case Opened::kFailed:
+        return false;
+    case Opened::kNothing:
+        return true;
+    case Opened::kBody:
+        break;
+    }
+    ++nestingDepth;
+    const bool read = node != nullptr && node->readBody(input);
+    --nestingDepth;
+    if (!read) {
+        input.skipBody();
+        node = nullptr;
+        return false;
+    }
+    if (!readBrace(input, kClose)) {
+        node = nullptr;
+        return false;
+    }
+    return true;
+}
+
+bool readScene(VrmlInput& input, QvNode*& root) {
+    if (!readNode(input, root)) {
+        root = nullptr;
+        return false;
+    }
+    return root != nullptr || endsWithoutNode(input);
+}
+
+} // namespace meshcast
