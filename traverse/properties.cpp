@@ -1,0 +1,87 @@
+#include "traverse/state.h"
+#include "vrml/nodes.h"
+
+#include <memory>
+
+// A property node in the walk puts an element that refers to it on the stack of its kind. Shapes
+// read the node's fields through the element when they are converted. (Texture2, which may also
+// load its image, is at home with the textures.)
+
+namespace meshcast {
+
+namespace {
+
+void add(QvState& state, QvElementKind kind, QvNode& node,
+         QvElementType type = QvElementType::Unknown) {
+    state.addElement(kind, std::make_unique<QvElement>(&node, type));
+}
+
+} // namespace
+
+using Kind = QvElementKind;
+using Type = QvElementType;
+
+void QvOrthographicCamera::traverse(QvState& state) {
+    add(state, Kind::Camera, *this, Type::OrthographicCamera);
+}
+void QvPerspectiveCamera::traverse(QvState& state) {
+    add(state, Kind::Camera, *this, Type::PerspectiveCamera);
+}
+
+void QvDirectionalLight::traverse(QvState& state) {
+    add(state, Kind::Light, *this, Type::DirectionalLight);
+}
+void QvPointLight::traverse(QvState& state) {
+    add(state, Kind::Light, *this, Type::PointLight);
+}
+void QvSpotLight::traverse(QvState& state) {
+    add(state, Kind::Light, *this, Type::SpotLight);
+}
+
+void QvMatrixTransform::traverse(QvState& state) {
+    add(state, Kind::Transformation, *this, Type::MatrixTransform);
+}
+void QvRotation::traverse(QvState& state) {
+    add(state, Kind::Transformation, *this, Type::Rotation);
+}
+void QvScale::traverse(QvState& state) {
+    add(state, Kind::Transformation, *this, Type::Scale);
+}
+void QvTransform::traverse(QvState& state) {
+    add(state, Kind::Transformation, *this, Type::Transform);
+}
+void QvTranslation::traverse(QvState& state) {
+    add(state, Kind::Transformation, *this, Type::Translation);
+}
+
+void QvCoordinate3::traverse(QvState& state) {
+    add(state, Kind::Coordinate3, *this);
+}
+void QvMaterialBinding::traverse(QvState& state) {
+    add(state, Kind::MaterialBinding, *this);
+}
+void QvMaterial::traverse(QvState& state) {
+    add(state, Kind::Material, *this);
+}
+void QvNormalBinding::traverse(QvState& state) {
+    add(state, Kind::NormalBinding, *this);
+}
+void QvNormal::traverse(QvState& state) {
+    add(state, Kind::Normal, *this);
+}
+void QvShapeHints::traverse(QvState& state) {
+    add(state, Kind::ShapeHints, *this);
+}
+void QvTexture2Transform::traverse(QvState& state) {
+    add(state, Kind::Texture2Transformation, *this);
+}
+void QvTextureCoordinate2::traverse(QvState& state) {
+    add(state, Kind::TextureCoordinate2, *this);
+}
+void QvFontStyle::traverse(QvState& state) {
+    add(state, Kind::FontStyle, *this);
+}
+
+void QvInfo::traverse(QvState& /*state*/) {}
+
+} // namespace meshcast
