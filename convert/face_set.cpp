@@ -1,0 +1,281 @@
+#include "compat/geom/geom.h"
+#include "convert/context.h"
+#include "convert/object_output.h"
+#include "convert/texture.h"
+#include "convert/texture_coordinates.h"
+#include "convert/texture_switch.h"
+#include "traverse/state.h"
+#include "vrml/nodes.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+// An indexed face set becomes one polyhedron: all points of the coordinates in force are its
+// vertices, each face is a polygon. Normals, colours and texture coordinates are per vertex: where
+// the scene binds them to faces or lists of indices, they are spread over the vertices that these
+// name, later ones over earlier ones. Entries that nothing names stay zero; a pair of indices of
+// which either lies outside its list is passed over.
+
+namespace meshcast {
+
+namespace {
+
+constexpr std::int32_t kEndOfFace = -1;
+
+std::span<const std::int32_t> entries(const QvMFLong& field) {
+    return {field.values, static_cast<std::size_t>(field.num)};
+}
+
+/// Whether `index` lies in a list of `count` values.
+bool isInside(std::int32_t index, std::int32_t count) {
+    return index >= 0 && index < count;
+}
+
+// ---- polygons
+
+/// Faces as GEOMadd_polygons takes them: each its count and its vertex numbers, which start at 1;
+/// a count of 0 ends the list. Each face stands where it stands in `coordIndex`, its count one
+/// entry ahead. Reports the indices that name no point.
+std::vector<std::int32_t> polygonList(std::span<const std::int32_t> coordIndex,
+                                      std::int32_t points) {
+    std::vector<std::int32_t> list(coordIndex.size() + 2);
+    std::size_t faceStart = 0;
+    std::size_t count = 0;
+    const auto closeFace = [&] {
+        list[faceStart] = static_cast<std::int32_t>(count);
+        for (std::size_t i = faceStart; i < faceStart + count; ++i) {
+            // Wraps: an index that names no point may be the largest integer.
+            list[i + 1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(coordIndex[i]) + 1U);
+        }
+    };
+    for (std::size_t i = 0; i < coordIndex.size(); ++i) {
+        const std::int32_t index = coordIndex[i];
+        if (index == kEndOfFace) {
+            closeFace();
+            faceStart = i + 1;
+            count = 0;
+        } else if (isInside(index, points)) {
+            ++count;
+        } else {
+            // Only not counted: the face keeps its first entries, this one among them if it is not
+            // the last. Kept, the stream's readers know such faces.
+            std::fprintf(stderr, "Error: IndexedFaceSet: Out of Index: %d\n", index);
+        }
+    }
+    if (count != 0) {
+        closeFace();
+    }
+    return list;
+}
+
+// ---- normals
+
+enum class NormalMode : std::uint8_t {
+    kGenerate,
+    kPerVertex,
+    kIndexed,
+    kNone,
+};
+
+NormalMode normalMode(const QvState& state, const QvIndexedFaceSet& shape, std::int32_t points) {
+    const auto* const binding = topNode<QvNormalBinding>(state, QvElementKind::NormalBinding);
+    if (binding == nullptr) {
+        return NormalMode::kGenerate;
+    }
+    const auto* const normal = topNode<QvNormal>(state, QvElementKind::Normal);
+    switch (binding->value.value) {
+    case Binding::PER_VERTEX:
+        return normal != nullptr && normal->vector.num == points ? NormalMode::kPerVertex
+                                                                 : NormalMode::kGenerate;
+    case Binding::PER_VERTEX_INDEXED:
+        return normal != nullptr && shape.normalIndex.num >= 2 ? NormalMode::kIndexed
+                                                               : NormalMode::kGenerate;
+    case Binding::DEFAULT:
+        // Unlike every other binding that gives no normals, an explicit DEFAULT generates none
+        // either: kept, the stream's readers rely on it.
+        return NormalMode::kNone;
+    default:
+        return NormalMode::kGenerate;
+    }
+}
+
+/// `Width` floats per point, spread from the values of a field by pairs of indices: the entry j of
+/// `index` names the value of the point that entry j of `coordIndex` names.
+template <std::size_t Width>
+std::vector<float> spreadIndexed(const QvMFieldOf<float, Width>& values,
+                                 std::span<const std::int32_t> index,
+                                 std::span<const std::int32_t> coordIndex, std::int32_t points) {
+    // Never empty: an array made for no points is still one that was given.
+    std::vector<float> spread(std::max<std::size_t>(static_cast<std::size_t>(points) * Width, 1));
+    for (std::size_t j = 0; j < std::min(index.size(), coordIndex.size()); ++j) {
+        if (isInside(index[j], values.num) && isInside(coordIndex[j], points)) {
+            std::copy_n(values.at(index[j]), Width,
+                        &spread[static_cast<std::size_t>(coordIndex[j]) * Width]);
+        }
+    }
+    return spread;
+}
+
+// ---- colours
+
+std::uint8_t colorByte(float component) {
+    const double scaled = std::min(static_cast<double>(component), 1.0) * 255.0;
+    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+    // There is no clamp from below: the low byte of a negative integer wraps.
+    const auto truncated = static_cast<std::int32_t>(std::max(scaled, kLowest));
+    return static_cast<std::uint8_t>(static_cast<std::uint32_t>(truncated));
+}
+
+/// Packs the diffuse colours onto the vertices that a binding gives them to.
+class VertexColors {
+public:
+    VertexColors(const QvMFColor& diffuse, std::int32_t points)
+        : diffuse_(diffuse), points_(points),
+          packed_(std::max<std::size_t>(static_cast<std::size_t>(points), 1)) {}
+
+    /// Gives a vertex the colour of that number, counted round and round the list.
+    void set(std::int32_t vertex, std::int32_t color) {
+        const std::int32_t wrapped = color % diffuse_.num;
+        if (!isInside(vertex, points_) || wrapped < 0) {
+            return;
+        }
+        const float* const rgb = diffuse_.at(wrapped);
+        packed_[static_cast<std::size_t>(vertex)] = {0, colorByte(rgb[0]), colorByte(rgb[1]),
+                                                     colorByte(rgb[2])};
+    }
+
+    const GEOMpacked_color* data() const { return packed_.data(); }
+
+private:
+    const QvMFColor& diffuse_;
+    std::int32_t points_;
+    std::vector<GEOMpacked_color> packed_;
+};
+
+void colorVertices(VertexColors& colors, std::span<const std::int32_t> coordIndex,
+                   std::span<const std::int32_t> materialIndex) {
+    for (std::size_t j = 0; j < std::min(materialIndex.size(), coordIndex.size()); ++j) {
+        if (materialIndex[j] != -1) {
+            colors.set(coordIndex[j], materialIndex[j]);
+        }
+    }
+}
+
+/// `colorOfFace` tells the number of a face's colour, negative for none.
+template <class ColorOfFace>
+void colorFaces(VertexColors& colors, std::span<const std::int32_t> coordIndex,
+                ColorOfFace colorOfFace) {
+    std::size_t face = 0;
+    for (const std::int32_t index : coordIndex) {
+        if (index == kEndOfFace) {
+            ++face;
+        } else {
+            colors.set(index, colorOfFace(face));
+        }
+    }
+}
+
+/// The colours of the vertices, or null where the shape has none: a binding and more than one
+/// diffuse colour make them.
+std::unique_ptr<VertexColors> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
+                                           std::int32_t points) {
+    const auto* const binding = topNode<QvMaterialBinding>(state, QvElementKind::MaterialBinding);
+    const auto* const material = topNode<QvMaterial>(state, QvElementKind::Material);
+    if (binding == nullptr || material == nullptr || material->diffuseColor.num <= 1) {
+        return nullptr;
+    }
+    const std::int32_t value = binding->value.value;
+    if (value < Binding::PER_FACE || value > Binding::PER_VERTEX_INDEXED) {
+        return nullptr;
+    }
+    const auto coordIndex = entries(shape.coordIndex);
+    const auto materialIndex = entries(shape.materialIndex);
+    // The default index list is no list to index by.
+    const bool isIndexed = materialIndex.size() >= 2;
+    auto colors = std::make_unique<VertexColors>(material->diffuseColor, points);
+    if (value == Binding::PER_VERTEX) {
+        for (std::int32_t i = 0; i < points; ++i) {
+            colors->set(i, i);
+        }
+    } else if (value == Binding::PER_VERTEX_INDEXED && isIndexed) {
+        colorVertices(*colors, coordIndex, materialIndex);
+    } else if (value == Binding::PER_FACE) {
+        colorFaces(*colors, coordIndex,
+                   [](std::size_t face) { return static_cast<std::int32_t>(face); });
+    } else if (value == Binding::PER_FACE_INDEXED && isIndexed) {
+        colorFaces(*colors, coordIndex, [materialIndex](std::size_t face) {
+            return face < materialIndex.size() ? materialIndex[face] : -1;
+        });
+    }
+    return colors;
+}
+
+// ---- texture coordinates
+
+/// Two floats per point, or nothing where the shape has no texture.
+std::vector<float> textureCoordinates(const QvState& state, const QvIndexedFaceSet& shape,
+                                      const QvMFVec3f& points) {
+    const std::optional<TextureUse> texture =
+        textureSwitch != 0 ? checkTexture(state) : std::nullopt;
+    if (!texture) {
+        return {};
+    }
+    const auto* const given =
+        topNode<QvTextureCoordinate2>(state, QvElementKind::TextureCoordinate2);
+    std::vector<float> uvs =
+        shape.textureCoordIndex.num > 1 && given != nullptr
+            ? spreadIndexed(given->point, entries(shape.textureCoordIndex),
+                            entries(shape.coordIndex), points.num)
+            : projectedCoordinates({points.values, static_cast<std::size_t>(points.num) * 3});
+    uvs.resize(static_cast<std::size_t>(points.num) * 2);
+    transformTextureCoordinates(state, *texture, uvs);
+    return uvs;
+}
+
+} // namespace
+
+void QvIndexedFaceSet::traverse(QvState& state) {
+    const ShapeContext context(state);
+    const auto* const coordinates = topNode<QvCoordinate3>(state, QvElementKind::Coordinate3);
+    if (coordinates == nullptr) {
+        return;
+    }
+    const QvMFVec3f& points = coordinates->point;
+    const NormalMode mode = normalMode(state, *this, points.num);
+    // The messages about bad indices come before any that building the object may print.
+    std::vector<std::int32_t> polygons = polygonList(entries(coordIndex), points.num);
+
+    std::vector<float> spreadNormals;
+    const float* normals = nullptr;
+    if (mode == NormalMode::kPerVertex) {
+        normals = topNode<QvNormal>(state, QvElementKind::Normal)->vector.values;
+    } else if (mode == NormalMode::kIndexed) {
+        spreadNormals = spreadIndexed(topNode<QvNormal>(state, QvElementKind::Normal)->vector,
+                                      entries(normalIndex), entries(coordIndex), points.num);
+        normals = spreadNormals.data();
+    }
+    const std::unique_ptr<VertexColors> colors = vertexColors(state, *this, points.num);
+    const std::vector<float> uvs = textureCoordinates(state, *this, points);
+
+    ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
+    GEOMadd_vertices_with_data(object.get(), points.values, normals,
+                               colors != nullptr ? colors->data() : nullptr, points.num, GEOM_COPY);
+    GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
+    // As large as the index list, and not needed while the normals are made.
+    polygons = {};
+    if (mode == NormalMode::kGenerate) {
+        GEOMgen_normals(object.get(), 0);
+    }
+    if (!uvs.empty()) {
+        GEOMadd_uvs(object.get(), uvs.data(), points.num, GEOM_COPY);
+    }
+    writeObject(std::move(object));
+}
+
+} // namespace meshcast

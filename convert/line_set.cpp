@@ -1,0 +1,100 @@
+#include "compat/geom/geom.h"
+#include "convert/context.h"
+#include "convert/object_output.h"
+#include "traverse/state.h"
+#include "vrml/nodes.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+// An indexed line set becomes one polytriangle with a polyline for each run of indices between the
+// entries of -1. Colours are floats, one per vertex, unlike the bytes of face sets.
+
+namespace meshcast {
+
+namespace {
+
+constexpr std::int32_t kEndOfRun = -1;
+
+/// The list that a run's positions name colours by: none, the vertex indices or material indices.
+const QvMFLong* colorIndices(const QvState& state, const QvIndexedLineSet& shape,
+                             std::int32_t points) {
+    const auto* const binding = topNode<QvMaterialBinding>(state, QvElementKind::MaterialBinding);
+    const auto* const material = topNode<QvMaterial>(state, QvElementKind::Material);
+    if (binding == nullptr || material == nullptr) {
+        return nullptr;
+    }
+    if (binding->value.value == Binding::PER_VERTEX && material->diffuseColor.num == points) {
+        return &shape.coordIndex;
+    }
+    if (binding->value.value == Binding::PER_VERTEX_INDEXED && shape.materialIndex.num >= 2) {
+        return &shape.materialIndex;
+    }
+    return nullptr;
+}
+
+/// Copies the value that entry `position` of `indices` names; zeros when there is no such entry or
+/// no such value.
+void copyNamed(const QvMFieldOf<float, 3>& values, const QvMFLong& indices, std::int32_t position,
+               float* target) {
+    const std::int32_t index = position < indices.num ? indices.values[position] : -1;
+    if (index >= 0 && index < values.num) {
+        std::copy_n(values.at(index), 3, target);
+    } else {
+        std::fill_n(target, 3, 0.0F);
+    }
+}
+
+} // namespace
+
+void QvIndexedLineSet::traverse(QvState& state) {
+    const ShapeContext context(state);
+    const auto* const coordinates = topNode<QvCoordinate3>(state, QvElementKind::Coordinate3);
+    if (coordinates == nullptr) {
+        return;
+    }
+    const QvMFVec3f& points = coordinates->point;
+    const QvMFLong* const colorIndex = colorIndices(state, *this, points.num);
+
+    ObjectOwner object(GEOMcreate_obj(GEOM_POLYTRIANGLE, nullptr));
+    std::vector<float> vertices;
+    std::vector<float> colors;
+    std::int32_t runStart = 0;
+    std::int32_t length = 0;
+    for (std::int32_t i = 0; i < coordIndex.num; ++i) {
+        const std::int32_t index = coordIndex.values[i];
+        const bool isLast = i == coordIndex.num - 1;
+        if (index != kEndOfRun && !isLast) {
+            if (index >= 0 && index < points.num) {
+                ++length;
+            } else {
+                // Only not counted, so that the run's end is cut rather than this entry: kept.
+                std::fprintf(stderr, "Error: IndexedLineSet: Out of Index: %d\n", index);
+            }
+            continue;
+        }
+        // The last entry counts whatever it names, unless it is one of the two that end lists.
+        if (index != kEndOfRun && index != -2) {
+            ++length;
+        }
+        vertices.resize(static_cast<std::size_t>(length) * 3);
+        colors.resize(colorIndex != nullptr ? vertices.size() : 0);
+        for (std::int32_t k = 0; k < length; ++k) {
+            const std::size_t offset = static_cast<std::size_t>(k) * 3;
+            copyNamed(points, coordIndex, runStart + k, &vertices[offset]);
+            if (colorIndex != nullptr) {
+                copyNamed(topNode<QvMaterial>(state, QvElementKind::Material)->diffuseColor,
+                          *colorIndex, runStart + k, &colors[offset]);
+            }
+        }
+        GEOMadd_polyline(object.get(), vertices.data(),
+                         colorIndex != nullptr ? colors.data() : nullptr, length, GEOM_COPY);
+        runStart = i + 1;
+        length = 0;
+    }
+    writeObject(std::move(object));
+}
+
+} // namespace meshcast

@@ -1,0 +1,59 @@
+#include "compat/geom/geom.h"
+#include "convert/context.h"
+#include "convert/object_output.h"
+#include "convert/text_switch.h"
+#include "traverse/state.h"
+#include "vrml/nodes.h"
+
+#include <cstdint>
+
+namespace meshcast {
+
+namespace {
+
+const char* fontName(std::int32_t family) {
+    switch (family) {
+    case QvFontStyle::SERIF:
+        return "Times";
+    case QvFontStyle::SANS:
+        return "Helvetica";
+    default:
+        return "Courier";
+    }
+}
+
+std::uint32_t alignment(std::int32_t justification) {
+    switch (justification) {
+    case QvAsciiText::CENTER:
+        return GEOM_LABEL_CENTER;
+    case QvAsciiText::RIGHT:
+        return GEOM_LABEL_RIGHT;
+    default:
+        return GEOM_LABEL_LEFT;
+    }
+}
+
+} // namespace
+
+// Text becomes one label at the origin.
+void QvAsciiText::traverse(QvState& state) {
+    constexpr float kOrigin[3] = {0, 0, 0};
+    constexpr float kHeight = 0.15F;
+
+    if (textSwitch == 0) {
+        return;
+    }
+    const QvFontStyle defaultStyle;
+    const ShapeContext context(state);
+    const auto* const given = topNode<QvFontStyle>(state, QvElementKind::FontStyle);
+    const QvFontStyle& font = given != nullptr ? *given : defaultStyle;
+    const int fontNumber =
+        GEOMfont_number(fontName(font.family.value), font.style.value & QvFontStyle::BOLD,
+                        font.style.value & QvFontStyle::ITALIC);
+    ObjectOwner object(GEOMcreate_label(
+        nullptr, GEOMlabel_flags(fontNumber, 0, 0, 0, alignment(justification.value), 0)));
+    GEOMadd_label(object.get(), string.value.c_str(), kOrigin, kOrigin, kHeight, nullptr, -1);
+    writeObject(std::move(object));
+}
+
+} // namespace meshcast
