@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace geomtool {
+
+/// The exit statuses of the program.
+enum ExitStatus : int {
+    status_sound = 0,
+    status_broken = 1, ///< the stream departs from the format
+    status_failed = 2  ///< wrong usage, unreadable input or unwritable output
+};
+
+struct InfoOptions {
+    std::string file = "-"; ///< "-": standard input
+    bool json = false;
+    bool values = false;
+};
+
+/// Lists a stream on standard output; what is wrong goes to standard error. A broken stream is
+/// listed up to the record that breaks it.
+ExitStatus run_info(const InfoOptions& options);
+
+} // namespace geomtool

@@ -1,0 +1,157 @@
+#include "tools/geomtool/listing.h"
+#include "tools/geomtool/summary.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace geomtool {
+
+using geom_stream::Object;
+
+namespace {
+
+// Ordered, and with float as its only real number: a float then has its own short form, not that of
+// the double it would widen to.
+using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
+                                  std::int64_t, std::uint64_t, float>;
+
+// What follows makes one element of an array of values.
+Json json(std::int64_t number) {
+    return number;
+}
+Json json(std::int32_t number) {
+    return number;
+}
+Json json(std::byte byte) {
+    return std::to_integer<unsigned>(byte);
+}
+Json json(const std::string& text) {
+    return text;
+}
+
+Json json(float number) {
+    if (std::isnan(number))
+        return "nan";
+    if (std::isinf(number))
+        return number > 0 ? "inf" : "-inf";
+    return number;
+}
+
+template <class Sequence>
+requires requires(const Sequence& sequence) {
+    sequence[0];
+}
+Json json(const Sequence& elements) {
+    Json list = Json::array();
+    for (const auto& element : elements)
+        list.push_back(json(element));
+    return list;
+}
+
+Json json(PolygonsOf polygons) {
+    return json(polygons.polyhedron->polygons());
+}
+
+Json properties_of(const Object& object) {
+    Json list = Json::array();
+    for (const geom_stream::Property& property : object.properties)
+        list.push_back({{"kind", property.kind},
+                        {"value", property.value},
+                        {"length", property.bytes.size()}});
+    return list;
+}
+
+Json values_of(const Object& object) {
+    Json all = Json::object();
+    for (const ValueGroup& group : value_groups(object)) {
+        Json arrays = Json::object();
+        for (const auto& [name, values] : group.arrays)
+            arrays[std::string(name)] =
+                std::visit([](const auto& elements) { return json(elements); }, values);
+        if (!group.plural.empty())
+            all[std::string(group.plural)].push_back(std::move(arrays));
+        else if (!group.singular.empty())
+            all[std::string(group.singular)] = std::move(arrays);
+        else
+            all.update(arrays);
+    }
+    return all;
+}
+
+Json json_of(std::size_t number, const Object& object, bool with_values) {
+    Json entry{{"number", number},          {"kind", std::string(kind_name(object.kind()))},
+               {"version", object.version}, {"offset", object.offset},
+               {"size", object.size},       {"data", object.flags}};
+    entry["flags"] = Json::array();
+    for (const std::string_view name : names_of_flags(object.flags))
+        entry["flags"].push_back(std::string(name));
+    for (const Count& count : counts(object))
+        entry["counts"][std::string(count.name)] = count.value;
+    if (object.kind() == geom_stream::Kind::label) {
+        const std::uint32_t label_flags = object.label().label_flags;
+        entry["label"] = {{"flags", label_flags}, {"style", describe_label_flags(label_flags)}};
+    }
+    entry["name"] = object.name;
+    entry["text"] = object.second_text;
+    entry["properties"] = properties_of(object);
+    entry["hdrsize"] = object.header_size;
+    entry["extent"] = object.has_extent ? json(object.extent) : Json();
+    entry["bytecount"] = object.byte_count;
+    if (const std::optional<Bounds> around = bounds(object))
+        entry["bounds"] = {{"minimum", json(around->minimum)}, {"maximum", json(around->maximum)}};
+    else
+        entry["bounds"] = nullptr;
+    entry["notes"] = notes(object);
+    if (with_values)
+        entry["values"] = values_of(object);
+    return entry;
+}
+
+class JsonListing final : public Listing {
+public:
+    JsonListing(std::ostream& out, bool with_values) : out_(out), with_values_(with_values) {
+        out_ << R"({"objects":[)";
+    }
+
+    void add(std::size_t number, const Object& object) override {
+        out_ << (number == 1 ? "\n" : ",\n") << line(json_of(number, object, with_values_));
+    }
+
+    void finish(const Totals& totals) override {
+        Json error;
+        if (totals.error)
+            error = {{"offset", totals.error->offset}, {"message", totals.error->message}};
+        const Json total{{"objects", totals.objects},
+                         {"bytes", totals.bytes},
+                         {"stream_bytes", totals.stream_bytes}};
+        out_ << "\n],\n\"total\":" << line(total) << ",\n\"error\":" << line(error) << "}\n";
+    }
+
+private:
+    /// Texts of a stream need not be UTF-8: JSON has U+FFFD for the bytes that are not.
+    static std::string line(const Json& json) {
+        return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
+
+    std::ostream& out_;
+    bool with_values_;
+};
+
+} // namespace
+
+std::unique_ptr<Listing> make_json_listing(std::ostream& out, bool with_values) {
+    return std::make_unique<JsonListing>(out, with_values);
+}
+
+} // namespace geomtool

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "tools/geomtool/decoder.h"
+
+#include <cstddef>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+
+namespace geomtool {
+
+/// What a listing closes with.
+struct Totals {
+    std::size_t objects = 0;
+    std::size_t bytes = 0;        ///< of the objects listed
+    std::size_t stream_bytes = 0; ///< of the whole stream; more than `bytes` when it is broken
+    std::optional<geom_stream::Error> error;
+};
+
+/// A listing of a stream in the making: one object at a time, then the totals.
+class Listing {
+public:
+    Listing() = default;
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+    virtual ~Listing() = default;
+
+    /// Lists the object that is the `number`th of the stream, counted from 1.
+    virtual void add(std::size_t number, const geom_stream::Object& object) = 0;
+    virtual void finish(const Totals& totals) = 0;
+};
+
+/// Lines for people: a heading per object and indented details. Floats have the shortest form that
+/// reads back as the same value. `with_values` adds the elements of every array.
+std::unique_ptr<Listing> make_text_listing(std::ostream& out, bool with_values);
+
+/// One JSON document with one line per object; a float that is not finite is a string.
+std::unique_ptr<Listing> make_json_listing(std::ostream& out, bool with_values);
+
+} // namespace geomtool

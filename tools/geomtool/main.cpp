@@ -1,0 +1,41 @@
+#include "tools/geomtool/info.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+int run(int argc, char** argv) {
+    CLI::App app("Looks into GEOM streams.", "geomtool");
+    app.set_version_flag("--version", "geomtool " GEOMTOOL_VERSION);
+    app.require_subcommand(1);
+    app.footer("Exit status: 0 sound, 1 broken stream, 2 wrong usage or failed input or output.");
+
+    geomtool::InfoOptions options;
+    CLI::App* info = app.add_subcommand("info", "List the objects of a stream");
+    info->add_option("FILE", options.file, "The stream; standard input when absent or -");
+    info->add_flag("--json", options.json, "Print one JSON document instead of lines");
+    info->add_flag("--values", options.values, "Print the elements of every array too");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version come this way too, with status 0.
+        return app.exit(error) == 0 ? geomtool::status_sound : geomtool::status_failed;
+    }
+    return geomtool::run_info(options);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        std::ios::sync_with_stdio(false);
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::cerr << "geomtool: " << error.what() << '\n';
+        return geomtool::status_failed;
+    }
+}

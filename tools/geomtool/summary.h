@@ -1,0 +1,72 @@
+#pragma once
+
+#include "tools/geomtool/decoder.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+/// What the listings of a stream say about one object, before it is laid out as text or JSON.
+/// Everything here refers into the object and must not outlive it.
+namespace geomtool {
+
+struct Count {
+    std::string_view name;
+    std::int64_t value;
+};
+
+/// The counts that the object's kind has, in the order of the stream.
+std::vector<Count> counts(const geom_stream::Object& object);
+
+/// The names of the set bits of the `data` word.
+std::vector<std::string_view> names_of_flags(std::uint32_t flags);
+
+struct Bounds {
+    geom_stream::Vec3 minimum;
+    geom_stream::Vec3 maximum;
+};
+
+/// The box around all vertices, centres or label positions; none when there are none. A coordinate
+/// that is not a number is left out; an axis that has no other is itself not a number.
+std::optional<Bounds> bounds(const geom_stream::Object& object);
+
+/// The label-flags word in words, for instance "font 142 Times bold italic, left".
+std::string describe_label_flags(std::uint32_t label_flags);
+
+/// What is lawful but odd: a `bytecount` other than the format's, a polygon list that ends early,
+/// vertex numbers that name no vertex.
+std::vector<std::string> notes(const geom_stream::Object& object);
+
+/// Stands for `polygons()` of a polyhedron, so that Values stays a plain view.
+struct PolygonsOf {
+    const geom_stream::Polyhedron* polyhedron;
+};
+
+/// The values of one array, one element per vertex, polygon, label or whatever it belongs to.
+using Values = std::variant<std::span<const geom_stream::Vec3>, std::span<const geom_stream::Vec2>,
+                            std::span<const float>, std::span<const std::int32_t>,
+                            std::span<const std::int64_t>, std::span<const std::byte>,
+                            std::span<const std::string>, PolygonsOf>;
+
+struct NamedValues {
+    std::string_view name;
+    Values values;
+};
+
+/// Arrays that belong together: those of the whole object, of one strip, of one polyline ...
+struct ValueGroup {
+    std::string_view singular; ///< "strip", "polyline", "segments", "property"; empty: the object
+    std::string_view plural;   ///< "strips" ...; empty when there can be only one such group
+    std::size_t number = 0;    ///< from 1 among the groups of that name
+    std::vector<NamedValues> arrays;
+};
+
+/// Every array of the object that has elements; the vertices even when there are none.
+std::vector<ValueGroup> value_groups(const geom_stream::Object& object);
+
+} // namespace geomtool
