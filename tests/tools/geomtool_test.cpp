@@ -1,0 +1,141 @@
+#include "tests/tools/records.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstddef>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string contents(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+/// Runs the program in a directory where the file `stream` holds these bytes; the arguments may
+/// redirect.
+class Geomtool : public testing::Test {
+protected:
+    ~Geomtool() override { std::filesystem::remove_all(folder); }
+
+    Outcome run(const std::string& arguments, const std::vector<std::byte>& stream = {}) const {
+        std::ofstream file(folder + "/stream", std::ios::binary);
+        for (const std::byte byte : stream)
+            file.put(static_cast<char>(byte));
+        file.close();
+        const int status = std::system(
+            ("cd '" + folder + "' && exec 2>err >out && '" + GEOMTOOL_PROGRAM + "' " + arguments)
+                .c_str());
+        return {WEXITSTATUS(status), contents(folder + "/out"), contents(folder + "/err")};
+    }
+
+    std::string folder = [] {
+        std::string name = testing::TempDir() + "geomtool-XXXXXX";
+        return std::string(mkdtemp(name.data()));
+    }();
+};
+
+constexpr const char* polyhedron_listing = R"(object 1: polyhedron, version 10, offset 0, 204 bytes
+  name       "Ab"
+  flags      colours|uvs|uvws|primitive-data|vertex-data (0xce)
+  counts     polygons 2, indices 2, vertices 1
+  property   kind 6, value 4, 3 bytes
+  extent     -1 0 0 .. 1 0 0
+  bytecount  76
+  bounds     1 0 0 .. 1 0 0
+  note       polygon list ends after 1 of 2 polygons
+1 object, 204 bytes
+)";
+
+constexpr const char* label_listing = R"(object 1: label, version 7, offset 0, 137 bytes
+  flags      none (0x0)
+  counts     labels 2
+  label      font 129 Courier, centred, drop shadow (0x9081)
+  bytecount  25
+  bounds     0 0 0 .. 0 0 0
+  texts
+    1  ""
+    2  "\xff"
+  positions
+    1  0 0 0
+    2  0 0 0
+  offsets
+    1  0 0 0
+    2  0 0 0
+  heights
+    1  0
+    2  0
+1 object, 137 bytes
+)";
+
+TEST_F(Geomtool, ListsObjectsAsText) {
+    EXPECT_EQ(run("info stream", records::named("polyhedron 10").bytes).out, polyhedron_listing);
+    EXPECT_EQ(run("info --values - <stream", records::named("label 7").bytes).out, label_listing);
+    const Outcome odd = run("info --values stream", records::named("polyhedron 7").bytes);
+    EXPECT_NE(odd.out.find("  bounds     0 0 0 .. 0 inf 0\n"
+                           "  note       vertex numbers outside 1 to 2: 1\n"),
+              std::string::npos)
+        << odd.out;
+    EXPECT_NE(odd.out.find("    2  nan inf -0\n"), std::string::npos) << odd.out;
+    std::vector<std::byte> miscounted = records::named("sphere 10").bytes;
+    miscounted[51] = std::byte{5};
+    EXPECT_NE(run("info stream", miscounted).out.find("note       bytecount should be 4\n"),
+              std::string::npos);
+}
+
+TEST_F(Geomtool, ListsObjectsAsJson) {
+    const auto stream = records::all();
+    const auto json = nlohmann::json::parse(run("info --json --values <stream", stream.bytes).out);
+    EXPECT_EQ(json["total"],
+              (nlohmann::json{{"objects", 10}, {"bytes", 1667}, {"stream_bytes", 1667}}));
+    EXPECT_EQ(json["error"], nullptr);
+    const auto& polyhedron = json["objects"].at(5);
+    EXPECT_EQ(polyhedron["kind"], "polyhedron");
+    EXPECT_EQ(polyhedron["values"]["polygons"], (nlohmann::json{{2, -1}}));
+    EXPECT_EQ(polyhedron["values"]["vertices"].dump(), R"([[0.0,0.0,0.0],["nan","inf",-0.0]])");
+    EXPECT_EQ(json["objects"].at(6)["values"]["strips"].at(0)["vertex-trans"].dump(),
+              "[0.0,0.0,2.0]");
+    EXPECT_EQ(json["objects"].at(9)["values"]["radii"].dump(), "[0.01]");
+
+    auto cut = stream.bytes;
+    cut.resize(300);
+    const auto broken = nlohmann::json::parse(run("info --json stream", cut).out);
+    EXPECT_EQ(broken["objects"].size(), 2U);
+    EXPECT_EQ(broken["error"]["offset"], 297);
+}
+
+TEST_F(Geomtool, SaysByItsStatusHowItWent) {
+    const Outcome empty = run("info <stream");
+    EXPECT_EQ(empty.status, 0);
+    EXPECT_EQ(empty.out, "0 objects, 0 bytes\n");
+
+    auto cut = records::named("label 7").bytes;
+    cut.insert(cut.end(), 3, std::byte{0});
+    const Outcome broken = run("info stream", cut);
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_TRUE(broken.out.ends_with("\n1 object, 137 of 140 bytes\n")) << broken.out;
+    EXPECT_EQ(broken.err, "geomtool: stream: offset 137: expected magic (4 bytes), 3 bytes left\n");
+
+    EXPECT_EQ(run("info absent").err, "geomtool: cannot read absent: No such file or directory\n");
+    for (const char* arguments : {"", "info absent", "info .", "info --wrong", "info stream more",
+                                  "frobnicate", "info stream >/dev/full"})
+        EXPECT_EQ(run(arguments).status, 2) << arguments;
+    EXPECT_EQ(run("info --help").status, 0);
+    EXPECT_TRUE(run("--version").out.starts_with("geomtool "));
+}
+
+} // namespace

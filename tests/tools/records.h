@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+/// Records written by hand, byte for byte, from docs/stream-format.md.
+namespace records {
+
+/// Bytes and where the items of the format begin among them.
+struct Bytes {
+    std::vector<std::byte> bytes;
+    std::vector<std::size_t> items;
+};
+
+/// Reads hexadecimal digits in pairs. A comma ends an item, `zN` is N zero bytes, spaces are for
+/// the eye.
+inline Bytes from_hex(const std::string& text) {
+    Bytes result;
+    std::size_t item = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t used = 1;
+        if (text[i] == ',') {
+            result.items.push_back(item);
+            item = result.bytes.size();
+        } else if (text[i] == 'z') {
+            result.bytes.resize(result.bytes.size() + std::stoul(text.substr(i + 1), &used));
+            ++used;
+        } else if (text[i] != ' ') {
+            result.bytes.push_back(
+                static_cast<std::byte>(std::stoul(text.substr(i, 2), &used, 16)));
+        }
+        i += used;
+    }
+    return result;
+}
+
+inline std::string header_10(const std::string& data, const std::string& type,
+                             const std::string& byte_count) {
+    return "474d3634,z4," + data + "," + type + ",z4,z4,z4,z4,z4,z4,z4,z6 " + byte_count +
+           ",z4,z4,z4,";
+}
+
+inline std::string header_7(const std::string& data, const std::string& type,
+                            const std::string& byte_count) {
+    return "34364d47,02z3," + data + "," + type + ",z4,z4,z4,z4,z4,z4,z4," + byte_count +
+           "z6,z4,00,00,";
+}
+
+/// Kind and version to record. 3f800000 is 1, 40000000 is 2, 3f000000 is 0.5.
+inline const std::map<std::string, std::string> by_name{
+    {"mesh 10", header_10("z3 44", "z3 01", "0054") +
+                    "z7 02,z7 02,3f800000 40000000 3f000000 z36,z28 3f000000,fffffffe,"},
+    {"mesh 7", header_7("8901z2", "01z3", "8400") +
+                   "03z7,01z7,z32 0000803f,0000803f z32,z32 00000040,feffffff z8,z8 0000003f,"},
+    // A property of three bytes, a name, an extent; the list ends after one of its two polygons.
+    {"polyhedron 10", "474d3634,z3 0f,z3 ce,z3 02,bf800000,z4,z4,3f800000,z4,z4,z3 01,z7 4c,z3 01,"
+                      "z3 06,z3 03,z3 04,010203,00,z3 02,4162,z2,z4,"
+                      "z7 02,z7 02,z7 01,z7 01 z7 01 z24,3f800000 z8,z8 3f000000,z4 3f000000,"
+                      "z8 40000000,z3 07,z3 08 z3 09,"},
+    {"polyhedron 7",
+     "34364d47,10z3,z4,02z3,z4,z4,z4,z4,z4,z4,z4,28z7,01z3,"
+     "06z3,01z3,02z3,ff,4e,00,00,"
+     "01z7,02z7,02z7,02z7 02z7 ffffffffffffffff z8,z12 0000c07f 0000807f 00000080,"},
+    {"polytriangle 10",
+     header_10("z2 01c3", "z3 03", "010b") +
+         "z7 01,z7 01,z7 01,"
+         "z7 03,3f800000 z32,z32 3f800000,z32 3f000000,z8 z3 05,z3 06,z8 40000000,"
+         "z7 02,z20 3f800000,z20 3f000000,z7 07,z3 08,"
+         "z7 02,z20 40000000,3f000000 z20,z7 09,z3 0a,"},
+    {"polytriangle 7", header_7("z4", "03z3", "1400") + "z8,02z7,z8,z8,01z7,z8 00000040,"},
+    {"sphere 10", header_10("z3 20", "z3 04", "0004") + "z7 01,z8 3f800000,"},
+    {"sphere 7", header_7("8301z2", "04z3", "0a00") +
+                     "01z7,z12,0ad7233c,z8 0000803f,0000803f z8,0bz3,0000003f,"},
+    {"label 10", header_10("z3 12", "z3 05", "0012") +
+                     "z7 01,z2 408e,z3 03,616200,00,3f800000 z8,z8 40000000,3f000000,z12,z3 0c,"},
+    {"label 7", header_7("z4", "05z3", "1900") + "02z7,8190z2,01z3,00,02z3,ff00,z24,z24,z8,"},
+};
+
+inline Bytes named(const std::string& name) {
+    return from_hex(by_name.at(name));
+}
+
+/// All records, one after another.
+inline Bytes all() {
+    std::string text;
+    for (const auto& [name, hex] : by_name)
+        text += hex;
+    return from_hex(text);
+}
+
+} // namespace records
