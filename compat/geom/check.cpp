@@ -5,6 +5,7 @@
 #include "compat/geom/list.h"
 #include "compat/geom/parts.h"
 
+#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cmath>
@@ -112,9 +113,11 @@ bool check_colors(const Findings& findings, std::uint32_t flags, const GEOMvecto
 bool check_uvs(const Findings& findings, std::uint32_t flags, const GEOMscalar_list* uvs,
                std::int64_t vertices) {
     if ((flags & GEOM_HAS_UVS) != 0)
-        return has_count(findings, "uvs", uvs, "number of 2*verts", vertices * 2);
+        return has_count(findings, "uvs", uvs, "number of 2*verts",
+                         geom::multiply_counts(vertices, 2));
     if ((flags & GEOM_HAS_UVWS) != 0)
-        return has_count(findings, "uvws", uvs, "number of 3*verts", vertices * 3);
+        return has_count(findings, "uvws", uvs, "number of 3*verts",
+                         geom::multiply_counts(vertices, 3));
     // An array added without coordinates sets no flag, yet leaves its block: only a count tells.
     return geom::used_of(uvs) == 0 || is_absent(findings, "uv information", uvs);
 }
@@ -187,7 +190,7 @@ bool check_polytriangle(const Findings& findings, const GEOMobj& obj) {
     for (std::int64_t i = 0; i < all.strips; ++i) {
         const geom::ConstPart strip = geom::strip_of(all, i);
         const std::int64_t n = geom::used_of(strip.vertices);
-        if (!check_part(findings, obj.flags, strip, n, n - 2))
+        if (!check_part(findings, obj.flags, strip, n, std::max<std::int64_t>(n - 2, 0)))
             return false;
     }
     for (std::int64_t i = 0; i < all.lines; ++i) {

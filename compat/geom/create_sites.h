@@ -42,18 +42,15 @@ inline constexpr GrowthSites kLinePrimitiveData{{kModule, 930, "alloc fails on p
                                                 {kModule, 921, "realloc fails on pl pdata list"}};
 
 // The arrays of one list per strip: no line numbers are known for them, so these lines stand.
-inline constexpr GrowthSites kStripVertices{
-    {kModule, __LINE__, "alloc fails on ptri v list"},
-    {kModule, __LINE__, "realloc fails on ptri vert list"}};
+inline constexpr GrowthSites kStripVertices{{kModule, __LINE__, "alloc fails on ptri v list"},
+                                            {kModule, __LINE__, "realloc fails on ptri vert list"}};
 inline constexpr GrowthSites kStripNormals{
     {kModule, __LINE__, "alloc fails on ptri n list"},
     {kModule, __LINE__, "realloc fails on ptri normal list"}};
-inline constexpr GrowthSites kStripColors{
-    {kModule, __LINE__, "alloc fails on ptri c list"},
-    {kModule, __LINE__, "realloc fails on ptri color list"}};
-inline constexpr GrowthSites kStripUvs{
-    {kModule, __LINE__, "alloc fails on ptri vt list"},
-    {kModule, __LINE__, "realloc fails on ptri uv list"}};
+inline constexpr GrowthSites kStripColors{{kModule, __LINE__, "alloc fails on ptri c list"},
+                                          {kModule, __LINE__, "realloc fails on ptri color list"}};
+inline constexpr GrowthSites kStripUvs{{kModule, __LINE__, "alloc fails on ptri vt list"},
+                                       {kModule, __LINE__, "realloc fails on ptri uv list"}};
 inline constexpr GrowthSites kStripVertexData{
     {kModule, __LINE__, "alloc fails on ptri vd list"},
     {kModule, __LINE__, "realloc fails on ptri vdata list"}};

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "compat/geom/geom.h"
+#include "compat/geom/memory.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-
-#include "compat/geom/geom.h"
-#include "compat/geom/memory.h"
 
 // How a GEOMlist grows, adopts and ends.
 
@@ -23,22 +23,19 @@ struct GrowthSites {
 };
 
 template <class T, int N>
-constexpr std::size_t element_bytes(const GEOMlist<T, N>& /*list*/)
-{
+constexpr std::size_t element_bytes(const GEOMlist<T, N>& /*list*/) {
     return sizeof(T) * N;
 }
 
 // The sum of two counts, neither below 0; one that does not fit becomes the largest count, which
 // the allocator then refuses.
-constexpr std::int64_t add_counts(std::int64_t a, std::int64_t b)
-{
+constexpr std::int64_t add_counts(std::int64_t a, std::int64_t b) {
     constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
     return a > largest - b ? largest : a + b;
 }
 
 // The product of two counts; 0 when either is below 0, the largest count when it does not fit.
-constexpr std::int64_t multiply_counts(std::int64_t a, std::int64_t b)
-{
+constexpr std::int64_t multiply_counts(std::int64_t a, std::int64_t b) {
     if (a <= 0 || b <= 0)
         return 0;
     constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
@@ -49,8 +46,7 @@ constexpr std::int64_t multiply_counts(std::int64_t a, std::int64_t b)
 // many more than the used ones when the list is full. Elements are not counted as used yet.
 template <class T, int N>
 void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
-               const GrowthSites& sites)
-{
+               const GrowthSites& sites) {
     const std::int64_t step = std::max(extension, n);
     if (list.capacity == 0) {
         release(list.data); // the block of an earlier addition of no elements
@@ -58,15 +54,14 @@ void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
         list.capacity = step;
     } else if (n > list.capacity - list.used) {
         list.capacity = add_counts(list.used, step);
-        list.data = static_cast<T*>(
-            reallocate(list.data, list.capacity, element_bytes(list), sites.grow));
+        list.data =
+            static_cast<T*>(reallocate(list.data, list.capacity, element_bytes(list), sites.grow));
     }
 }
 
 // Copies n elements behind the used ones, for which there must be room.
 template <class T, int N>
-void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n)
-{
+void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     // memcpy must not see the null pointer of an empty array, not even for 0 bytes
     if (n > 0)
         std::memcpy(list.data + list.used * N, source,
@@ -76,8 +71,7 @@ void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n)
 
 // Makes the caller's block the storage of a list without capacity.
 template <class T, int N>
-void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n)
-{
+void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     release(list.data);
     list.data = const_cast<T*>(source); // handed over: the library owns the block now
     list.used = n;
@@ -85,8 +79,7 @@ void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n)
 }
 
 // Frees an array that was handed over and is not kept.
-inline void drop(const void* array, int flag)
-{
+inline void drop(const void* array, int flag) {
     if (flag != GEOM_COPY)
         release(array);
 }
@@ -94,8 +87,7 @@ inline void drop(const void* array, int flag)
 // Appends n elements. A null source only makes room.
 template <class T, int N>
 void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t extension, int flag,
-            const GrowthSites& sites)
-{
+            const GrowthSites& sites) {
     n = std::max<std::int64_t>(n, 0);
     if (list.capacity == 0 && flag != GEOM_COPY && source != nullptr) {
         adopt(list, source, n);
@@ -110,8 +102,7 @@ void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t 
 
 // Frees the storage and leaves the empty list.
 template <class T, int N>
-void clear(GEOMlist<T, N>& list)
-{
+void clear(GEOMlist<T, N>& list) {
     // By pointer and not by capacity: a list of capacity 0 may still own a block.
     release(list.data);
     list = {};

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <type_traits>
-
 #include "compat/geom/geom.h"
 #include "compat/geom/list.h"
+
+#include <cstdint>
+#include <type_traits>
 
 // One view of the arrays that the kinds have in common, so that adding, checking and writing need
 // no code per kind.
@@ -41,8 +41,7 @@ using PartOf = BasicPart<std::is_const_v<Object>>;
 
 // The lists of the object itself; none for a polytriangle or an unknown type.
 template <class Object>
-PartOf<Object> part_of(Object& obj)
-{
+PartOf<Object> part_of(Object& obj) {
     switch (obj.type) {
     case GEOM_MESH: {
         auto& mesh = obj.mesh;
@@ -51,8 +50,8 @@ PartOf<Object> part_of(Object& obj)
     }
     case GEOM_POLYHEDRON: {
         auto& polyhedron = obj.polyhedron;
-        return {&polyhedron.vertices,       &polyhedron.normals,     &polyhedron.colors,
-                &polyhedron.uvs,            &polyhedron.vertex_data, &polyhedron.primitive_data,
+        return {&polyhedron.vertices,    &polyhedron.normals,     &polyhedron.colors,
+                &polyhedron.uvs,         &polyhedron.vertex_data, &polyhedron.primitive_data,
                 &polyhedron.vertex_trans};
     }
     case GEOM_SPHERE: {
@@ -71,24 +70,21 @@ PartOf<Object> part_of(Object& obj)
 }
 
 template <class List>
-List* list_at(List* lists, std::int64_t index)
-{
+List* list_at(List* lists, std::int64_t index) {
     return lists == nullptr ? nullptr : lists + index;
 }
 
 // Strip or polyline number `index` (from 0), and the disjoint segments, of a polytriangle.
 template <class Triangles>
-PartOf<Triangles> strip_of(Triangles& all, std::int64_t index)
-{
-    return {list_at(all.strip_vertices, index),       list_at(all.strip_normals, index),
-            list_at(all.strip_colors, index),         list_at(all.strip_uvs, index),
-            list_at(all.strip_vertex_data, index),    list_at(all.strip_primitive_data, index),
+PartOf<Triangles> strip_of(Triangles& all, std::int64_t index) {
+    return {list_at(all.strip_vertices, index),    list_at(all.strip_normals, index),
+            list_at(all.strip_colors, index),      list_at(all.strip_uvs, index),
+            list_at(all.strip_vertex_data, index), list_at(all.strip_primitive_data, index),
             list_at(all.strip_vertex_trans, index)};
 }
 
 template <class Triangles>
-PartOf<Triangles> polyline_of(Triangles& all, std::int64_t index)
-{
+PartOf<Triangles> polyline_of(Triangles& all, std::int64_t index) {
     return {.vertices = list_at(all.line_vertices, index),
             .colors = list_at(all.line_colors, index),
             .vertex_data = list_at(all.line_vertex_data, index),
@@ -96,8 +92,7 @@ PartOf<Triangles> polyline_of(Triangles& all, std::int64_t index)
 }
 
 template <class Triangles>
-PartOf<Triangles> segments_of(Triangles& all)
-{
+PartOf<Triangles> segments_of(Triangles& all) {
     return {.vertices = &all.segment_vertices,
             .colors = &all.segment_colors,
             .vertex_data = &all.segment_vertex_data,
@@ -105,8 +100,7 @@ PartOf<Triangles> segments_of(Triangles& all)
 }
 
 // Frees every list of the part.
-inline void clear_part(const Part& part)
-{
+inline void clear_part(const Part& part) {
     const auto clear_list = [](auto* list) {
         if (list != nullptr)
             clear(*list);
@@ -122,8 +116,7 @@ inline void clear_part(const Part& part)
 
 // The elements in use; 0 for a list that is not there.
 template <class T, int N>
-std::int64_t used_of(const GEOMlist<T, N>* list)
-{
+std::int64_t used_of(const GEOMlist<T, N>* list) {
     return list == nullptr ? 0 : list->used;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "compat/geom/geom.h"
+
+#include <cstdint>
 
 namespace geom {
 

@@ -1,11 +1,11 @@
 // Property records, font numbers and messages.
 
-#include "compat/geom/geom.h"
+#include "compat/geom/prop.h"
+
 #include "compat/geom/memory.h"
 
 #include <array>
 #include <cstdarg>
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,32 +17,6 @@ constexpr geom::AllocationSite kFirstRecord{"compat/geom/prop", 97,
                                             "malloc fails allocating a geom val"};
 constexpr geom::AllocationSite kNextRecord{"compat/geom/prop", 88,
                                            "reallocating a value list fails"};
-
-// The three words of a record. Records lie packed behind their bytes, so they are copied in and
-// out and never read in place.
-struct Record {
-    std::uint32_t kind;
-    std::uint32_t length; // bytes that follow the record's words
-    std::uint32_t value;
-};
-static_assert(sizeof(Record) == GEOM_PROPERTY_BYTES);
-
-Record record_at(const unsigned char* place) {
-    Record record;
-    std::memcpy(&record, place, sizeof record);
-    return record;
-}
-
-std::size_t record_bytes(const Record& record) {
-    return sizeof record + record.length;
-}
-
-std::size_t all_record_bytes(const GEOMobj& obj) {
-    std::size_t bytes = 0;
-    for (std::uint32_t i = 0; i < obj.nvals; ++i)
-        bytes += record_bytes(record_at(obj.vals + bytes));
-    return bytes;
-}
 
 constexpr std::array kFamilies = {"Courier", "Helvetica", "New Century", "Times",      "Charter",
                                   "Symbol",  "Roman",     "Script",      "Mathematics"};
@@ -64,22 +38,39 @@ constexpr int kFontUpright = 1;
 
 } // namespace
 
+geom::Property geom::property_at(const unsigned char* place) {
+    Property property;
+    std::memcpy(&property, place, sizeof property);
+    return property;
+}
+
+std::size_t geom::property_bytes(const Property& property) {
+    return sizeof property + property.length;
+}
+
+std::size_t geom::property_bytes(const GEOMobj& obj) {
+    std::size_t bytes = 0;
+    for (std::uint32_t i = 0; i < obj.nvals; ++i)
+        bytes += property_bytes(property_at(obj.vals + bytes));
+    return bytes;
+}
+
 int GEOMget_property(const GEOMobj* obj, std::uint32_t kind, std::uint32_t* value) {
     const unsigned char* place = obj->vals;
     for (std::uint32_t i = 0; i < obj->nvals; ++i) {
-        const Record record = record_at(place);
+        const geom::Property record = geom::property_at(place);
         if (record.kind == kind) {
             *value = record.value;
             return 1;
         }
-        place += record_bytes(record);
+        place += geom::property_bytes(record);
     }
     return 0;
 }
 
 unsigned char* GEOMadd_property(GEOMobj* obj, std::uint32_t kind, std::uint32_t value) {
-    const Record record{kind, 0, value};
-    const std::size_t end = all_record_bytes(*obj);
+    const geom::Property record{kind, 0, value};
+    const std::size_t end = geom::property_bytes(*obj);
     void* block = obj->nvals == 0
                       ? geom::allocate(1, sizeof record, kFirstRecord)
                       : geom::reallocate(obj->vals, static_cast<std::int64_t>(end + sizeof record),

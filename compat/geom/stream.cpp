@@ -1,0 +1,313 @@
+// Single values go through the XDR library by way of the stream's encode handle. Arrays do not: a
+// call through three function pointers per float would be most of the cost of writing an object.
+// They are encoded a chunk at a time and handed to the same sink. A chunk never crosses the end of
+// a piece, so that after a failed write exactly the bytes are lost that single puts would lose.
+
+#include "compat/geom/stream.h"
+
+#include "compat/geom/format.h"
+#include "compat/geom/memory.h"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
+namespace {
+
+// The version of a stream that no record has been started on.
+constexpr int kNoVersionYet = 23;
+
+constexpr std::size_t kXdrUnit = BYTES_PER_XDR_UNIT;
+
+// ---- The descriptor
+
+// Writes all n bytes, in as many calls as it takes. Returns n, or the first result below 1.
+std::int64_t write_piece(int fd, const unsigned char* bytes, std::size_t n) {
+    std::size_t done = 0;
+    while (done < n) {
+        const ssize_t result = ::write(fd, bytes + done, n - done);
+        if (result < 0 && errno == EINTR)
+            continue;
+        if (result < 1)
+            return result;
+        done += static_cast<std::size_t>(result);
+    }
+    return static_cast<std::int64_t>(n);
+}
+
+std::int64_t flush(GEOMstream& stream) {
+    const std::size_t fill = stream.write_fill;
+    stream.write_fill = 0;
+    return write_piece(stream.fd, stream.write_buffer, fill);
+}
+
+// Reads the next piece into the read buffer; false at the end of the input or on an error.
+bool refill(GEOMstream& stream) {
+    stream.read_position = 0;
+    stream.read_fill = 0;
+    if (stream.read_buffer == nullptr)
+        return false;
+    ssize_t result = 0;
+    do
+        result = ::read(stream.fd, stream.read_buffer, GEOM_PIECE_BYTES);
+    while (result < 0 && errno == EINTR);
+    if (result < 1)
+        return false;
+    stream.read_fill = static_cast<std::size_t>(result);
+    return true;
+}
+
+// ---- The operations of the XDR handles
+
+GEOMstream& stream_of(XDR* handle) {
+    return *static_cast<GEOMstream*>(handle->x_private);
+}
+
+bool_t get_long(XDR* handle, long* value) {
+    std::uint32_t word = 0;
+    if (geom::read_stream(&stream_of(handle), &word, sizeof word) != sizeof word)
+        return FALSE;
+    *value = static_cast<std::int32_t>(ntohl(word));
+    return TRUE;
+}
+
+bool_t put_long(XDR* handle, const long* value) {
+    GEOMstream& stream = stream_of(handle);
+    const std::uint32_t word = htonl(static_cast<std::uint32_t>(*value));
+    return stream.sink(&stream, &word, sizeof word) >= 0 ? TRUE : FALSE;
+}
+
+bool_t get_bytes(XDR* handle, char* bytes, u_int n) {
+    return geom::read_stream(&stream_of(handle), bytes, n) == n ? TRUE : FALSE;
+}
+
+bool_t put_bytes(XDR* handle, const char* bytes, u_int n) {
+    GEOMstream& stream = stream_of(handle);
+    return stream.sink(&stream, bytes, n) == n ? TRUE : FALSE;
+}
+
+u_int get_position(XDR* /*handle*/) {
+    return 0;
+}
+
+bool_t set_position(XDR* /*handle*/, u_int /*position*/) {
+    return TRUE; // nothing moves, and callers that rewind go on
+}
+
+std::int32_t* no_inline_access(XDR* /*handle*/, u_int /*n*/) {
+    return nullptr;
+}
+
+void destroy_nothing(XDR* /*handle*/) {}
+
+bool_t control_nothing(XDR* /*handle*/, int /*request*/, void* /*info*/) {
+    return FALSE;
+}
+
+constexpr XDR::xdr_ops kOperations = {get_long,         put_long,        get_bytes,
+                                      put_bytes,        get_position,    set_position,
+                                      no_inline_access, destroy_nothing, control_nothing};
+
+void open_handle(XDR& handle, xdr_op direction, GEOMstream& stream) {
+    handle.x_op = direction;
+    handle.x_ops = &kOperations;
+    handle.x_private = &stream;
+}
+
+// ---- Encoding
+
+bool is_raw(const GEOMstream& stream, bool forced) {
+    return stream.version < GEOM_FIRST_XDR_VERSION || forced;
+}
+
+constexpr std::uint32_t swap_bytes(std::uint32_t word) {
+    return __builtin_bswap32(word);
+}
+
+constexpr std::uint64_t swap_bytes(std::uint64_t word) {
+    return __builtin_bswap64(word);
+}
+
+// The word whose bytes in memory lie in the given order.
+template <std::endian Order, class Word>
+constexpr Word ordered(Word word) {
+    if constexpr (Order == std::endian::native)
+        return word;
+    else
+        return swap_bytes(word);
+}
+
+template <class T>
+struct WordOf;
+template <>
+struct WordOf<std::int32_t> {
+    using Type = std::uint32_t;
+};
+template <>
+struct WordOf<float> {
+    using Type = std::uint32_t;
+};
+template <>
+struct WordOf<std::int64_t> {
+    using Type = std::uint64_t;
+};
+
+template <class T>
+void put_raw(GEOMstream* stream, T value) {
+    using Word = typename WordOf<T>::Type;
+    const Word word = ordered<std::endian::little>(std::bit_cast<Word>(value));
+    stream->sink(stream, &word, sizeof word);
+}
+
+// Encodes `n` values into `out`: a plain loop over words that the compiler vectorises.
+template <std::endian Order, class T>
+void encode(unsigned char* out, const T* values, std::size_t n) {
+    using Word = typename WordOf<T>::Type;
+    for (std::size_t i = 0; i < n; ++i) {
+        const Word word = ordered<Order>(std::bit_cast<Word>(values[i]));
+        std::memcpy(out + i * sizeof word, &word, sizeof word);
+    }
+}
+
+// `put_one` writes the value that the end of a piece would cut in two.
+template <class T>
+void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
+               void (*put_one)(GEOMstream*, T)) {
+    std::array<unsigned char, GEOM_PIECE_BYTES> chunk;
+    for (auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0)); left > 0;) {
+        const std::size_t fits = (GEOM_PIECE_BYTES - stream->write_fill) / sizeof(T);
+        if (fits == 0) {
+            put_one(stream, *values++);
+            --left;
+            continue;
+        }
+        const std::size_t count = std::min(fits, left);
+        if (raw)
+            encode<std::endian::little>(chunk.data(), values, count);
+        else
+            encode<std::endian::big>(chunk.data(), values, count);
+        stream->sink(stream, chunk.data(), static_cast<std::int64_t>(count * sizeof(T)));
+        values += count;
+        left -= count;
+    }
+}
+
+} // namespace
+
+GEOMstream* geom::create_stream(int fd) {
+    auto* stream = static_cast<GEOMstream*>(geom::try_allocate(sizeof(GEOMstream)));
+    if (stream == nullptr)
+        return nullptr;
+    stream->fd = fd;
+    stream->write_buffer = static_cast<unsigned char*>(geom::try_allocate(GEOM_PIECE_BYTES));
+    stream->read_buffer = static_cast<unsigned char*>(geom::try_allocate(GEOM_PIECE_BYTES));
+    stream->sink = GEOMstream_write;
+    stream->version = kNoVersionYet;
+    open_handle(stream->decode, XDR_DECODE, *stream);
+    open_handle(stream->encode, XDR_ENCODE, *stream);
+    return stream;
+}
+
+void geom::close_stream(GEOMstream* stream) {
+    if (stream->write_fill > 0)
+        flush(*stream);
+    if (stream->read_fill > stream->read_position)
+        ::lseek(stream->fd, -static_cast<off_t>(stream->read_fill - stream->read_position),
+                SEEK_CUR);
+    geom::release(stream->write_buffer);
+    geom::release(stream->read_buffer);
+    geom::release(stream);
+}
+
+std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n) {
+    const auto* source = static_cast<const unsigned char*>(bytes);
+    auto left = static_cast<std::size_t>(n);
+    if (stream->write_buffer == nullptr)
+        return write_piece(stream->fd, source, left);
+    while (left > 0) {
+        const std::size_t piece = std::min(left, GEOM_PIECE_BYTES - stream->write_fill);
+        std::memcpy(stream->write_buffer + stream->write_fill, source, piece);
+        stream->write_fill += piece;
+        source += piece;
+        left -= piece;
+        if (stream->write_fill == GEOM_PIECE_BYTES) {
+            const std::int64_t result = flush(*stream);
+            if (result < 1)
+                return result;
+        }
+    }
+    return n;
+}
+
+std::int64_t geom::read_stream(GEOMstream* stream, void* bytes, std::int64_t n) {
+    auto* target = static_cast<unsigned char*>(bytes);
+    std::int64_t done = 0;
+    while (done < n) {
+        if (stream->read_position == stream->read_fill && !refill(*stream))
+            break;
+        const std::size_t piece =
+            std::min(static_cast<std::size_t>(n - done), stream->read_fill - stream->read_position);
+        std::memcpy(target + done, stream->read_buffer + stream->read_position, piece);
+        stream->read_position += piece;
+        done += static_cast<std::int64_t>(piece);
+    }
+    return done;
+}
+
+void geom::put_int(GEOMstream* stream, std::int32_t value) {
+    if (is_raw(*stream, stream->raw_ints)) {
+        put_raw(stream, value);
+        return;
+    }
+    const long word = value;
+    XDR_PUTLONG(&stream->encode, &word);
+}
+
+void geom::put_float(GEOMstream* stream, float value) {
+    if (is_raw(*stream, stream->raw_floats))
+        put_raw(stream, value);
+    else
+        xdr_float(&stream->encode, &value);
+}
+
+void geom::put_int64(GEOMstream* stream, std::int64_t value) {
+    if (is_raw(*stream, stream->raw_int64s))
+        put_raw(stream, value);
+    else
+        xdr_int64_t(&stream->encode, &value);
+}
+
+void geom::put_ints(GEOMstream* stream, const std::int32_t* values, std::int64_t n) {
+    put_array(stream, values, n, is_raw(*stream, stream->raw_ints), put_int);
+}
+
+void geom::put_floats(GEOMstream* stream, const float* values, std::int64_t n) {
+    put_array(stream, values, n, is_raw(*stream, stream->raw_floats), put_float);
+}
+
+void geom::put_int64s(GEOMstream* stream, const std::int64_t* values, std::int64_t n) {
+    put_array(stream, values, n, is_raw(*stream, stream->raw_int64s), put_int64);
+}
+
+void geom::put_opaque(GEOMstream* stream, const void* bytes, std::int64_t n) {
+    constexpr std::array<unsigned char, kXdrUnit> padding{};
+    stream->sink(stream, bytes, n);
+    const std::int64_t pad = -n & (static_cast<std::int64_t>(kXdrUnit) - 1);
+    if (!is_raw(*stream, false) && pad > 0)
+        stream->sink(stream, padding.data(), pad);
+}
+
+void geom::put_string(GEOMstream* stream, const char* text) {
+    if (is_raw(*stream, false)) {
+        const std::size_t length = std::strlen(text);
+        put_raw(stream, static_cast<std::int32_t>(length));
+        stream->sink(stream, text, static_cast<std::int64_t>(length));
+        return;
+    }
+    char* mutable_text = const_cast<char*>(text); // not written to: the handle encodes
+    xdr_string(&stream->encode, &mutable_text, GEOM_MAX_STRING_BYTES);
+}
