@@ -18,7 +18,7 @@ namespace geomtool {
 namespace {
 
 struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(std::FILE* file) const { (void)std::fclose(file); }
 };
 
 /// Every byte of the file until its end, or the reason why they cannot be had.

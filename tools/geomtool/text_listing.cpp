@@ -23,29 +23,28 @@ namespace {
 
 constexpr std::string_view hex_digits = "0123456789abcdef";
 
-template <class Number>
-void append(std::string& text, Number number, int base) {
+/// In the shortest form that reads back as the same number, whatever the locale.
+template <class Number, class... Base>
+void append_number(std::string& text, Number number, Base... base) {
     std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
-    text.append(digits.data(), end);
+    const std::to_chars_result result =
+        std::to_chars(digits.data(), digits.data() + digits.size(), number, base...);
+    text.append(digits.data(), static_cast<std::size_t>(result.ptr - digits.data()));
 }
 
 // What follows writes one element of an array of values.
 void append(std::string& text, std::int64_t number) {
-    append(text, number, 10);
+    append_number(text, number);
 }
 void append(std::string& text, std::int32_t number) {
-    append(text, number, 10);
+    append_number(text, number);
 }
 
 void append(std::string& text, float number) {
-    if (std::isnan(number)) { // the sign of a NaN says nothing
+    if (std::isnan(number)) // the sign of a NaN says nothing
         text += "nan";
-        return;
-    }
-    std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    text.append(digits.data(), end);
+    else
+        append_number(text, number);
 }
 
 void append(std::string& text, std::byte byte) {
@@ -91,7 +90,7 @@ std::string counted(std::size_t number, std::string_view noun) {
 
 std::string hexadecimal(std::uint32_t number) {
     std::string text = "0x";
-    append(text, number, 16);
+    append_number(text, number, 16);
     return text;
 }
 
