@@ -21,7 +21,9 @@ struct Point {
 /// Prints a scene as an exporter does: one value a line, indented by depth, commas between values.
 class SceneWriter {
 public:
-    SceneWriter() : buffer_(kBufferSize) { text("#VRML V1.0 ascii\n"); }
+    explicit SceneWriter(std::FILE* to) : to_(to), buffer_(kBufferSize) {
+        text("#VRML V1.0 ascii\n");
+    }
 
     std::size_t written() const { return flushed_ + used_; }
 
@@ -119,10 +121,10 @@ public:
         line("]");
     }
 
-    /// Hands the rest to standard output; false when any of it could not be written.
+    /// Hands over the rest; false when any of it could not be written.
     bool finish() {
         flush();
-        return std::fflush(stdout) == 0 && !failed_;
+        return std::fflush(to_) == 0 && !failed_;
     }
 
 private:
@@ -171,11 +173,12 @@ private:
     }
 
     void flush() {
-        failed_ = failed_ || std::fwrite(buffer_.data(), 1, used_, stdout) != used_;
+        failed_ = failed_ || std::fwrite(buffer_.data(), 1, used_, to_) != used_;
         flushed_ += used_;
         used_ = 0;
     }
 
+    std::FILE* to_;
     std::vector<char> buffer_;
     std::size_t used_ = 0;
     std::size_t flushed_ = 0;
