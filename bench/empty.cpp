@@ -1,0 +1,5 @@
+// A program that does nothing: what starting any C++ program costs on this machine.
+
+int main() {
+    return 0;
+}
