@@ -31,7 +31,7 @@ void become(char** arguments) {
 
 int main(int argc, char** argv) {
     if (argc != 2) {
-        std::fputs("usage: measured_run PROGRAM < scene.wrl\n", stderr);
+        (void)std::fputs("usage: measured_run PROGRAM < scene.wrl\n", stderr);
         return 2;
     }
     const auto begin = std::chrono::steady_clock::now();
@@ -43,12 +43,12 @@ int main(int argc, char** argv) {
     int status = 0;
     rusage usage{};
     if (child < 0 || wait4(child, &status, 0, &usage) != child) {
-        std::fputs("measured_run: cannot run the program\n", stderr);
+        (void)std::fputs("measured_run: cannot run the program\n", stderr);
         return 1;
     }
     const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
-    std::printf("%.6f %.6f %ld %d\n", wall.count(),
-                seconds(usage.ru_utime) + seconds(usage.ru_stime), usage.ru_maxrss * 1024,
-                WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status));
+    (void)std::printf("%.6f %.6f %ld %d\n", wall.count(),
+                      seconds(usage.ru_utime) + seconds(usage.ru_stime), usage.ru_maxrss * 1024,
+                      WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status));
     return 0;
 }

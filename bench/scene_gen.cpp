@@ -46,10 +46,11 @@ int main(int argc, char** argv) {
     case SceneResult::Written:
         return EXIT_SUCCESS;
     case SceneResult::CannotWrite:
-        std::fputs("scene_gen: cannot write the scene\n", stderr);
+        (void)std::fputs("scene_gen: cannot write the scene\n", stderr);
         return EXIT_FAILURE;
     default:
-        std::fputs("usage: scene_gen terrain|parts|primitives|coloured BYTES [SEED]\n", stderr);
+        (void)std::fputs("usage: scene_gen terrain|parts|primitives|coloured BYTES [SEED]\n",
+                         stderr);
         return 2;
     }
 }

@@ -130,7 +130,7 @@ public:
 private:
     static constexpr std::size_t kBufferSize = std::size_t(1) << 20U;
     static constexpr std::size_t kLongestPiece = 64;
-    static constexpr int kIndentWidth = 2;
+    static constexpr std::size_t kIndentWidth = 2;
 
     void text(std::string_view piece) {
         reserve(piece.size());
@@ -140,7 +140,7 @@ private:
 
     void indent() {
         constexpr std::string_view blanks = "                                ";
-        text(blanks.substr(0, static_cast<std::size_t>(depth_ * kIndentWidth)));
+        text(blanks.substr(0, depth_ * kIndentWidth));
     }
 
     void separateValues() {
@@ -182,7 +182,7 @@ private:
     std::vector<char> buffer_;
     std::size_t used_ = 0;
     std::size_t flushed_ = 0;
-    int depth_ = 0;
+    std::size_t depth_ = 0;
     bool firstValue_ = true;
     bool failed_ = false;
 };

@@ -119,8 +119,8 @@ int gridSideFor(std::size_t bytes) {
     // How many digits the whole numbers up to `limit` have on average.
     const auto digits = [](double limit) {
         double sum = 0;
-        for (double power = 1; power <= limit; power *= 10) {
-            sum += 1 - power / (limit + 1);
+        for (std::int64_t power = 1; static_cast<double>(power) <= limit; power *= 10) {
+            sum += 1 - static_cast<double>(power) / (limit + 1);
         }
         return sum;
     };
@@ -333,10 +333,9 @@ void writeColoured(SceneWriter& scene, std::size_t bytes, Random& random) {
         const bool colourByCorner = mesh % 2 == 0;
         const bool givenNormals = mesh % 4 < 2;
         scene.open("Separator");
-        std::vector<Point> colours;
-        for (int i = 0; i < colourCount; ++i) {
-            colours.push_back(
-                {random.between(0, 1000), random.between(0, 1000), random.between(0, 1000)});
+        std::vector<Point> colours(colourCount);
+        for (Point& colour : colours) {
+            colour = {random.between(0, 1000), random.between(0, 1000), random.between(0, 1000)};
         }
         scene.open("Material");
         scene.pointList("diffuseColor", colours);

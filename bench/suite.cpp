@@ -47,7 +47,7 @@ void countBytes(benchmark::State& state, std::size_t bytesEachTime) {
 template <typename ReadToken>
 void readTokens(benchmark::State& state, std::string_view piece, ReadToken readToken) {
     const std::string text = repeated(piece);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         NodePool nodes;
         MemorySource source(text);
         VrmlInput input(nodes, source);
@@ -103,7 +103,7 @@ BENCHMARK(readReals);
 /// Reads a field of the type named, one list of about 1 MB.
 void readList(benchmark::State& state, std::string_view type, std::string_view value) {
     const std::string text = repeated(value, "[") + "]";
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         NodePool nodes;
         MemorySource source(text);
         VrmlInput input(nodes, source);
@@ -126,9 +126,9 @@ void readWholeScene(benchmark::State& state, std::string_view kind) {
     std::size_t size = 0;
     std::FILE* const memory = open_memstream(&text, &size);
     bench::writeScene(kind, 4'000'000, 1, memory);
-    std::fclose(memory);
+    (void)std::fclose(memory);
     const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         NodePool nodes;
         MemorySource source(std::string_view(text, size));
         VrmlInput input(nodes, source);
@@ -224,7 +224,7 @@ Object makeLabels() {
 // ---- Normals
 
 void generateNormals(benchmark::State& state, Object (*make)(), int mode) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         state.PauseTiming();
         const Object object = make();
         state.ResumeTiming();
@@ -254,7 +254,7 @@ void writeRecord(benchmark::State& state, Object (*make)(), bool withNormals) {
         GEOMgen_normals(object.get(), 0);
     }
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         GEOMwrite_obj(object.get(), nowhere, 0);
     }
     close(nowhere);
