@@ -136,6 +136,9 @@ public:
     QvSFEnum(QvNode& node, const char* name, const Enumeration& enumeration, std::int32_t initial);
     bool readValue(VrmlInput& input) override;
 
+    /// The words that fit; null for a field that an input declares: none does.
+    const EnumTable* words() const { return table_; }
+
     std::int32_t value = 0;
 
 protected:
@@ -143,7 +146,7 @@ protected:
     bool findWord(InternedName word, std::int32_t& found) const;
 
 private:
-    const EnumTable* table_ = nullptr; // Null for fields that an input declares: no word fits.
+    const EnumTable* table_ = nullptr;
 };
 
 /// Words of an enumeration combined by OR: one word, or words between parentheses separated by `|`.

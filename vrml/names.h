@@ -124,7 +124,7 @@ public:
     /// Takes a node off the list of a name; false when it is not on it.
     bool remove(InternedName name, const QvNode* node);
 
-    /// The nodes under a name, in the order in which they were added.
+    /// The nodes under a name, in the order in which they were added. Valid until the next call.
     const std::vector<QvNode*>& nodes(InternedName name);
 
 private:

@@ -1,0 +1,267 @@
+#include "convert/texture.h"
+#include "convert/texture_coordinates.h"
+#include "convert/texture_switch.h"
+#include "tests/support/conversion.h"
+#include "traverse/state.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace meshcast {
+namespace {
+
+using geom_stream::Vec2;
+using geom_stream::Vec3;
+
+/// Textures switched on, with a folder for the converted images and converters that note their
+/// command line in it.
+class Textures : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(textureSwitch, 0);
+        textureSwitch = 1;
+        std::string path = testing::TempDir() + "meshcast-texture-XXXXXX";
+        ASSERT_NE(mkdtemp(path.data()), nullptr);
+        folder_ = path;
+        setenv("RGBTMP", path.c_str(), 1);
+        for (const char* const name : {"rgb2kra", "gif2kra", "jpg2kra", "other"}) {
+            const std::string program = path + "/" + name;
+            std::ofstream(program)
+                << "#!/bin/sh\nprintf '%s|' " << name << " \"$@\" >>" << path << "/calls\n";
+            std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        }
+        setenv("PATH", (path + ":" + std::getenv("PATH")).c_str(), 1);
+    }
+    void TearDown() override {
+        textureSwitch = 0;
+        for (const char* const variable : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
+            unsetenv(variable);
+        }
+        std::filesystem::remove_all(folder_);
+    }
+
+    std::string file(const std::string& name) const {
+        std::ifstream stream(folder_ + "/" + name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    /// What the converters were called with for a scene.
+    std::string calls(const std::string& filename) {
+        std::filesystem::remove(folder_ + "/calls");
+        convert("Texture2 { filename \"" + filename + "\" }");
+        return file("calls");
+    }
+
+    std::string folder_;
+};
+
+const std::string kTexture = "Texture2 { filename a.rgb } ";
+
+TEST(TextureNames, EndingsTellTypes) {
+    setenv("RGBTMP", "T", 1);
+    EXPECT_EQ(convertedName("a.rgb"), "T/a.x");
+    EXPECT_EQ(convertedName("d/a.sgi"), "T/d/a.x");
+    EXPECT_EQ(convertedName("/d/a.gif"), "T/a.x");
+    EXPECT_EQ(convertedName("http://h/d/a.jpg"), "T/a.x");
+    EXPECT_EQ(convertedName("a.jpeg"), "T/a.jx");
+    EXPECT_EQ(convertedName("a.GIF"), "T/a.GIF.x");
+    EXPECT_EQ(convertedName("/d.rgb/a"), "T/a.x");
+    EXPECT_EQ(convertedName("a."), "T/a..x");
+    unsetenv("RGBTMP");
+    EXPECT_EQ(convertedName("MESHCAST"), "/tmp/MESHCAST.x");
+    EXPECT_EQ(shellWord("./a-b_c/d+e:f@g%h,i=9"), "./a-b_c/d+e:f@g%h,i=9");
+    EXPECT_EQ(shellWord("a b"), "'a b'");
+    EXPECT_EQ(shellWord("it's;$x\n"), "'it'\\''s;$x\n'");
+}
+
+TEST_F(Textures, ConvertersRunOnImageFiles) {
+    EXPECT_EQ(calls("p.rgb"), "rgb2kra|./p.rgb|" + folder_ + "/p.x|");
+    EXPECT_EQ(calls("/q/p.gif"), "gif2kra|/q/p.gif|" + folder_ + "/p.x|");
+    EXPECT_EQ(calls("http://h/p.jpeg"), "jpg2kra|./p.jpeg|" + folder_ + "/p.jx|");
+    EXPECT_EQ(calls("x'; touch $(id) `id` & .gif"),
+              "gif2kra|./x'; touch $(id) `id` & .gif|" + folder_ + "/x'; touch $(id) `id` & .x|");
+    for (const char* const variable : {"RGBCONV", "GIFCONV", "JPGCONV"}) {
+        setenv(variable, "other -o", 1);
+    }
+    EXPECT_EQ(calls("p.sgi"), "other|-o|./p.sgi|" + folder_ + "/p.x|");
+    EXPECT_EQ(calls("p.gif"), "other|-o|./p.gif|" + folder_ + "/p.x|");
+    EXPECT_EQ(calls("p.jpg"), "other|-o|./p.jpg|" + folder_ + "/p.x|");
+}
+
+TEST_F(Textures, UnknownTypesSwitchTexturesOff) {
+    EXPECT_EQ(convertRaw("#VRML V1.0 ascii\nTexture2 { filename a.png }").bytes,
+              "Unknown Image type:\na.png");
+    EXPECT_EQ(textureSwitch, 0);
+}
+
+TEST_F(Textures, InlineImagesBecomeRawFiles) {
+    struct Case {
+        const char* image;
+        std::string pixels;
+    };
+    using namespace std::string_literals;
+    for (const Case& c : {
+             // Rows from the last to the first, a height apart: 2 x 1 pixels, then 1 x 2.
+             Case{"2 1 1 10 20", "\0\0\0\x02\0\0\0\x01"s + "\0\x0a\x0a\x0a"s + "\0\x14\x14\x14"s},
+             Case{"1 2 1 10 20", "\0\0\0\x01\0\0\0\x02"s + "\0\0\0\0"s + "\0\x0a\x0a\x0a"s},
+             Case{"2 2 1 1 2 3 4",
+                  "\0\0\0\x02\0\0\0\x02"s + "\0\3\3\3"s + "\0\4\4\4"s + "\0\1\1\1"s + "\0\2\2\2"s},
+             Case{"2 1 2 0x1020 0x3040",
+                  "\0\0\0\x02\0\0\0\x01"s + "\xdf\x10\x10\x10"s + "\xbf\x30\x30\x30"s},
+             Case{"1 1 3 0x010203", "\0\0\0\x01\0\0\0\x01"s + "\0\1\2\3"s},
+             Case{"1 1 4 0x01020304", "\0\0\0\x01\0\0\0\x01"s + "\xfb\1\2\3"s},
+             // The alpha of a pixel outside the image is that of a byte 0.
+             Case{"1 2 2 0x1020 0x3040",
+                  "\0\0\0\x01\0\0\0\x02"s + "\xff\0\0\0"s + "\xdf\x10\x10\x10"s},
+             Case{"0 0 0", "\0\0\0\0\0\0\0\0"s},
+         }) {
+        convert("Texture2 { image " + std::string(c.image) + " }");
+        EXPECT_EQ(file("MESHCAST.x"), c.pixels) << c.image;
+    }
+    // The node bears the file's name from then on, unless the file could not be opened.
+    const auto checked = [](const char* filename) {
+        const ReadScene scene("Texture2 { filename \"" + std::string(filename) +
+                              "\" image 1 1 1 0 wrapT CLAMP }");
+        QvState state;
+        scene.root->traverse(state);
+        return checkTexture(state);
+    };
+    const std::optional<TextureUse> use = checked("x");
+    ASSERT_TRUE(use.has_value());
+    EXPECT_EQ(use->name, folder_ + "/MESHCAST.x");
+    EXPECT_TRUE(!use->clampS && use->clampT);
+    setenv("RGBTMP", "/nowhere/at/all", 1);
+    EXPECT_FALSE(checked("x").has_value());
+}
+
+TEST_F(Textures, CubesAndConesAndCylinders) {
+    const Conversion scene =
+        convert("Group { " + kTexture + "Cube { width 4 } Cylinder { radius 2 height 6 } }");
+    ASSERT_EQ(scene.objects.size(), 2U);
+    const geom_stream::Polyhedron& cube = scene.objects[0].polyhedron();
+    EXPECT_EQ(scene.objects[0].flags, 0x5U);
+    ASSERT_EQ(cube.vertices.size(), 24U);
+    EXPECT_EQ(cube.vertices[4], (Vec3{2, -1, 1}));
+    EXPECT_EQ(cube.vertices[23], (Vec3{-2, -1, 1}));
+    EXPECT_EQ(cube.uvs[5], (Vec2{1, 1}));
+    EXPECT_EQ(cube.uvs[23], (Vec2{0, 0}));
+    const geom_stream::Polyhedron& cylinder = scene.objects[1].polyhedron();
+    ASSERT_EQ(cylinder.vertices.size(), 54U);
+    ASSERT_EQ(cylinder.polygon_count, 36);
+    const std::vector<std::vector<std::int64_t>> polygons = cylinder.polygons();
+    EXPECT_EQ(polygons[11], (std::vector<std::int64_t>{1, 13, 14}));
+    EXPECT_EQ(polygons[12], (std::vector<std::int64_t>{15, 28, 29, 16}));
+    EXPECT_EQ(polygons[35], (std::vector<std::int64_t>{54, 53, 52}));
+    EXPECT_EQ(cylinder.vertices[1], (Vec3{0, -3, -2}));
+    EXPECT_FLOAT_EQ(cylinder.vertices[30][0], 2); // A quarter along the side's top.
+    EXPECT_EQ(cylinder.vertices[30][1], 3);
+    EXPECT_EQ(cylinder.uvs[0], (Vec2{0.5F, 0.5F}));
+    EXPECT_EQ(cylinder.uvs[1], (Vec2{0.5F, 1}));
+    EXPECT_EQ(cylinder.uvs[17], (Vec2{0.25F, 1}));
+    EXPECT_EQ(cylinder.uvs[30], (Vec2{0.25F, 0}));
+    EXPECT_EQ(cylinder.uvs[40], (Vec2{0.5F, 0}));
+
+    const std::string text = " sin = 0.841471\n"; // Lands in the stream, behind the object.
+    const std::string bytes =
+        convertRaw("#VRML V1.0 ascii\nGroup { " + kTexture + "Cone { height 4 } }").bytes;
+    ASSERT_TRUE(bytes.ends_with(text));
+    const geom_stream::DecodeResult decoded =
+        geom_stream::decode(std::as_bytes(std::span(bytes).first(bytes.size() - text.size())));
+    ASSERT_EQ(decoded.objects.size(), 1U);
+    const geom_stream::Polyhedron& cone = decoded.objects[0].polyhedron();
+    ASSERT_EQ(cone.vertices.size(), 28U);
+    EXPECT_EQ(cone.vertices[14], cone.vertices[1]);
+    EXPECT_EQ(cone.vertices[27], (Vec3{0, 2, 0}));
+    EXPECT_EQ(cone.polygons()[12], (std::vector<std::int64_t>{28, 16, 15}));
+    EXPECT_EQ(cone.uvs[14], (Vec2{0, 1}));
+    EXPECT_EQ(cone.uvs[27], (Vec2{0.5F, 0}));
+}
+
+TEST_F(Textures, SpheresArePrintedMeshes) {
+    const std::string bytes =
+        convertRaw("#VRML V1.0 ascii\nGroup { " + kTexture + "Sphere { radius 3 } Sphere { } }")
+            .bytes;
+    std::string lines;
+    for (int i = 0; i < 21; ++i) {
+        char line[32];
+        std::snprintf(line, sizeof line, " sin = %f\n",
+                      static_cast<double>(std::sin(static_cast<float>(i * 0.3141592652589793))));
+        lines += line;
+    }
+    ASSERT_TRUE(bytes.ends_with(lines)); // Once, for the first sphere.
+    const geom_stream::DecodeResult decoded =
+        geom_stream::decode(std::as_bytes(std::span(bytes).first(bytes.size() - lines.size())));
+    ASSERT_EQ(decoded.objects.size(), 2U);
+    const geom_stream::Mesh& mesh = decoded.objects[0].mesh();
+    EXPECT_EQ(mesh.u, 21);
+    EXPECT_EQ(mesh.v, 11);
+    EXPECT_EQ(mesh.vertices[0], (Vec3{-0.0F, 3, -0.0F}));
+    EXPECT_NEAR(mesh.vertices[5 * 21 + 5][0], -3, 1e-6);
+    EXPECT_EQ(mesh.uvs[5 * 21 + 5], (Vec2{0.25F, 0.5F}));
+    EXPECT_EQ(decoded.objects[0].flags, 0x4U);
+    EXPECT_TRUE(decoded.objects[0].has_extent);
+}
+
+/// The texture coordinates of a face set over these points, with these nodes before it.
+std::vector<Vec2> faceUvs(const std::string& points, const std::string& nodes = "",
+                          const std::string& fields = "coordIndex [ 0, 1, 2 ]") {
+    const Conversion scene = convert("Group { " + kTexture + nodes + "Coordinate3 { point [ " +
+                                     points + " ] } IndexedFaceSet { " + fields + " } }");
+    return scene.objects.at(0).polyhedron().uvs;
+}
+
+TEST_F(Textures, FaceSetsProjectTheirPoints) {
+    using Uvs = std::vector<Vec2>;
+    EXPECT_EQ(faceUvs("1 1 0, 3 1 0, 3 2 0"), (Uvs{{0, 0}, {1, 0}, {1, 0.5F}}));    // x > y > z
+    EXPECT_EQ(faceUvs("0 0 0, 4 1 2, 4 0 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0.5F}})); // x > z > y
+    EXPECT_EQ(faceUvs("0 0 0, 1 4 2, 1 0 2"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // y > z > x
+    EXPECT_EQ(faceUvs("0 0 0, 2 4 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // y > x > z
+    EXPECT_EQ(faceUvs("0 0 0, 1 2 4, 1 2 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > y > x
+    EXPECT_EQ(faceUvs("0 0 0, 2 1 4, 2 1 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > x > y
+    EXPECT_EQ(faceUvs("0 0 0, 2 2 0, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {0, 1}})); // Tie: S is Y, T X.
+    EXPECT_EQ(faceUvs("0 0 0, 2 0 0, 0 0 0"), (Uvs{{0, 0}, {1, 0}, {0, 0}})); // Tie: X and Y.
+    EXPECT_EQ(faceUvs("").size(), 0U);
+    const std::string given = "TextureCoordinate2 { point [ 0.25 0.5, 1 0 ] } ";
+    EXPECT_EQ(faceUvs("0 0 0, 1 0 0, 1 1 0", given,
+                      "coordIndex [ 0, 1, 2, -1, 0 ] textureCoordIndex [ 1, 0, 9, -1, -1, 0 ]"),
+              (Uvs{{1, 0}, {0.25F, 0.5F}, {0, 0}}));
+    textureSwitch = 0;
+    EXPECT_TRUE(faceUvs("0 0 0, 1 0 0, 1 1 0").empty());
+}
+
+TEST_F(Textures, CoordinatesPassThroughTransformsAndWraps) {
+    const auto through = [](const std::string& nodes, Vec2 uv, bool clamp) {
+        const ReadScene scene("Group { " + nodes + " }");
+        QvState state;
+        scene.root->traverse(state);
+        transformTextureCoordinates(state, {"", clamp, clamp}, uv);
+        return uv;
+    };
+    EXPECT_EQ(through("", {0.25F, 1}, false), (Vec2{0.25F, 1}));
+    EXPECT_EQ(through("", {1.5F, -0.5F}, true), (Vec2{1, 0}));
+    // Every other period is mirrored, on both sides of zero.
+    EXPECT_EQ(through("", {1.25F, 2.25F}, false), (Vec2{0.75F, 0.25F}));
+    EXPECT_EQ(through("", {-0.25F, -1.25F}, false), (Vec2{0.25F, 0.75F}));
+    EXPECT_EQ(through("", {3, -2}, false), (Vec2{1, 0}));
+    EXPECT_EQ(through("Texture2Transform { translation 0.25 0.5 scaleFactor 2 0.5 }", {0.25F, 0.5F},
+                      false),
+              (Vec2{0.75F, 0.75F}));
+    // The newest acts first; the scale is not taken about the centre, the rotation is.
+    EXPECT_EQ(through("Texture2Transform { scaleFactor 0.5 0.5 } Texture2Transform { translation "
+                      "0.5 0 }",
+                      {0.25F, 0.5F}, false),
+              (Vec2{0.375F, 0.25F}));
+    const Vec2 turned = through("Texture2Transform { center 0.5 0.5 rotation 1.5707963 scaleFactor "
+                                "0.5 1 }",
+                                {0.75F, 0.5F}, true);
+    EXPECT_NEAR(turned[0], 0.25F, 1e-6);
+    EXPECT_NEAR(turned[1], 0.75F, 1e-6);
+}
+
+} // namespace
+} // namespace meshcast

@@ -1,0 +1,100 @@
+#include "tests/support/conversion.h"
+#include "traverse/groups.h"
+#include "traverse/state.h"
+#include "vrml/nodes.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+// The spheres of the scenes are told apart by their radii.
+namespace meshcast {
+namespace {
+
+std::vector<float> radii(const std::string& scene) {
+    std::vector<float> found;
+    for (const geom_stream::Object& object : convert(scene).objects) {
+        found.push_back(object.sphere().radii.at(0));
+    }
+    EXPECT_EQ(traversalNestingLevel, 0);
+    return found;
+}
+
+using Radii = std::vector<float>;
+
+TEST(Groups, ChooseTheirChildren) {
+    const std::string children = " Sphere { radius 1 } Sphere { radius 2 } Sphere { radius 3 } }";
+    EXPECT_EQ(radii("Group {" + children), (Radii{1, 2, 3}));
+    EXPECT_EQ(radii("Separator {" + children), (Radii{1, 2, 3}));
+    EXPECT_EQ(radii("TransformSeparator {" + children), (Radii{1, 2, 3}));
+    EXPECT_EQ(radii("WWWAnchor { name \"x\"" + children), (Radii{1, 2, 3}));
+    EXPECT_EQ(radii("WWWInline { name \"x\"" + children), Radii{});
+    EXPECT_EQ(radii("Other { fields [ ]" + children), Radii{});
+    EXPECT_EQ(radii("LOD { range [ 5, 6 ]" + children), Radii{1});
+    EXPECT_EQ(radii("LevelOfDetail { }"), Radii{});
+    for (const int which : {-1, -2, -4, 3, 2147483647}) {
+        EXPECT_EQ(radii("Switch { whichChild " + std::to_string(which) + children), Radii{});
+    }
+    EXPECT_EQ(radii("Switch { whichChild -3" + children), (Radii{1, 2, 3}));
+    EXPECT_EQ(radii("Switch { whichChild 2" + children), Radii{3});
+}
+
+TEST(Groups, ScopeWhatTheirChildrenAdd) {
+    struct Case {
+        const char* open;
+        bool restoresTransforms;
+        bool restoresOthers;
+    };
+    for (const Case& c :
+         {Case{"Separator {", true, true}, Case{"WWWAnchor {", true, true},
+          Case{"TransformSeparator {", true, false}, Case{"Group {", false, false},
+          Case{"Switch { whichChild -3", false, false}, Case{"LOD { Group {", false, false}}) {
+        std::string text = std::string("Group { Scale { } ") + c.open;
+        text += " Translation { } Material { } ";
+        text += std::string_view(c.open).ends_with("Group {") ? "} } }" : "} }";
+        const ReadScene scene(text);
+        ASSERT_TRUE(scene.ok) << scene.messages;
+        QvState state;
+        scene.root->traverse(state);
+        EXPECT_EQ(state.getTopElement(QvElementKind::Material) == nullptr, c.restoresOthers)
+            << c.open;
+        // A TransformSeparator leaves its marker.
+        const QvElement* top = state.getTopElement(QvElementKind::Transformation);
+        EXPECT_NE(top->type == QvElementType::Translation, c.restoresTransforms) << c.open;
+        EXPECT_EQ(state.depth, 0);
+    }
+}
+
+TEST(Groups, NodesInsideThemselvesAreReportedOnce) {
+    const Conversion inSelf =
+        convert("Group { DEF a Separator { Sphere { } USE a USE a Cube { } } Sphere { } }");
+    EXPECT_EQ(inSelf.objects.size(), 3U);
+    EXPECT_EQ(inSelf.messages, "VRML error in QvGroup::traverse(): Node \"a\" contains itself\n");
+    const Conversion longer = convert("DEF a Group { DEF b LOD { DEF c Switch { whichChild -3 USE "
+                                      "a USE b Sphere { } } } USE c }");
+    EXPECT_EQ(longer.objects.size(), 2U);
+    EXPECT_EQ(longer.messages, "VRML error in QvGroup::traverse(): Node \"a\" contains itself\n"
+                               "VRML error in QvGroup::traverse(): Node \"b\" contains itself\n"
+                               "VRML error in QvGroup::traverse(): Node \"c\" contains itself\n");
+}
+
+TEST(Groups, DepthMadeByUseIsBounded) {
+    // Each definition stands 5,000 levels around the one before.
+    const auto around = [](const std::string& name, const std::string& inner) {
+        std::string text = "DEF " + name + " Group{";
+        for (int i = 1; i < 5000; ++i) {
+            text += "Group{";
+        }
+        return text + inner + std::string(5000, '}');
+    };
+    const Conversion deep = convert("Group { " + around("a", "Sphere{}") + around("b", "USE a ") +
+                                    around("c", "USE b ") + "Cube{} }");
+    EXPECT_EQ(deep.objects.size(), 2U); // The sphere of a alone, and the cube.
+    // The innermost groups of a, under b, and of b, under c, are left out.
+    const std::string message = "VRML error in QvGroup::traverse(): Nesting deeper than 10000 "
+                                "levels at node \"\"\n";
+    EXPECT_EQ(deep.messages, message + message);
+}
+
+} // namespace
+} // namespace meshcast

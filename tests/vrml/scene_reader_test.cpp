@@ -1,0 +1,83 @@
+#include "tests/support/capture.h"
+#include "tests/support/conversion.h"
+#include "vrml/nodes.h"
+#include "vrml/scene_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace meshcast {
+namespace {
+
+TEST(SceneReader, UseSharesTheLatestDefinition) {
+    const ReadScene scene("Group { DEF 1x Cube { } USE 1x DEF 1x Sphere { } USE \"1x\" }");
+    ASSERT_TRUE(scene.ok) << scene.messages;
+    const ChildList& children = dynamic_cast<QvGroup&>(*scene.root).getChildList();
+    ASSERT_EQ(children.size(), 4U);
+    EXPECT_EQ(children[0], children[1]);
+    EXPECT_EQ(children[2], children[3]);
+    EXPECT_NE(children[0], children[2]);
+    // The node bears the legal form of the name; USE repeats the name as written.
+    EXPECT_EQ(children[0]->nodeName().view(), "_1x");
+}
+
+TEST(SceneReader, UnknownNodesReadTheFieldsThatTheyDeclare) {
+    const ReadScene scene("Group { A { fields [ SFFloat x, MFLong y, ] y [ 1, 2 ] x 0.5 Cube { }"
+                          " B { fields <SFString s] s in } Cone { } } C { fields [ ] } }");
+    ASSERT_TRUE(scene.ok) << scene.messages;
+    auto* const node =
+        dynamic_cast<QvUnknownNode*>(dynamic_cast<QvGroup&>(*scene.root).getChild(0));
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->className(), "A");
+    EXPECT_FALSE(node->isBuiltIn());
+    EXPECT_EQ(node->getNumChildren(), 3);
+    // The class reports the table of its newest node, which declared none.
+    EXPECT_TRUE(node->getFieldTable().fields().empty());
+}
+
+TEST(SceneReader, EveryFieldTypeCanBeDeclared) {
+    const ReadScene scene(
+        "A { fields [ SFBitMask a, SFBool b, SFColor c, SFEnum d, SFFloat e, SFImage f, SFLong g,"
+        " SFMatrix h, SFRotation i, SFString j, SFVec2f k, SFVec3f l, MFColor m, MFFloat n,"
+        " MFLong o, MFVec2f p, MFVec3f q ]"
+        " a ( ) b 1 c 1 2 3 d ~ e 1 f 1 1 1 1 g 1 h 1 2 3 4 5 6 7 8 9 0 1 2 3 4 5 6"
+        " i 1 2 3 4 j \"x\" k 1 2 l 1 2 3 m [ 1 2 3 ] n [ 1, 2 ] o 1 p [ 1 2 ] q 1 2 3 }");
+    EXPECT_TRUE(scene.ok) << scene.messages;
+    // Without words, no word fits.
+    EXPECT_EQ(ReadScene("A { fields [ SFEnum a ] a B }").messages,
+              readErrorText("Unknown QvSFEnum enumeration value \"B\"", 2) +
+                  readErrorText("Couldn't read value for field \"a\"", 2));
+}
+
+TEST(SceneReader, DepthIsBounded) {
+    const auto nested = [](int depth) {
+        std::string text;
+        for (int i = 0; i < depth; ++i) {
+            text += "Separator{";
+        }
+        return text.append(static_cast<std::size_t>(depth), '}');
+    };
+    EXPECT_EQ(convert(nested(kMaxNestingDepth)).messages, "");
+    EXPECT_EQ(convert(nested(kMaxNestingDepth + 1)).messages,
+              readErrorText("Nesting deeper than 10000 levels", 2));
+    // Skipping what failed keeps no stack either.
+    EXPECT_EQ(convert(std::string(1'000'000, '{')).messages,
+              readErrorText("Extra characters ('{') found in input", 2));
+    EXPECT_EQ(convert("Group { " + nested(1'000'000) + " }").messages,
+              readErrorText("Nesting deeper than 10000 levels", 2));
+}
+
+TEST(SceneReader, NodesGoWithTheirPool) {
+    // The leak checker of the sanitizer build watches this.
+    for (int i = 0; i < 100; ++i) {
+        const ReadScene scene("Group { DEF a A { fields [ SFString s ] s \"a long enough text\" } "
+                              "DEF b Material { diffuseColor [ 1 1 1, 0 0 0 ] } Cube { bad } }");
+        EXPECT_FALSE(scene.ok);
+    }
+    EXPECT_TRUE(NameDictionary::global().nodes(InternedName("a")).empty());
+}
+
+} // namespace
+} // namespace meshcast
