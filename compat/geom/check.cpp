@@ -10,8 +10,10 @@
 #include <cinttypes>
 #include <cmath>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <span>
 
 namespace {
 
@@ -30,12 +32,12 @@ public:
         std::array<char, kFindingBytes> text{};
         std::va_list arguments;
         va_start(arguments, format);
-        std::vsnprintf(text.data(), text.size(), format, arguments);
+        static_cast<void>(std::vsnprintf(text.data(), text.size(), format, arguments));
         va_end(arguments);
         if (m_reporter != nullptr)
             m_reporter(text.data());
         else
-            std::fprintf(stderr, "GEOMcheck_obj error: %s\n", text.data());
+            static_cast<void>(std::fprintf(stderr, "GEOMcheck_obj error: %s\n", text.data()));
         return false;
     }
 
@@ -48,24 +50,26 @@ int as_int(std::int64_t count) {
     return static_cast<int>(count);
 }
 
-bool is_number(const Findings& findings, const char* name, const float* values, std::int64_t n) {
-    for (std::int64_t i = 0; i < n; ++i) {
+// The values of a list, if it is there.
+template <int N>
+std::span<const float> values_of(const GEOMlist<float, N>* list) {
+    if (list == nullptr || list->data == nullptr || list->used <= 0)
+        return {};
+    return {list->data, static_cast<std::size_t>(list->used) * N};
+}
+
+bool is_number(const Findings& findings, const char* name, std::span<const float> values) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
         if (std::isnan(values[i]))
-            return findings.fail("nan encountered in %s array entry: %d", name, as_int(i));
+            return findings.fail("nan encountered in %s array entry: %d", name,
+                                 as_int(static_cast<std::int64_t>(i)));
     }
     return true;
 }
 
-// The values of a list that is there.
-template <int N>
-std::int64_t value_count(const GEOMlist<float, N>* list) {
-    return list == nullptr || list->data == nullptr ? 0 : list->used * N;
-}
-
 template <int N>
 bool is_number(const Findings& findings, const char* name, const GEOMlist<float, N>* list) {
-    const std::int64_t n = value_count(list);
-    return n == 0 || is_number(findings, name, list->data, n);
+    return is_number(findings, name, values_of(list));
 }
 
 // Fails for NaN only.
@@ -74,9 +78,7 @@ bool is_in_range(const Findings& findings, const char* name, const GEOMlist<floa
                  double least, double most) {
     if (!is_number(findings, name, list))
         return false;
-    const std::int64_t n = value_count(list);
-    for (std::int64_t i = 0; i < n; ++i) {
-        const double value = list->data[i];
+    for (const double value : values_of(list)) {
         if (value < least || value > most)
             findings.fail("%s array entry: %f is out of the range: %f - %f", name, value, least,
                           most);
@@ -151,7 +153,7 @@ bool check_part(const Findings& findings, std::uint32_t flags, const geom::Const
 
 bool check_extent(const Findings& findings, const GEOMobj& obj) {
     constexpr int axes = 3;
-    if (!is_number(findings, "extent", obj.extent, 2 * axes))
+    if (!is_number(findings, "extent", std::span(obj.extent)))
         return false;
     for (int axis = 0; axis < axes; ++axis) {
         const double least = obj.extent[axis];

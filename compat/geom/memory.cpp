@@ -21,17 +21,14 @@ std::int64_t block_bytes(std::int64_t count, std::size_t size) {
     const auto element = static_cast<std::int64_t>(size);
     if (count > kTooLarge / element)
         return kTooLarge;
-    return std::max(count * element, kSmallestBlock);
-}
-
-[[noreturn]] void fail(const AllocationSite& site) {
-    GEOMfatal_error("%s", site.message);
+    return std::max(std::max<std::int64_t>(count, 0) * element, kSmallestBlock);
 }
 
 void* checked(void* block, std::int64_t bytes, const AllocationSite& site) {
     if (block == nullptr) {
-        std::fprintf(stderr, "%s line %d, %" PRId64 " bytes\n", site.module, site.line, bytes);
-        fail(site);
+        static_cast<void>(
+            std::fprintf(stderr, "%s line %d, %" PRId64 " bytes\n", site.module, site.line, bytes));
+        GEOMfatal_error("%s", site.message);
     }
     return block;
 }
@@ -55,9 +52,10 @@ void* reallocate(void* old, std::int64_t count, std::size_t size, const Allocati
     void* block = bytes == kTooLarge ? nullptr : std::realloc(old, static_cast<std::size_t>(bytes));
     if (block == nullptr) {
         const auto address = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(old));
-        std::fprintf(stderr, "%s line %d, %" PRId64 " bytes, old ptr 0x%" PRIx32 "\n", site.module,
-                     site.line, bytes, address);
-        fail(site);
+        static_cast<void>(std::fprintf(stderr,
+                                       "%s line %d, %" PRId64 " bytes, old ptr 0x%" PRIx32 "\n",
+                                       site.module, site.line, bytes, address));
+        GEOMfatal_error("%s", site.message);
     }
     return block;
 }

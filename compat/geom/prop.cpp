@@ -31,9 +31,9 @@ constexpr int kFontUpright = 1;
 // Printed piece by piece: no buffer, so no message is cut and none needs memory when there is none.
 [[gnu::format(printf, 2, 0)]] void print_message(const char* head, const char* format,
                                                  std::va_list arguments) {
-    std::fputs(head, stderr);
-    std::vfprintf(stderr, format, arguments);
-    std::fputs("\n", stderr);
+    static_cast<void>(std::fputs(head, stderr));
+    static_cast<void>(std::vfprintf(stderr, format, arguments));
+    static_cast<void>(std::fputs("\n", stderr));
 }
 
 } // namespace
