@@ -3,12 +3,11 @@
 #include "compat/geom/environment.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cerrno>
-#include <cstdlib>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 

@@ -4,12 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 // Destroys the object at the end of the test.
@@ -26,6 +27,11 @@ T* block(const std::vector<T>& values) {
     T* copy = static_cast<T*>(std::malloc(values.size() * sizeof(T) + 1));
     std::copy(values.begin(), values.end(), copy);
     return copy;
+}
+
+template <class T, int N>
+std::vector<T> values_of(const GEOMlist<T, N>& list) {
+    return {list.data, list.data + list.used * N};
 }
 
 std::string captured_stderr(const std::function<void()>& code);
@@ -48,8 +54,6 @@ class Environment {
 public:
     explicit Environment(const char* variable);
     ~Environment();
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
 
 private:
     const char* m_variable;

@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
-#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -147,11 +145,8 @@ TEST(Record, CarriesPropertiesAndTexts) {
 }
 
 TEST(Record, OfAnUnknownKindIsRefused) {
-    const Object obj = make(6);
-    std::string bytes = "?";
-    EXPECT_EQ(captured_stderr([&] { bytes = record(obj); }),
+    EXPECT_EQ(captured_stderr([] { EXPECT_EQ(record(make(6)), ""); }),
               "GEOM error: GEOMserialize_obj: unable to write out object type\n");
-    EXPECT_EQ(bytes, "");
 }
 
 TEST(Record, SurvivesAStreamWithoutMemory) {
@@ -187,27 +182,24 @@ TEST(Record, GoesThroughTheCallbackInTheVersionAskedFor) {
 TEST(Trace, ShowsEveryStepOnStandardOutput) {
     const Object obj = make(GEOM_POLYHEDRON);
     add_every_sort(obj.get());
-    const std::string plain = record(obj);
     const Environment debug("KRA_GEOM_DEBUG");
     testing::internal::CaptureStdout();
-    const std::string bytes = record(obj, 2);
+    record(obj, 2);
     const std::string trace = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(bytes.substr(12), plain.substr(12));
-    std::array<char, 9> low{};
-    std::snprintf(low.data(), low.size(), "%x",
-                  static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(obj.get())));
-    const std::string any = "0x[0-9a-f]+";
-    const std::string self = low.data();
-    EXPECT_THAT(trace, testing::MatchesRegex(
-                           "\nWriting geometry to a file ...\nGEOMwrite_obj \\(obj=0x" + self +
-                           ", fd=[0-9]+, flags=2\\)\n   GEOMserialize_obj \\(func=" + any +
-                           ", obj=0x" + self + ", arg=" + any +
-                           ", flags=2, proto_version=10\\)\n"
-                           "      head.magic = 0x474d3634\n      head.hdrsize = 0\n"
-                           "      head.data = 385\n      head.type = 2\n      head.has_extent = 0\n"
-                           "      head.bytecount = 0\n      head.nvals = 0\n"
-                           "      GEOM_write_polyh \\(func=" +
-                           any + ", head=" + any + ", obj=0x[0-9a-f]*" + self + ", arg=" + any +
-                           ", proto_version=10\\)\n"
-                           "   return from GEOMserialize_obj\nreturn from GEOMwrite_obj\n\n"));
+    EXPECT_THAT(trace, testing::MatchesRegex(R"(
+Writing geometry to a file ...
+GEOMwrite_obj \(obj=0x[0-9a-f]+, fd=[0-9]+, flags=2\)
+   GEOMserialize_obj \(func=0x[0-9a-f]+, obj=0x[0-9a-f]+, arg=0x[0-9a-f]+, flags=2, proto_version=10\)
+      head.magic = 0x474d3634
+      head.hdrsize = 0
+      head.data = 385
+      head.type = 2
+      head.has_extent = 0
+      head.bytecount = 0
+      head.nvals = 0
+      GEOM_write_polyh \(func=0x[0-9a-f]+, head=0x[0-9a-f]+, obj=0x[0-9a-f]+, arg=0x[0-9a-f]+, proto_version=10\)
+   return from GEOMserialize_obj
+return from GEOMwrite_obj
+
+)"));
 }
