@@ -93,8 +93,9 @@ TEST(NumberScan, IntegersAreWhatStrtolGivesInBaseZero) {
         EXPECT_EQ(narrowSigned(scanned, false),
                   static_cast<std::int32_t>(std::strtoll(text, nullptr, 0)))
             << text;
-        EXPECT_EQ(narrowSigned(scanned, true), static_cast<std::int32_t>(std::strtoll(
-                                                   ("-" + std::string(text)).c_str(), nullptr, 0)))
+        EXPECT_EQ(narrowSigned(scanned, true),
+                  static_cast<std::int32_t>(
+                      std::strtoll(std::string("-").append(text).c_str(), nullptr, 0)))
             << text;
         EXPECT_EQ(narrowUnsigned(scanned),
                   static_cast<std::uint32_t>(std::strtoull(text, nullptr, 0)))

@@ -1,0 +1,103 @@
+#include "tests/driver/scene_files.h"
+#include "tools/geomtool/decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// The program as a process: its pipes, its environment, its status.
+namespace {
+
+std::string outputOf(const std::string& command) {
+    std::string output;
+    std::FILE* const pipe = popen(command.c_str(), "r");
+    std::array<char, 4096> block{};
+    for (std::size_t count = 1; count != 0;) {
+        count = std::fread(block.data(), 1, block.size(), pipe);
+        output.append(block.data(), count);
+    }
+    const int status = pclose(pipe);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << command;
+    return output;
+}
+
+std::vector<geom_stream::Object> objects(const std::string& stream) {
+    geom_stream::DecodeResult result = geom_stream::decode(std::as_bytes(std::span(stream)));
+    EXPECT_FALSE(result.error) << result.error->message;
+    return std::move(result.objects);
+}
+
+const std::string kCube = "printf '#VRML V1.0 ascii\\nCube { }' | ";
+
+TEST(Filter, EndsWhileItsWriterKeepsThePipeOpen) {
+    const std::string scene = "#VRML V1.0 ascii\nSeparator { Cube { } }";
+    std::array<int, 2> in{};
+    std::array<int, 2> out{};
+    ASSERT_EQ(pipe(in.data()) + pipe(out.data()), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(in[0], 0);
+        dup2(out[1], 1);
+        close(in[1]);
+        execl(MESHCAST, MESHCAST, static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    close(out[1]);
+    for (const char& c : scene) { // As slowly as can be.
+        ASSERT_EQ(write(in[1], &c, 1), 1);
+    }
+    alarm(60); // Ends the test, should the filter wait for more.
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    alarm(0);
+    EXPECT_EQ(status, 0);
+    std::string stream(4096, '\0');
+    stream.resize(
+        static_cast<std::size_t>(std::max<ssize_t>(read(out[0], stream.data(), stream.size()), 0)));
+    EXPECT_EQ(objects(stream).size(), 1U);
+    close(in[0]);
+    close(in[1]);
+    close(out[0]);
+}
+
+TEST(Filter, WritesTheOlderVersionOnRequest) {
+    const auto newer = objects(outputOf(kCube + MESHCAST));
+    const auto older = objects(outputOf(kCube + "KRA_GEOM_WRITE_V2= " MESHCAST));
+    ASSERT_EQ(newer.size() + older.size(), 2U);
+    EXPECT_EQ(newer[0].version, 10);
+    EXPECT_EQ(older[0].version, 7);
+    EXPECT_EQ(newer[0].polyhedron().normals, older[0].polyhedron().normals);
+    EXPECT_EQ(newer[0].polyhedron().polygon_list, older[0].polyhedron().polygon_list);
+}
+
+TEST(Filter, VerifiesOnRequestAtWriteAndDestroy) {
+    const std::string bad = "printf '#VRML V1.0 ascii\\nSphere { radius -1 }' | ";
+    const std::string finding = "GEOMcheck_obj error: radii array entry: -1.000000 is out of the "
+                                "range: 0.000000 - 999999999999999983222784.000000\n";
+    EXPECT_EQ(outputOf(bad + MESHCAST " 2>&1 >/dev/null"), "");
+    EXPECT_EQ(outputOf(bad + "KRA_GEOM_VERIFY= " MESHCAST " 2>&1 >/dev/null"), finding + finding);
+}
+
+TEST(Filter, TracesOnRequest) {
+    const std::string trace = outputOf(kCube + "KRA_GEOM_DEBUG=1 " MESHCAST);
+    EXPECT_NE(trace.find("\nWriting geometry to a file ...\nGEOMwrite_obj (obj=0x"),
+              std::string::npos);
+    EXPECT_NE(trace.find("\n      head.type = 2\n"), std::string::npos);
+    EXPECT_TRUE(trace.ends_with("return from GEOMwrite_obj\n\n"));
+}
+
+TEST(Filter, WriteErrorsAndArgumentsChangeNothing) {
+    EXPECT_EQ(outputOf(kCube + MESHCAST " >/dev/full 2>&1"), "");
+    EXPECT_EQ(outputOf(kCube + MESHCAST " 2>&1 >&-"), "");
+    EXPECT_EQ(outputOf(MESHCAST " <&- 2>&1"), outputOf(MESHCAST " </dev/null 2>&1"));
+    EXPECT_EQ(outputOf(kCube + MESHCAST " --help nonsense"), outputOf(kCube + MESHCAST));
+}
+
+} // namespace

@@ -1,0 +1,14 @@
+#!/bin/sh
+# Runs every command line that README.md shows, one code block after the other, with the programs of
+# a build first on PATH. Blocks that set up and build are left out: they run this.
+# Usage: readme_commands.sh FOLDER_OF_MESHCAST FOLDER_OF_GEOMTOOL, from the project's root.
+set -eu
+PATH="$1:$2:$PATH"
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cp -r examples README.md "$scratch"
+cd "$scratch"
+awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside && !/^scripts\// && !/^bench\//' \
+    README.md >commands
+[ "$(wc -l <commands)" -ge 5 ] || { echo "README.md shows fewer commands than it did" >&2; exit 1; }
+sh -eux commands
