@@ -41,7 +41,7 @@ inline constexpr GrowthSites kLineVertexData{{kModule, 928, "alloc fails on pl v
 inline constexpr GrowthSites kLinePrimitiveData{{kModule, 930, "alloc fails on pl pp list"},
                                                 {kModule, 921, "realloc fails on pl pdata list"}};
 
-// The arrays of one list per strip: no line numbers are known for them, so these lines stand.
+// The arrays of one list per strip: nobody looks for fixed lines, so the lines of this table do.
 inline constexpr GrowthSites kStripVertices{{kModule, __LINE__, "alloc fails on ptri v list"},
                                             {kModule, __LINE__, "realloc fails on ptri vert list"}};
 inline constexpr GrowthSites kStripNormals{

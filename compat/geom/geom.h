@@ -188,7 +188,7 @@ void GEOMadd_radii(GEOMobj* obj, const float* radii, std::int64_t n, int flag);
 void GEOMadd_vertex_data(GEOMobj* obj, const std::int32_t* data, std::int64_t n, int flag);
 void GEOMadd_vertex_trans(GEOMobj* obj, const float* trans, std::int64_t n, int flag);
 
-// ---- Primitives
+// ---- Primitives, which objects of another kind silently ignore
 
 // Appends polygons to a polyhedron. `list` holds for each polygon its vertex count and that many
 // 1-based indices, and ends with a count of 0 (or less); the indices themselves may be anything.

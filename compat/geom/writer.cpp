@@ -7,9 +7,6 @@
 //   body      counts (64-bit), then arrays without lengths of their own; the header's `data` tells
 //             which of the optional ones are there
 
-// `bytecount` has a unit of its own for each kind, and its formulas are not the sizes of the
-// bodies. They are kept as they are: readers compare the number.
-
 #include "compat/geom/writer.h"
 
 #include "compat/geom/bytecount.h"
@@ -38,6 +35,7 @@ void trace_writer(const char* kind, GEOMwrite_func func, const GEOMhead* head, c
                   const GEOMstream* arg, int proto_version) {
     if (!geom::trace_wanted())
         return;
+    // whole pointers here, their low 32 bits in the lines around
     const auto digits = [](auto pointer) { return reinterpret_cast<std::uintptr_t>(pointer); };
     std::printf("      GEOM_write_%s (func=0x%" PRIxPTR ", head=0x%" PRIxPTR ", obj=0x%" PRIxPTR
                 ", arg=0x%" PRIxPTR ", proto_version=%d)\n",

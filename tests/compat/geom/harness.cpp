@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cerrno>
+#include <cstdlib>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <utility>
@@ -52,6 +53,10 @@ ssize_t __wrap_write(int fd, const void* bytes, std::size_t n) {
 
 Object make(std::uint32_t type) {
     return Object(GEOMcreate_obj(type, nullptr));
+}
+
+void* raw_block(std::size_t bytes) {
+    return std::malloc(bytes + 1); // never of size 0, which might be null
 }
 
 std::string captured_stderr(const std::function<void()>& code) {

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -22,9 +22,10 @@ using Object = std::unique_ptr<GEOMobj, DestroyObject>;
 Object make(std::uint32_t type);
 
 // A std::malloc block, to be handed over.
+void* raw_block(std::size_t bytes);
 template <class T>
 T* block(const std::vector<T>& values) {
-    T* copy = static_cast<T*>(std::malloc(values.size() * sizeof(T) + 1));
+    T* copy = static_cast<T*>(raw_block(values.size() * sizeof(T)));
     std::copy(values.begin(), values.end(), copy);
     return copy;
 }

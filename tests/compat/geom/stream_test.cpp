@@ -102,7 +102,7 @@ TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
     std::int64_t result = 0;
     const auto write_all = [&](std::deque<WriteFault> faults) {
         script_writes(std::move(faults));
-        const std::string bytes = streamed(10, [&](GEOMstream* s) {
+        std::string bytes = streamed(10, [&](GEOMstream* s) {
             result = GEOMstream_write(s, data.data(), std::ssize(data));
             GEOMstream_write(s, "end", 3);
         });
