@@ -4,7 +4,10 @@
 #include "vrml/nodes.h"
 
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace meshcast {
 
@@ -123,7 +126,7 @@ Matrix4 rotationMatrix(const std::array<float, 3>& axis, float angle) {
 }
 
 void gatherTransforms(const QvState& state) {
-    TransformRecord* const top = ShapeContext::top();
+    TransformRecord* const top = topRecord();
     if (top == nullptr) {
         return;
     }
@@ -133,25 +136,33 @@ void gatherTransforms(const QvState& state) {
     }
 }
 
-ShapeContext::ShapeContext(const QvState& state) {
-    TransformStack = new (std::nothrow) TransformRecord;
-    gatherTransforms(state);
-}
-
-ShapeContext::~ShapeContext() {
-    while (TransformStack != nullptr) {
-        TransformRecord* const next = TransformStack->next;
-        delete TransformStack;
-        TransformStack = next;
-    }
-}
-
-TransformRecord* ShapeContext::top() {
+TransformRecord* topRecord() {
     TransformRecord* record = TransformStack;
     while (record != nullptr && record->next != nullptr) {
         record = record->next;
     }
     return record;
+}
+
+// Without memory for its record a shape is converted all the same; so no operator new, which would
+// end the process.
+ShapeContext::ShapeContext(const QvState& state) : state_(state) {
+    void* const memory = std::malloc(sizeof(TransformRecord));
+    TransformStack = memory == nullptr ? nullptr : new (memory) TransformRecord;
+}
+
+ShapeContext::~ShapeContext() {
+    while (TransformStack != nullptr) {
+        std::free(std::exchange(TransformStack, TransformStack->next));
+    }
+}
+
+TransformRecord* ShapeContext::top() {
+    if (!isGathered_) {
+        gatherTransforms(state_);
+        isGathered_ = true;
+    }
+    return topRecord();
 }
 
 void initialiseConversion() {

@@ -36,18 +36,28 @@ Matrix4 rotationMatrix(const std::array<float, 3>& axis, float angle);
 /// transform acts on a point first.
 void gatherTransforms(const QvState& state);
 
-/// What every shape opens before it converts and closes after: the transform stack, with the
-/// transforms in force gathered into its one record. Nothing is transformed by it: the stream holds
-/// every shape in its own local space.
+/// The top of the stack; null when there is none.
+TransformRecord* topRecord();
+
+/// What every shape opens before it converts and closes after: the transform stack, and the
+/// transforms in force. Nothing is transformed by them: the stream holds every shape in its own
+/// local space.
 class ShapeContext {
 public:
+    /// `state` must outlive the context.
     explicit ShapeContext(const QvState& state);
     ShapeContext(const ShapeContext&) = delete;
     ShapeContext& operator=(const ShapeContext&) = delete;
     ~ShapeContext();
 
-    /// The top of the stack; null when there was no memory for it.
-    static TransformRecord* top();
+    /// The record that holds the transforms in force; null when there was no memory for it. They
+    /// are gathered when it is asked for: a scene may put any number of transforms before each of
+    /// its shapes, and no shape asks yet.
+    TransformRecord* top();
+
+private:
+    const QvState& state_;
+    bool isGathered_ = false;
 };
 
 /// The tag of the program, set by whoever starts it: 8 characters and a zero.

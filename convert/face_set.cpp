@@ -11,9 +11,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 // An indexed face set becomes one polyhedron: all points of the coordinates in force are its
@@ -83,26 +83,19 @@ enum class NormalMode : std::uint8_t {
     kNone,
 };
 
-NormalMode normalMode(const QvState& state, const QvIndexedFaceSet& shape, std::int32_t points) {
-    const auto* const binding = topNode<QvNormalBinding>(state, QvElementKind::NormalBinding);
-    if (binding == nullptr) {
-        return NormalMode::kGenerate;
+NormalMode normalMode(const QvNormalBinding* binding, const QvNormal* normal,
+                      const QvIndexedFaceSet& shape, std::int32_t points) {
+    const std::int32_t value = binding == nullptr ? Binding::NONE : binding->value.value;
+    if (value == Binding::PER_VERTEX && normal != nullptr && normal->vector.num == points) {
+        return NormalMode::kPerVertex;
     }
-    const auto* const normal = topNode<QvNormal>(state, QvElementKind::Normal);
-    switch (binding->value.value) {
-    case Binding::PER_VERTEX:
-        return normal != nullptr && normal->vector.num == points ? NormalMode::kPerVertex
-                                                                 : NormalMode::kGenerate;
-    case Binding::PER_VERTEX_INDEXED:
-        return normal != nullptr && shape.normalIndex.num >= 2 ? NormalMode::kIndexed
-                                                               : NormalMode::kGenerate;
-    case Binding::DEFAULT:
-        // Unlike every other binding that gives no normals, an explicit DEFAULT generates none
-        // either: kept, the stream's readers rely on it.
-        return NormalMode::kNone;
-    default:
-        return NormalMode::kGenerate;
+    if (value == Binding::PER_VERTEX_INDEXED && normal != nullptr && shape.normalIndex.num >= 2) {
+        return NormalMode::kIndexed;
     }
+    // Unlike every other binding that gives no normals, an explicit DEFAULT generates none either:
+    // kept, the stream's readers rely on it.
+    return value >= Binding::NONE && value <= Binding::PER_VERTEX_INDEXED ? NormalMode::kGenerate
+                                                                          : NormalMode::kNone;
 }
 
 /// `Width` floats per point, spread from the values of a field by pairs of indices: the entry j of
@@ -111,8 +104,7 @@ template <std::size_t Width>
 std::vector<float> spreadIndexed(const QvMFieldOf<float, Width>& values,
                                  std::span<const std::int32_t> index,
                                  std::span<const std::int32_t> coordIndex, std::int32_t points) {
-    // Never empty: an array made for no points is still one that was given.
-    std::vector<float> spread(std::max<std::size_t>(static_cast<std::size_t>(points) * Width, 1));
+    std::vector<float> spread(static_cast<std::size_t>(points) * Width);
     for (std::size_t j = 0; j < std::min(index.size(), coordIndex.size()); ++j) {
         if (isInside(index[j], values.num) && isInside(coordIndex[j], points)) {
             std::copy_n(values.at(index[j]), Width,
@@ -127,9 +119,12 @@ std::vector<float> spreadIndexed(const QvMFieldOf<float, Width>& values,
 std::uint8_t colorByte(float component) {
     const double scaled = std::min(static_cast<double>(component), 1.0) * 255.0;
     constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
-    // There is no clamp from below: the low byte of a negative integer wraps.
-    const auto truncated = static_cast<std::int32_t>(std::max(scaled, kLowest));
-    return static_cast<std::uint8_t>(static_cast<std::uint32_t>(truncated));
+    // There is no clamp from below: the low byte of a negative integer wraps. That of the lowest,
+    // for which everything below it stands, is 0.
+    if (!(scaled > kLowest)) {
+        return 0;
+    }
+    return static_cast<std::uint8_t>(static_cast<std::uint32_t>(static_cast<std::int32_t>(scaled)));
 }
 
 /// Packs the diffuse colours onto the vertices that a binding gives them to.
@@ -139,7 +134,8 @@ public:
         : diffuse_(diffuse), points_(points),
           packed_(std::max<std::size_t>(static_cast<std::size_t>(points), 1)) {}
 
-    /// Gives a vertex the colour of that number, counted round and round the list.
+    /// Gives a vertex the colour of that number, counted round and round the list. What lies
+    /// outside after that, as most negative numbers do, gives nothing.
     void set(std::int32_t vertex, std::int32_t color) {
         const std::int32_t wrapped = color % diffuse_.num;
         if (!isInside(vertex, points_) || wrapped < 0) {
@@ -167,7 +163,7 @@ void colorVertices(VertexColors& colors, std::span<const std::int32_t> coordInde
     }
 }
 
-/// `colorOfFace` tells the number of a face's colour, negative for none.
+/// `colorOfFace` tells the number of a face's colour, or -1 for none.
 template <class ColorOfFace>
 void colorFaces(VertexColors& colors, std::span<const std::int32_t> coordIndex,
                 ColorOfFace colorOfFace) {
@@ -181,37 +177,40 @@ void colorFaces(VertexColors& colors, std::span<const std::int32_t> coordIndex,
     }
 }
 
-/// The colours of the vertices, or null where the shape has none: a binding and more than one
+/// The colours of the vertices, where the shape has any: a binding and more than one
 /// diffuse colour make them.
-std::unique_ptr<VertexColors> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
-                                           std::int32_t points) {
+std::optional<VertexColors> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
+                                         std::int32_t points) {
     const auto* const binding = topNode<QvMaterialBinding>(state, QvElementKind::MaterialBinding);
     const auto* const material = topNode<QvMaterial>(state, QvElementKind::Material);
-    if (binding == nullptr || material == nullptr || material->diffuseColor.num <= 1) {
-        return nullptr;
-    }
-    const std::int32_t value = binding->value.value;
-    if (value < Binding::PER_FACE || value > Binding::PER_VERTEX_INDEXED) {
-        return nullptr;
+    if (binding == nullptr || material == nullptr || material->diffuseColor.num <= 1 ||
+        binding->value.value < Binding::PER_FACE ||
+        binding->value.value > Binding::PER_VERTEX_INDEXED) {
+        return std::nullopt;
     }
     const auto coordIndex = entries(shape.coordIndex);
-    const auto materialIndex = entries(shape.materialIndex);
-    // The default index list is no list to index by.
-    const bool isIndexed = materialIndex.size() >= 2;
-    auto colors = std::make_unique<VertexColors>(material->diffuseColor, points);
-    if (value == Binding::PER_VERTEX) {
+    // One entry, as every shape has by default, is no list to index by: all vertices stay black.
+    const auto materialIndex = shape.materialIndex.num >= 2 ? entries(shape.materialIndex)
+                                                            : std::span<const std::int32_t>();
+    VertexColors colors(material->diffuseColor, points);
+    switch (binding->value.value) {
+    case Binding::PER_VERTEX:
         for (std::int32_t i = 0; i < points; ++i) {
-            colors->set(i, i);
+            colors.set(i, i);
         }
-    } else if (value == Binding::PER_VERTEX_INDEXED && isIndexed) {
-        colorVertices(*colors, coordIndex, materialIndex);
-    } else if (value == Binding::PER_FACE) {
-        colorFaces(*colors, coordIndex,
+        break;
+    case Binding::PER_VERTEX_INDEXED:
+        colorVertices(colors, coordIndex, materialIndex);
+        break;
+    case Binding::PER_FACE:
+        colorFaces(colors, coordIndex,
                    [](std::size_t face) { return static_cast<std::int32_t>(face); });
-    } else if (value == Binding::PER_FACE_INDEXED && isIndexed) {
-        colorFaces(*colors, coordIndex, [materialIndex](std::size_t face) {
+        break;
+    default: // PER_FACE_INDEXED
+        colorFaces(colors, coordIndex, [materialIndex](std::size_t face) {
             return face < materialIndex.size() ? materialIndex[face] : -1;
         });
+        break;
     }
     return colors;
 }
@@ -233,7 +232,6 @@ std::vector<float> textureCoordinates(const QvState& state, const QvIndexedFaceS
             ? spreadIndexed(given->point, entries(shape.textureCoordIndex),
                             entries(shape.coordIndex), points.num)
             : projectedCoordinates({points.values, static_cast<std::size_t>(points.num) * 3});
-    uvs.resize(static_cast<std::size_t>(points.num) * 2);
     transformTextureCoordinates(state, *texture, uvs);
     return uvs;
 }
@@ -247,25 +245,29 @@ void QvIndexedFaceSet::traverse(QvState& state) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    const NormalMode mode = normalMode(state, *this, points.num);
+    const auto* const binding = topNode<QvNormalBinding>(state, QvElementKind::NormalBinding);
+    const auto* const normal = topNode<QvNormal>(state, QvElementKind::Normal);
+    const NormalMode mode = normalMode(binding, normal, *this, points.num);
     // The messages about bad indices come before any that building the object may print.
     std::vector<std::int32_t> polygons = polygonList(entries(coordIndex), points.num);
 
     std::vector<float> spreadNormals;
     const float* normals = nullptr;
     if (mode == NormalMode::kPerVertex) {
-        normals = topNode<QvNormal>(state, QvElementKind::Normal)->vector.values;
+        normals = normal->vector.values;
     } else if (mode == NormalMode::kIndexed) {
-        spreadNormals = spreadIndexed(topNode<QvNormal>(state, QvElementKind::Normal)->vector,
-                                      entries(normalIndex), entries(coordIndex), points.num);
+        spreadNormals =
+            spreadIndexed(normal->vector, entries(normalIndex), entries(coordIndex), points.num);
+        // An array made for no points is still one that was given.
+        spreadNormals.reserve(1);
         normals = spreadNormals.data();
     }
-    const std::unique_ptr<VertexColors> colors = vertexColors(state, *this, points.num);
+    const std::optional<VertexColors> colors = vertexColors(state, *this, points.num);
     const std::vector<float> uvs = textureCoordinates(state, *this, points);
 
     ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
     GEOMadd_vertices_with_data(object.get(), points.values, normals,
-                               colors != nullptr ? colors->data() : nullptr, points.num, GEOM_COPY);
+                               colors ? colors->data() : nullptr, points.num, GEOM_COPY);
     GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
     // As large as the index list, and not needed while the normals are made.
     polygons = {};

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <utility>
 #include <vector>
 
 // An indexed line set becomes one polytriangle with a polyline for each run of indices between the
@@ -18,21 +20,27 @@ namespace {
 
 constexpr std::int32_t kEndOfRun = -1;
 
-/// The list that a run's positions name colours by: none, the vertex indices or material indices.
-const QvMFLong* colorIndices(const QvState& state, const QvIndexedLineSet& shape,
-                             std::int32_t points) {
+/// Colours, and the list whose entries name one for each position of a run.
+struct LineColors {
+    const QvMFColor* values;
+    const QvMFLong* indices;
+};
+
+std::optional<LineColors> lineColors(const QvState& state, const QvIndexedLineSet& shape,
+                                     std::int32_t points) {
     const auto* const binding = topNode<QvMaterialBinding>(state, QvElementKind::MaterialBinding);
     const auto* const material = topNode<QvMaterial>(state, QvElementKind::Material);
     if (binding == nullptr || material == nullptr) {
-        return nullptr;
+        return std::nullopt;
     }
-    if (binding->value.value == Binding::PER_VERTEX && material->diffuseColor.num == points) {
-        return &shape.coordIndex;
+    const QvMFColor& diffuse = material->diffuseColor;
+    if (binding->value.value == Binding::PER_VERTEX && diffuse.num == points) {
+        return LineColors{&diffuse, &shape.coordIndex};
     }
     if (binding->value.value == Binding::PER_VERTEX_INDEXED && shape.materialIndex.num >= 2) {
-        return &shape.materialIndex;
+        return LineColors{&diffuse, &shape.materialIndex};
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 /// Copies the value that entry `position` of `indices` names; zeros when there is no such entry or
@@ -56,7 +64,7 @@ void QvIndexedLineSet::traverse(QvState& state) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    const QvMFLong* const colorIndex = colorIndices(state, *this, points.num);
+    const std::optional<LineColors> coloring = lineColors(state, *this, points.num);
 
     ObjectOwner object(GEOMcreate_obj(GEOM_POLYTRIANGLE, nullptr));
     std::vector<float> vertices;
@@ -80,17 +88,16 @@ void QvIndexedLineSet::traverse(QvState& state) {
             ++length;
         }
         vertices.resize(static_cast<std::size_t>(length) * 3);
-        colors.resize(colorIndex != nullptr ? vertices.size() : 0);
+        colors.resize(coloring ? vertices.size() : 0);
         for (std::int32_t k = 0; k < length; ++k) {
             const std::size_t offset = static_cast<std::size_t>(k) * 3;
             copyNamed(points, coordIndex, runStart + k, &vertices[offset]);
-            if (colorIndex != nullptr) {
-                copyNamed(topNode<QvMaterial>(state, QvElementKind::Material)->diffuseColor,
-                          *colorIndex, runStart + k, &colors[offset]);
+            if (coloring) {
+                copyNamed(*coloring->values, *coloring->indices, runStart + k, &colors[offset]);
             }
         }
-        GEOMadd_polyline(object.get(), vertices.data(),
-                         colorIndex != nullptr ? colors.data() : nullptr, length, GEOM_COPY);
+        GEOMadd_polyline(object.get(), vertices.data(), coloring ? colors.data() : nullptr, length,
+                         GEOM_COPY);
         runStart = i + 1;
         length = 0;
     }

@@ -1,6 +1,7 @@
 #include "convert/object_output.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace meshcast {
 

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <span>
+#include <utility>
 #include <vector>
 
 // Cubes, cones, cylinders and spheres, each tessellated at a fixed resolution around the origin.

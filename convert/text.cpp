@@ -6,6 +6,7 @@
 #include "vrml/nodes.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace meshcast {
 
@@ -40,10 +41,10 @@ void QvAsciiText::traverse(QvState& state) {
     constexpr float kOrigin[3] = {0, 0, 0};
     constexpr float kHeight = 0.15F;
 
+    const QvFontStyle defaultStyle;
     if (textSwitch == 0) {
         return;
     }
-    const QvFontStyle defaultStyle;
     const ShapeContext context(state);
     const auto* const given = topNode<QvFontStyle>(state, QvElementKind::FontStyle);
     const QvFontStyle& font = given != nullptr ? *given : defaultStyle;

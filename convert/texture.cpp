@@ -185,7 +185,7 @@ std::string shellWord(const std::string& text) {
     return quoted += '\'';
 }
 
-void loadTexture(QvState& state) {
+void loadTexture(const QvState& state) {
     auto* const node = topNode<QvTexture2>(state, QvElementKind::Texture2);
     const std::string_view name = fileName(*node);
     if (name.size() < kShortestName) {
@@ -212,8 +212,8 @@ std::optional<TextureUse> checkTexture(const QvState& state) {
     if (node == nullptr || fileName(*node).size() < kShortestName) {
         return std::nullopt;
     }
-    return TextureUse{convertedName(fileName(*node)), node->wrapS.value == QvTexture2::CLAMP,
-                      node->wrapT.value == QvTexture2::CLAMP};
+    return TextureUse{convertedName(fileName(*node)), node->wrapS.value != QvTexture2::REPEAT,
+                      node->wrapT.value != QvTexture2::REPEAT};
 }
 
 void QvTexture2::traverse(QvState& state) {

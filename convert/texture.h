@@ -27,7 +27,7 @@ std::string shellWord(const std::string& text);
 /// convertedName: writes an inline image to a raw file and names the node after it, or runs the
 /// converter on the image file. An image of an unknown type is reported on standard output and
 /// turns the texture switch off.
-void loadTexture(QvState& state);
+void loadTexture(const QvState& state);
 
 /// How a shape uses the texture in force.
 struct TextureUse {

@@ -84,8 +84,9 @@ std::pair<std::size_t, std::size_t> projectionAxes(const std::array<float, 3>& s
     } else if ((dx > dz && dz > dy) || (dy > dz && dz > dx)) {
         t = 2;
     }
-    // Sizes that are equal can choose one axis twice.
-    return s == t ? std::pair<std::size_t, std::size_t>(0, 1) : std::pair(s, t);
+    // Between sides of equal size the choice is made once and for all.
+    return s == t || size[s] == size[t] ? std::pair<std::size_t, std::size_t>(0, 1)
+                                        : std::pair(s, t);
 }
 
 } // namespace
@@ -106,6 +107,7 @@ std::vector<float> projectedCoordinates(std::span<const float> points) {
     const auto [s, t] = projectionAxes(size);
     uvs.reserve(points.size() / 3 * 2);
     for (std::size_t i = 0; i < points.size(); i += 3) {
+        // Points that all coincide have no coordinates: the quotients are no numbers.
         uvs.push_back((points[i + s] - minimum[s]) / size[s]);
         uvs.push_back((points[i + t] - minimum[t]) / size[s]);
     }

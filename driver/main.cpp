@@ -10,19 +10,11 @@
 #include <new>
 #include <string_view>
 
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
-
 namespace {
 
-/// Keeps the platform from translating any byte of the stream.
-void setBinaryOutput() {
-#ifdef _WIN32
-    _setmode(1, _O_BINARY);
-#endif
-}
+/// Keeps any byte of the stream from being translated on its way out. POSIX makes no difference
+/// between text and binary descriptors.
+void setBinaryOutput() {}
 
 void endOutOfMemory() {
     GEOMfatal_error("out of memory");
@@ -35,7 +27,7 @@ int main() {
 
     std::set_new_handler(endOutOfMemory);
     // Never destroyed: the process ends with the walk, and what it holds goes with it.
-    auto& nodes = *new NodePool;
+    static NodePool& nodes = *new NodePool;
 
     NameDictionary::global();
     {

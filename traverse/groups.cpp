@@ -6,6 +6,7 @@
 #include "vrml/scene_reader.h"
 
 #include <memory>
+#include <utility>
 
 namespace meshcast {
 

@@ -12,6 +12,9 @@ namespace {
 /// Enumerations grow by this many words at a time.
 constexpr std::size_t kEnumGrowth = 6;
 
+/// Tables of more fields than this are looked up by hash: an input may declare a million.
+constexpr std::size_t kLongestSearched = 16;
+
 template <class T>
 void appendGrowing(std::vector<T>& list, T value) {
     if (list.size() == list.capacity()) {
@@ -27,36 +30,56 @@ void FieldTable::addField(std::string_view name, const QvNode& node, const QvFie
     // heap), hence integers: they wrap where a pointer difference would not be defined.
     const std::uintptr_t position =
         reinterpret_cast<std::uintptr_t>(&field) - reinterpret_cast<std::uintptr_t>(&node);
-    appendDoubling(fields_, FieldEntry{InternedName(name), position});
+    const InternedName interned(name);
+    if (fields_.size() == kLongestSearched) {
+        positions_ = std::make_unique<NameMap<std::uintptr_t>>();
+        for (const FieldEntry& entry : fields_) {
+            positions_->add(entry.name, entry.position);
+        }
+    }
+    if (positions_ != nullptr) {
+        positions_->add(interned, position);
+    }
+    appendDoubling(fields_, FieldEntry{interned, position});
 }
 
 QvField* FieldTable::findField(QvNode& node, InternedName name) const {
-    const auto found = std::find_if(fields_.begin(), fields_.end(),
-                                    [name](const FieldEntry& entry) { return entry.name == name; });
-    if (found == fields_.end()) {
+    const std::uintptr_t* position = nullptr;
+    if (positions_ != nullptr) {
+        position = positions_->find(name);
+    } else {
+        const auto found =
+            std::find_if(fields_.begin(), fields_.end(),
+                         [name](const FieldEntry& entry) { return entry.name == name; });
+        position = found == fields_.end() ? nullptr : &found->position;
+    }
+    if (position == nullptr) {
         return nullptr;
     }
-    return reinterpret_cast<QvField*>(reinterpret_cast<std::uintptr_t>(&node) + found->position);
+    return reinterpret_cast<QvField*>(reinterpret_cast<std::uintptr_t>(&node) + *position);
+}
+
+EnumTable* FieldTable::findTable(InternedName typeName) const {
+    const auto found =
+        std::find_if(enumerations_.begin(), enumerations_.end(),
+                     [typeName](const auto& each) { return each->typeName == typeName; });
+    return found == enumerations_.end() ? nullptr : found->get();
+}
+
+const EnumTable* FieldTable::findEnumeration(InternedName typeName) const {
+    return findTable(typeName);
 }
 
 void FieldTable::addEnumValue(std::string_view typeName, std::string_view word,
                               std::int32_t value) {
     const InternedName type(typeName);
-    auto table = std::find_if(enumerations_.begin(), enumerations_.end(),
-                              [type](const EnumTable& each) { return each.typeName == type; });
-    if (table == enumerations_.end()) {
-        enumerations_.push_back({type, {}, {}});
-        table = std::prev(enumerations_.end());
+    EnumTable* table = findTable(type);
+    if (table == nullptr) {
+        appendDoubling(enumerations_, std::make_unique<EnumTable>(EnumTable{type, {}, {}}));
+        table = enumerations_.back().get();
     }
     appendGrowing(table->values, value);
     appendGrowing(table->names, InternedName(word));
-}
-
-const EnumTable* FieldTable::findEnumeration(InternedName typeName) const {
-    const auto found =
-        std::find_if(enumerations_.begin(), enumerations_.end(),
-                     [typeName](const EnumTable& each) { return each.typeName == typeName; });
-    return found == enumerations_.end() ? nullptr : &*found;
 }
 
 const EnumTable& FieldTable::declare(const Enumeration& enumeration) {

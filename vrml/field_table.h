@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -63,8 +63,12 @@ private:
         const EnumTable* table;
     };
 
+    EnumTable* findTable(InternedName typeName) const;
+
     std::vector<FieldEntry> fields_;
-    std::deque<EnumTable> enumerations_;
+    /// Positions of a table too long to be searched, by name. The catalogue has none.
+    std::unique_ptr<NameMap<std::uintptr_t>> positions_;
+    std::vector<std::unique_ptr<EnumTable>> enumerations_;
     std::vector<Declared> declared_;
 };
 

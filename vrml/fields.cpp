@@ -4,6 +4,7 @@
 #include "vrml/node.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <type_traits>
 
@@ -37,6 +38,11 @@ bool readScalar(VrmlInput& input, std::int32_t& value) {
 
 QvField::QvField(QvNode& node, const char* name) {
     node.declareField(name, *this);
+}
+
+bool QvField::readText(VrmlInput& input) {
+    return (flags_ & kIsList) != 0 ? static_cast<QvMField*>(this)->readAll(input)
+                                   : static_cast<QvSField*>(this)->readValue(input);
 }
 
 bool readField(VrmlInput& input, QvField& field, InternedName name) {

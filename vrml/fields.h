@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -28,7 +27,7 @@ public:
     virtual ~QvField() = default;
 
     /// Reads the text of the field's value, one value or a list. False when it cannot be read.
-    virtual bool readText(VrmlInput& input) = 0;
+    bool readText(VrmlInput& input);
 
     /// Set while the field holds its default: no value has been read for it.
     bool isDefault() const { return (flags_ & kIsDefault) != 0; }
@@ -43,6 +42,9 @@ public:
 private:
     static constexpr std::uint32_t kIsDefault = 1;
     static constexpr std::uint32_t kIgnored = 2;
+    static constexpr std::uint32_t kIsList = 4; // A QvMField.
+
+    friend class QvMField;
 
     void setFlag(std::uint32_t flag, bool on) { flags_ = on ? flags_ | flag : flags_ & ~flag; }
 
@@ -64,7 +66,6 @@ public:
     /// Reads the value. What it reports itself is said where the type is defined; its caller
     /// reports that the field could not be read.
     virtual bool readValue(VrmlInput& input) = 0;
-    bool readText(VrmlInput& input) final { return readValue(input); }
 };
 
 /// A field of `Count` reals, stored as floats in the order read.
@@ -194,7 +195,8 @@ public:
 /// A field of any number of values, written as a list in brackets or as one bare value.
 class QvMField : public QvField {
 public:
-    using QvField::QvField;
+    QvMField() { setFlag(kIsList, true); }
+    QvMField(QvNode& node, const char* name) : QvField(node, name) { setFlag(kIsList, true); }
     /// Reads the values. Reports a value of a list that cannot be read and a bad separator.
     virtual bool readAll(VrmlInput& input) = 0;
     /// Makes the field hold `count` values, keeping the leading ones.
@@ -203,7 +205,6 @@ public:
     virtual void reallocate(std::int32_t count) = 0;
     /// Reads one value into a slot that exists.
     virtual bool readOneValue(VrmlInput& input, std::int32_t index) = 0;
-    bool readText(VrmlInput& input) final { return readAll(input); }
 
     std::int32_t num = 0;    ///< Number of values.
     std::int32_t maxNum = 0; ///< Number of values that the array has room for.

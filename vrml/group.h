@@ -53,8 +53,8 @@ public:
 
     const std::string& className() const { return className_; }
 
-protected:
-    bool adoptField(InternedName typeName, InternedName fieldName) override;
+    /// Makes a field that the input declares; false when there is no such type.
+    bool adoptField(InternedName typeName, InternedName fieldName);
 
 private:
     std::string className_;

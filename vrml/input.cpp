@@ -28,19 +28,17 @@ constexpr std::array<Header, 1> kHeaders = {{{"#VRML V1.0 ascii", 1.0F}}};
 /// Lines are collected up to this length, beyond which none can match.
 constexpr std::size_t kMaxHeaderLength = 256;
 
-constexpr const char* kBadHeader = "File does not have a valid header string";
-
 } // namespace
 
 VrmlInput::VrmlInput(NodePool& nodes, ByteSource& source)
-    : nodes_(nodes), source_(&source), block_(std::make_unique<char[]>(kBlockSize + 2)) {
+    : nodes_(nodes), source_(&source), block_(std::make_unique<char[]>(kBlockSize + 1)) {
     attach(source);
 }
 
 void VrmlInput::attach(ByteSource& source) {
     source_ = &source;
-    next_ = end_ = block_.get() + 1;
-    block_[1] = '\0';
+    next_ = end_ = block_.get();
+    block_[0] = '\0';
     readingWord_ = false;
     atEnd_ = false;
     noErrorSoFar_ = true;
@@ -68,9 +66,7 @@ bool VrmlInput::refill() {
     if (atEnd_) {
         return false;
     }
-    // The last character stays in front of the new ones: it may be put back.
-    block_[0] = end_[-1];
-    char* const first = block_.get() + 1;
+    char* const first = block_.get();
     const std::size_t count = source_->read(first, kBlockSize);
     first[count] = '\0';
     next_ = first;
@@ -81,12 +77,10 @@ bool VrmlInput::refill() {
 
 bool VrmlInput::checkHeader() {
     headerRead_ = true;
-    noErrorSoFar_ = false;
     char c = 0;
     if (!get(c) || c != '#') {
         putBack(c);
-        readError("%s", kBadHeader);
-        return false;
+        return rejectHeader();
     }
     std::string line(1, c);
     while (get(c) && c != '\n') {
@@ -99,18 +93,18 @@ bool VrmlInput::checkHeader() {
         std::find_if(kHeaders.begin(), kHeaders.end(),
                      [&line](const Header& candidate) { return candidate.line == line; });
     version_ = header == kHeaders.end() ? 0.0F : header->version;
-    if (version_ == 0.0F) {
-        readError("%s", kBadHeader);
-        return false;
-    }
-    noErrorSoFar_ = true;
-    return true;
+    return version_ != 0.0F || rejectHeader();
+}
+
+bool VrmlInput::rejectHeader() {
+    readError("File does not have a valid header string");
+    noErrorSoFar_ = false;
+    return false;
 }
 
 void VrmlInput::putBackWord(std::string_view word) {
     // A word that was just read is still there to be stepped back over.
-    const char* const blockFirst = block_.get() + 1;
-    if (!readingWord_ && static_cast<std::size_t>(next_ - blockFirst) >= word.size() &&
+    if (!readingWord_ && static_cast<std::size_t>(next_ - block_.get()) >= word.size() &&
         std::string_view(next_ - word.size(), word.size()) == word) {
         next_ -= word.size();
         return;
@@ -120,8 +114,8 @@ void VrmlInput::putBackWord(std::string_view word) {
         blockEnd_ = end_;
         readingWord_ = true;
     }
-    word_.assign(1, '\0').append(word);
-    next_ = word_.data() + 1;
+    word_ = word;
+    next_ = word_.data();
     end_ = word_.data() + word_.size();
 }
 
@@ -140,20 +134,24 @@ bool VrmlInput::skipComment() {
     return false;
 }
 
-bool VrmlInput::skipWhiteSpace() {
+bool VrmlInput::skipLongWhiteSpace() {
     for (;;) {
-        char c = 0;
-        if (!get(c)) {
-            return noErrorSoFar_;
+        const char* p = next_;
+        for (; isSpace(*p); ++p) {
+            line_ += *p == '\n' ? 1 : 0;
         }
-        if (c == '\n') {
-            ++line_;
-        } else if (c == '#') {
+        next_ = p;
+        if (p == end_) {
+            if (!advance()) {
+                return noErrorSoFar_;
+            }
+        } else if (*p == '#') {
+            ++next_;
             if (!skipComment()) {
                 readError("EOF reached before end of comment");
             }
-        } else if (!isSpace(c)) {
-            putBack(c);
+        } else {
+            next_ += *p == kEndOfFile ? 1 : 0;
             return true;
         }
     }
@@ -252,37 +250,33 @@ void VrmlInput::collectDigits(std::string& text, bool (*taken)(char)) {
 }
 
 void VrmlInput::collectMagnitude(std::string& text) {
-    if (readExpected('0')) {
-        text += '0';
-        if (readExpected('x')) {
-            text += 'x';
-            collectDigits(text, isHexDigit);
-            return;
-        }
+    const bool isHexadecimal = collectOne(text, '0') && collectOne(text, 'x');
+    collectDigits(text, isHexadecimal ? isHexDigit : isDigit);
+}
+
+bool VrmlInput::collectOne(std::string& text, char expected) {
+    const bool found = readExpected(expected);
+    if (found) {
+        text += expected;
     }
-    collectDigits(text, isDigit);
+    return found;
+}
+
+void VrmlInput::collectSign(std::string& text) {
+    if (!collectOne(text, '-')) {
+        collectOne(text, '+');
+    }
 }
 
 void VrmlInput::collectReal(std::string& text) {
-    const auto collect = [this, &text](char c) {
-        const bool found = readExpected(c);
-        if (found) {
-            text += c;
-        }
-        return found;
-    };
-    if (!collect('-')) {
-        collect('+');
-    }
+    collectSign(text);
     collectDigits(text, isDigit);
-    if (collect('.')) {
+    if (collectOne(text, '.')) {
         collectDigits(text, isDigit);
     }
     // A marker without digits before it is not read: the number has failed already.
-    if (scanReal(text.c_str()).ok && (collect('e') || collect('E'))) {
-        if (!collect('-')) {
-            collect('+');
-        }
+    if (scanReal(text.c_str()).ok && (collectOne(text, 'e') || collectOne(text, 'E'))) {
+        collectSign(text);
         collectDigits(text, isDigit);
     }
 }
@@ -291,21 +285,17 @@ bool VrmlInput::readInteger(std::int32_t& value) {
     if (!skipWhiteSpace()) {
         return false;
     }
-    const bool negative = readExpected('-');
-    if (!negative) {
-        readExpected('+');
-    }
-    const ScannedMagnitude scanned = scanMagnitude(next_);
+    ScannedInteger scanned = scanInteger(next_);
     if (isWhole(scanned.end)) {
         next_ = scanned.end;
-        value = narrowSigned(scanned, negative);
-        return scanned.ok;
+    } else {
+        std::string text;
+        collectSign(text);
+        collectMagnitude(text);
+        scanned = scanInteger(text.c_str());
     }
-    std::string text;
-    collectMagnitude(text);
-    const ScannedMagnitude collected = scanMagnitude(text.c_str());
-    value = narrowSigned(collected, negative);
-    return collected.ok;
+    value = scanned.value;
+    return scanned.ok;
 }
 
 bool VrmlInput::readShort(std::int16_t& value) {
@@ -316,29 +306,27 @@ bool VrmlInput::readShort(std::int16_t& value) {
 }
 
 bool VrmlInput::readUnsigned(std::uint32_t& value) {
-    const ScannedMagnitude scanned = scanMagnitude(next_);
+    ScannedMagnitude scanned = scanMagnitude(next_);
     if (isWhole(scanned.end)) {
         next_ = scanned.end;
-        value = narrowUnsigned(scanned);
-        return scanned.ok;
+    } else {
+        std::string text;
+        collectMagnitude(text);
+        scanned = scanMagnitude(text.c_str());
     }
-    std::string text;
-    collectMagnitude(text);
-    const ScannedMagnitude collected = scanMagnitude(text.c_str());
-    value = narrowUnsigned(collected);
-    return collected.ok;
+    value = narrowUnsigned(scanned);
+    return scanned.ok;
 }
 
 bool VrmlInput::readReal(double& value) {
     ScannedReal scanned = scanReal(next_);
     if (isWhole(scanned.end)) {
         next_ = scanned.end;
-        value = scanned.value;
-        return scanned.ok;
+    } else {
+        std::string text;
+        collectReal(text);
+        scanned = scanReal(text.c_str());
     }
-    std::string text;
-    collectReal(text);
-    scanned = scanReal(text.c_str());
     value = scanned.value;
     return scanned.ok;
 }

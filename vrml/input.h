@@ -55,7 +55,15 @@ public:
     void putBackWord(std::string_view word);
 
     /// Skips white space and comments. Fails only when the header check does.
-    bool skipWhiteSpace();
+    bool skipWhiteSpace() {
+        // Nearly always a token is ahead, or a blank and a token.
+        const char* const ahead = next_ + (*next_ == ' ' ? 1 : 0);
+        if (isTokenStart(*ahead)) {
+            next_ = ahead;
+            return true;
+        }
+        return skipLongWhiteSpace();
+    }
 
     /// Reads one character and fails, with the character put back, when it is not `expected`.
     bool readExpected(char expected);
@@ -93,6 +101,8 @@ public:
 
     ReferenceTable& references() { return references_; }
     NodePool& nodes() { return nodes_; }
+    /// How many node bodies are being read, one inside the other. The node reader counts.
+    int& nestingDepth() { return nestingDepth_; }
 
 private:
     static constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
@@ -100,10 +110,19 @@ private:
     /// Whether a token scanned up to `last` has been seen whole, so that reading may go on there.
     bool isWhole(const char* last) const { return last != end_ && *last != kEndOfFile; }
 
+    /// True for what surely is a character of the input that no white space or comment holds:
+    /// printable ones, so neither the zero at the end nor a byte 255.
+    static bool isTokenStart(char c) { return c > ' ' && c < '\x7f' && c != '#'; }
+
     bool advance();
     bool refill();
     bool checkHeader();
+    bool rejectHeader();
+    bool skipLongWhiteSpace();
     bool skipComment();
+    // Read parts of a number, character by character, into a text.
+    bool collectOne(std::string& text, char expected);
+    void collectSign(std::string& text);
     void collectDigits(std::string& text, bool (*taken)(char));
     void collectMagnitude(std::string& text);
     void collectReal(std::string& text);
@@ -111,7 +130,7 @@ private:
     NodePool& nodes_;
     ByteSource* source_;
     // The characters at hand: those of the block, or of the word that was put back. Behind `end_`
-    // stands a zero, and before the first character one more may be stepped back to.
+    // stands a zero.
     const char* next_;
     const char* end_;
     // Where the block goes on while a word that was put back is read.
@@ -126,6 +145,7 @@ private:
     std::unique_ptr<char[]> block_;
     std::string word_;
     ReferenceTable references_;
+    int nestingDepth_ = 0;
 };
 
 } // namespace meshcast

@@ -5,7 +5,7 @@
 
 namespace meshcast {
 
-/// Formats like `vsnprintf`, at any length.
+/// Formats like `vsnprintf`, at any length that it can count (2 GiB; nothing beyond).
 [[gnu::format(printf, 1, 0)]] std::string formatMessage(const char* format, std::va_list arguments);
 
 /// Reports an error that belongs to no place in the input, on standard error:

@@ -3,8 +3,9 @@
 #include "vrml/characters.h"
 
 #include <algorithm>
-#include <cstring>
 #include <deque>
+#include <functional>
+#include <iterator>
 #include <string>
 
 namespace meshcast {
@@ -21,17 +22,17 @@ public:
     }
 
     const NameEntry* intern(std::string_view text) {
-        const std::uint32_t hash = hashOf(text);
-        for (const NameEntry* entry = buckets_[hash % buckets_.size()]; entry != nullptr;
-             entry = entry->next) {
+        std::uint32_t hash = hashOf(text);
+        for (const NameEntry* entry = bucketOf(hash); entry != nullptr; entry = entry->next) {
             if (entry->hash == hash && std::string_view(entry->text, entry->length) == text) {
                 return entry;
             }
         }
         if (entries_.size() >= 2 * buckets_.size()) {
             rehash(2 * buckets_.size() + 1);
+            hash = hashOf(text);
         }
-        const NameEntry*& head = buckets_[hash % buckets_.size()];
+        const NameEntry*& head = bucketOf(hash);
         entries_.push_back({copy(text), text.size(), hash, head});
         head = &entries_.back();
         return head;
@@ -45,7 +46,16 @@ private:
 
     NameTable() : buckets_(kFirstBuckets, nullptr), emptyName_(intern({})) {}
 
-    static std::uint32_t hashOf(std::string_view text) {
+    const NameEntry*& bucketOf(std::uint32_t hash) {
+        return buckets_[hash % static_cast<std::uint32_t>(buckets_.size())];
+    }
+
+    /// Cheap, and good for the words of the language. It is easy to find any number of names with
+    /// one value, though, so a table that has grown uses the library's hash instead.
+    std::uint32_t hashOf(std::string_view text) const {
+        if (buckets_.size() > kFirstBuckets) {
+            return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
+        }
         std::uint32_t hash = 0;
         unsigned shift = 0;
         for (const char c : text) {
@@ -81,7 +91,8 @@ private:
     void rehash(std::size_t count) {
         buckets_.assign(count, nullptr);
         for (NameEntry& entry : entries_) {
-            const NameEntry*& head = buckets_[entry.hash % count];
+            entry.hash = hashOf({entry.text, entry.length});
+            const NameEntry*& head = bucketOf(entry.hash);
             entry.next = head;
             head = &entry;
         }
@@ -128,8 +139,9 @@ bool NameDictionary::remove(InternedName name, const QvNode* node) {
     return true;
 }
 
-const std::vector<QvNode*>& NameDictionary::nodes(InternedName name) {
-    return lists_[name];
+std::span<QvNode* const> NameDictionary::nodes(InternedName name) {
+    const std::vector<QvNode*>* const list = lists_.find(name);
+    return list == nullptr ? std::span<QvNode* const>() : std::span<QvNode* const>(*list);
 }
 
 InternedName legalNodeName(InternedName name) {

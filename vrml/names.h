@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -58,7 +58,7 @@ class NameMap {
 public:
     NameMap() : buckets_(kFirstBuckets, kNone) {}
 
-    /// The value under a name, or null. Valid until the next `operator[]`.
+    /// The value under a name, or null. Valid until a name is entered.
     Value* find(InternedName name) {
         for (std::uint32_t i = buckets_[bucketOf(name)]; i != kNone; i = entries_[i].next) {
             if (entries_[i].name == name) {
@@ -73,16 +73,27 @@ public:
         if (Value* const value = find(name)) {
             return *value;
         }
+        return append(name, Value{});
+    }
+
+    /// Enters a value unless the name has one.
+    void add(InternedName name, Value value) {
+        if (find(name) == nullptr) {
+            append(name, std::move(value));
+        }
+    }
+
+private:
+    Value& append(InternedName name, Value value) {
         if (entries_.size() >= buckets_.size()) {
             rehash(2 * buckets_.size() + 1);
         }
         std::uint32_t& head = buckets_[bucketOf(name)];
-        entries_.push_back({name, head, Value{}});
+        entries_.push_back({name, head, std::move(value)});
         head = static_cast<std::uint32_t>(entries_.size() - 1);
         return entries_.back().value;
     }
 
-private:
     struct Entry {
         InternedName name;
         std::uint32_t next;
@@ -125,7 +136,7 @@ public:
     bool remove(InternedName name, const QvNode* node);
 
     /// The nodes under a name, in the order in which they were added. Valid until the next call.
-    const std::vector<QvNode*>& nodes(InternedName name);
+    std::span<QvNode* const> nodes(InternedName name);
 
 private:
     NameMap<std::vector<QvNode*>> lists_;

@@ -1,6 +1,7 @@
 #include "vrml/node.h"
 
 #include "vrml/fields.h"
+#include "vrml/group.h"
 #include "vrml/input.h"
 #include "vrml/messages.h"
 
@@ -86,14 +87,17 @@ bool QvNode::readDeclarations(VrmlInput& input) {
     if (input.readExpected(']')) {
         return true;
     }
-    const bool isOpen = !isBuiltIn() && getFieldTable().fields().empty();
+    // A class of the catalogue ignores what is declared. Only unknown nodes are of no such class.
+    auto* const adopter = !isBuiltIn() && getFieldTable().fields().empty()
+                              ? static_cast<QvUnknownNode*>(this)
+                              : nullptr;
     for (;;) {
         InternedName typeName;
         InternedName fieldName;
         if (!input.readName(typeName) || !input.readName(fieldName)) {
             return false;
         }
-        if (isOpen && !adoptField(typeName, fieldName)) {
+        if (adopter != nullptr && !adopter->adoptField(typeName, fieldName)) {
             return false;
         }
         if (!input.skipWhiteSpace() || !input.get(c)) {
@@ -109,10 +113,6 @@ bool QvNode::readDeclarations(VrmlInput& input) {
             return true;
         }
     }
-}
-
-bool QvNode::adoptField(InternedName /*typeName*/, InternedName /*fieldName*/) {
-    return false;
 }
 
 NodePool::~NodePool() {

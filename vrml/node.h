@@ -5,7 +5,6 @@
 
 #include <memory>
 #include <string_view>
-#include <vector>
 
 namespace meshcast {
 
@@ -56,9 +55,6 @@ protected:
     /// Reads a declaration of fields if the word "fields" follows, and reports a malformed one.
     /// Any other word is put back.
     bool readFieldsDeclaration(VrmlInput& input);
-
-    /// Keeps a field that the input declares; false when the class's table is closed to such.
-    virtual bool adoptField(InternedName typeName, InternedName fieldName);
 
     bool isBuiltIn_ = true;
     bool isFirstOfClass_ = false;

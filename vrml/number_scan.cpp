@@ -1,8 +1,10 @@
 #include "vrml/number_scan.h"
 
+#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <charconv>
+#include <cstddef>
 #include <limits>
 #include <system_error>
 
@@ -19,7 +21,7 @@ constexpr std::array<double, 23> kExactPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1
 constexpr int kMaxExactPower = static_cast<int>(kExactPowers.size()) - 1;
 constexpr std::uint64_t kMaxExactInteger = std::uint64_t(1) << 53;
 /// As many decimal digits always fit 64 bits.
-constexpr std::int64_t kMaxSafeDigits = 19;
+constexpr std::ptrdiff_t kMaxSafeDigits = 19;
 /// Exponents are cut here: far beyond any double, far from overflowing the sums they enter.
 constexpr std::int64_t kMaxExponent = std::int64_t(1) << 40;
 
@@ -30,15 +32,24 @@ constexpr unsigned digitValue(char c) {
     return static_cast<unsigned>((c | 0x20) - 'a') + 10U;
 }
 
-/// Appends digits of the base to the magnitude while `taken` accepts them.
-template <unsigned Base, class Taken>
-void accumulate(ScannedMagnitude& scanned, Taken taken) {
-    for (; taken(*scanned.end); ++scanned.end) {
-        const unsigned digit = digitValue(*scanned.end);
-        const bool fits = scanned.magnitude <= (kMaxMagnitude - digit) / Base;
-        scanned.magnitude = fits ? scanned.magnitude * Base + digit : kMaxMagnitude;
-        scanned.ok = true;
+/// Takes digits of the base into the magnitude while `taken` accepts them. As many as `SafeDigits`
+/// always fit 64 bits; the rare longer number is gone over again, saturating.
+template <unsigned Base, std::ptrdiff_t SafeDigits, class Taken>
+ScannedMagnitude accumulate(const char* first, Taken taken) {
+    const char* end = first;
+    std::uint64_t magnitude = 0;
+    for (; taken(*end); ++end) {
+        magnitude = magnitude * Base + digitValue(*end);
     }
+    if (end - first > SafeDigits) {
+        magnitude = 0;
+        for (const char* p = first; p != end; ++p) {
+            const unsigned digit = digitValue(*p);
+            const bool fits = magnitude <= (kMaxMagnitude - digit) / Base;
+            magnitude = fits ? magnitude * Base + digit : kMaxMagnitude;
+        }
+    }
+    return {end, magnitude, end != first};
 }
 
 /// The value of a decimal (no sign) that the short way does not settle.
@@ -65,37 +76,32 @@ double nearestDouble(const char* first, const char* last, std::uint64_t mantissa
 } // namespace
 
 ScannedMagnitude scanMagnitude(const char* first) {
-    ScannedMagnitude scanned{first, 0, false};
     if (*first != '0') {
-        accumulate<10>(scanned, isDigit);
-        return scanned;
+        return accumulate<10, kMaxSafeDigits>(first, isDigit);
     }
     if (first[1] == 'x') {
-        scanned.end = first + 2;
-        accumulate<16>(scanned, isHexDigit);
-        return scanned;
+        return accumulate<16, 16>(first + 2, isHexDigit);
     }
-    accumulate<8>(scanned, [](char c) { return c >= '0' && c <= '7'; });
+    ScannedMagnitude scanned =
+        accumulate<8, 21>(first, [](char c) { return c >= '0' && c <= '7'; });
     while (isDigit(*scanned.end)) {
         ++scanned.end;
     }
     return scanned;
 }
 
-std::int32_t narrowSigned(const ScannedMagnitude& scanned, bool negative) {
+ScannedInteger scanInteger(const char* first) {
+    const bool negative = *first == '-';
+    const ScannedMagnitude scanned =
+        scanMagnitude(*first == '-' || *first == '+' ? first + 1 : first);
     constexpr std::uint64_t kMaxPositive = std::numeric_limits<std::int64_t>::max();
     std::uint64_t bits = scanned.magnitude;
     if (negative) {
-        bits = bits > kMaxPositive ? kMaxPositive + 1 : bits;
-        bits = 0 - bits;
-    } else if (bits > kMaxPositive) {
-        bits = kMaxPositive;
+        bits = 0 - std::min(bits, kMaxPositive + 1);
+    } else {
+        bits = std::min(bits, kMaxPositive);
     }
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(bits));
-}
-
-std::uint32_t narrowUnsigned(const ScannedMagnitude& scanned) {
-    return static_cast<std::uint32_t>(scanned.magnitude);
+    return {scanned.end, static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)), scanned.ok};
 }
 
 // Most numbers of a scene are short decimals. With a mantissa of at most 53 bits and a power of ten

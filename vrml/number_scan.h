@@ -29,11 +29,19 @@ struct ScannedMagnitude {
 /// leading `0` are taken but end the conversion.
 ScannedMagnitude scanMagnitude(const char* first);
 
-/// The low 32 bits of what a 64-bit `strtol` gives for the digits with this sign.
-std::int32_t narrowSigned(const ScannedMagnitude& scanned, bool negative);
-
 /// The low 32 bits of what a 64-bit `strtoul` gives for the digits.
-std::uint32_t narrowUnsigned(const ScannedMagnitude& scanned);
+inline std::uint32_t narrowUnsigned(const ScannedMagnitude& scanned) {
+    return static_cast<std::uint32_t>(scanned.magnitude);
+}
+
+struct ScannedInteger {
+    const char* end;    ///< The first character that was not taken.
+    std::int32_t value; ///< The low 32 bits of what a 64-bit `strtol` gives in base 0.
+    bool ok;            ///< At least one digit was there.
+};
+
+/// Scans an optional sign and digits as scanMagnitude does.
+ScannedInteger scanInteger(const char* first);
 
 struct ScannedReal {
     const char* end; ///< The first character that was not taken.

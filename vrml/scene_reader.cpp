@@ -18,9 +18,6 @@ namespace {
 constexpr char kOpen = '{';
 constexpr char kClose = '}';
 
-/// How deep the bodies being read stand in one another.
-int nestingDepth = 0;
-
 bool readBrace(VrmlInput& input, char brace) {
     char c = 0;
     if (!input.skipWhiteSpace() || !input.get(c)) {
@@ -37,7 +34,7 @@ bool readBrace(VrmlInput& input, char brace) {
 /// Reads the name behind USE and finds its node.
 bool readReference(VrmlInput& input, QvNode*& node) {
     std::string text;
-    if (!input.skipWhiteSpace() || !input.readString(text)) {
+    if (!input.readString(text)) {
         input.readError("Premature end of file after USE");
         return false;
     }
@@ -54,7 +51,7 @@ bool readReference(VrmlInput& input, QvNode*& node) {
 bool readDefinition(VrmlInput& input, InternedName& name, InternedName& className) {
     bool ok = true;
     std::string text;
-    const bool named = input.skipWhiteSpace() && input.readString(text);
+    const bool named = input.readString(text);
     name = InternedName(text);
     className = InternedName();
     if (!named || !input.readName(className)) {
@@ -88,10 +85,14 @@ std::unique_ptr<QvNode> createFromInput(VrmlInput& input, InternedName className
     return node;
 }
 
-enum class Opened { kBody, kNothing, kFailed };
+enum class Opened {
+    kBody,           ///< A node was made, and its body follows.
+    kUnreadableBody, ///< A body follows for which there is no node.
+    kNoBody,         ///< USE named a node, or no node follows.
+    kFailed,
+};
 
-/// Reads up to the opening brace of a node and makes the node, or finds the node that USE names, or
-/// finds that no node follows. Opened::kBody with a null node: the body cannot be read.
+/// Reads a node up to the opening brace of its body, if it has one.
 [[gnu::noinline]] Opened openNode(VrmlInput& input, QvNode*& node) {
     static const InternedName kNull("NULL");
     static const InternedName kUse("USE");
@@ -100,13 +101,13 @@ enum class Opened { kBody, kNothing, kFailed };
     node = nullptr;
     InternedName className;
     if (!input.readName(className)) {
-        return input.noErrorSoFar() ? Opened::kNothing : Opened::kFailed;
+        return input.noErrorSoFar() ? Opened::kNoBody : Opened::kFailed;
     }
     if (className.empty() || className == kNull) {
-        return Opened::kNothing;
+        return Opened::kNoBody;
     }
     if (className == kUse) {
-        return readReference(input, node) ? Opened::kNothing : Opened::kFailed;
+        return readReference(input, node) ? Opened::kNoBody : Opened::kFailed;
     }
     InternedName name;
     if (className == kDef && !readDefinition(input, name, className)) {
@@ -115,13 +116,13 @@ enum class Opened { kBody, kNothing, kFailed };
     if (!readBrace(input, kOpen)) {
         return Opened::kFailed;
     }
-    if (nestingDepth >= kMaxNestingDepth) {
+    if (input.nestingDepth() >= kMaxNestingDepth) {
         input.readError("Nesting deeper than %d levels", kMaxNestingDepth);
-        return Opened::kBody;
+        return Opened::kUnreadableBody;
     }
     std::unique_ptr<QvNode> created = createFromInput(input, className);
     if (created == nullptr) {
-        return Opened::kBody;
+        return Opened::kUnreadableBody;
     }
     node = input.nodes().adopt(std::move(created));
     if (!name.empty()) {
@@ -144,23 +145,17 @@ bool endsWithoutNode(VrmlInput& input) {
 } // namespace
 
 bool readNode(VrmlInput& input, QvNode*& node) {
-    switch (openNode(input, node)) {
-    case Opened::kFailed:
-        return false;
-    case Opened::kNothing:
-        return true;
-    case Opened::kBody:
-        break;
+    const Opened opened = openNode(input, node);
+    if (opened == Opened::kNoBody || opened == Opened::kFailed) {
+        return opened == Opened::kNoBody;
     }
-    ++nestingDepth;
-    const bool read = node != nullptr && node->readBody(input);
-    --nestingDepth;
-    if (!read) {
+    ++input.nestingDepth();
+    const bool isRead = opened == Opened::kBody && node->readBody(input);
+    --input.nestingDepth();
+    if (!isRead) {
         input.skipBody();
-        node = nullptr;
-        return false;
     }
-    if (!readBrace(input, kClose)) {
+    if (!isRead || !readBrace(input, kClose)) {
         node = nullptr;
         return false;
     }

@@ -61,7 +61,7 @@ void* reallocate(void* old, std::int64_t count, std::size_t size, const Allocati
 }
 
 void* try_allocate(std::size_t bytes) {
-    return std::calloc(1, bytes);
+    return std::malloc(bytes);
 }
 
 void release(const void* block) {

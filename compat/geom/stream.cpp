@@ -202,6 +202,7 @@ GEOMstream* geom::create_stream(int fd) {
     auto* stream = static_cast<GEOMstream*>(geom::try_allocate(sizeof(GEOMstream)));
     if (stream == nullptr)
         return nullptr;
+    *stream = {};
     stream->fd = fd;
     stream->write_buffer = static_cast<unsigned char*>(geom::try_allocate(GEOM_PIECE_BYTES));
     stream->read_buffer = static_cast<unsigned char*>(geom::try_allocate(GEOM_PIECE_BYTES));

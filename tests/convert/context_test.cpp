@@ -16,8 +16,8 @@ std::array<float, 3> moved(const std::string& transforms, const std::array<float
     EXPECT_TRUE(scene.ok) << scene.messages;
     QvState state;
     scene.root->traverse(state);
-    const ShapeContext context(state);
-    const Matrix4& m = ShapeContext::top()->matrix;
+    ShapeContext context(state);
+    const Matrix4& m = context.top()->matrix;
     std::array<float, 3> result{};
     for (std::size_t j = 0; j < 3; ++j) {
         result[j] = p[0] * m[0][j] + p[1] * m[1][j] + p[2] * m[2][j] + m[3][j];

@@ -223,8 +223,8 @@ TEST_F(Textures, FaceSetsProjectTheirPoints) {
     EXPECT_EQ(faceUvs("0 0 0, 2 4 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // y > x > z
     EXPECT_EQ(faceUvs("0 0 0, 1 2 4, 1 2 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > y > x
     EXPECT_EQ(faceUvs("0 0 0, 2 1 4, 2 1 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > x > y
-    EXPECT_EQ(faceUvs("0 0 0, 2 2 0, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {0, 1}})); // Tie: S is Y, T X.
-    EXPECT_EQ(faceUvs("0 0 0, 2 0 0, 0 0 0"), (Uvs{{0, 0}, {1, 0}, {0, 0}})); // Tie: X and Y.
+    EXPECT_EQ(faceUvs("0 0 0, 2 2 0, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {1, 0}})); // Equal: X and Y.
+    EXPECT_EQ(faceUvs("0 0 0, 2 0 0, 0 0 0"), (Uvs{{0, 0}, {1, 0}, {0, 0}})); // Equal: X and Y.
     EXPECT_EQ(faceUvs("").size(), 0U);
     const std::string given = "TextureCoordinate2 { point [ 0.25 0.5, 1 0 ] } ";
     EXPECT_EQ(faceUvs("0 0 0, 1 0 0, 1 1 0", given,

@@ -52,7 +52,10 @@ TEST(Names, NodeNamesAreMadeLegal) {
 TEST(Names, DictionaryFollowsTheNodes) {
     const InternedName name("shared name");
     const InternedName legalName("shared_name");
-    const auto listed = [legalName] { return NameDictionary::global().nodes(legalName); };
+    const auto listed = [legalName] {
+        const auto nodes = NameDictionary::global().nodes(legalName);
+        return std::vector<QvNode*>(nodes.begin(), nodes.end());
+    };
     const Captured captured = capture([&] {
         QvCube stray;
         {

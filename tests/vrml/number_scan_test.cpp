@@ -90,13 +90,12 @@ TEST(NumberScan, IntegersAreWhatStrtolGivesInBaseZero) {
         const ScannedMagnitude scanned = scanMagnitude(text);
         EXPECT_TRUE(scanned.ok) << text;
         EXPECT_EQ(*scanned.end, '\0') << text;
-        EXPECT_EQ(narrowSigned(scanned, false),
-                  static_cast<std::int32_t>(std::strtoll(text, nullptr, 0)))
-            << text;
-        EXPECT_EQ(narrowSigned(scanned, true),
-                  static_cast<std::int32_t>(
-                      std::strtoll(std::string("-").append(text).c_str(), nullptr, 0)))
-            << text;
+        for (const char* const sign : {"", "-", "+"}) {
+            const std::string number = std::string(sign).append(text);
+            EXPECT_EQ(scanInteger(number.c_str()).value,
+                      static_cast<std::int32_t>(std::strtoll(number.c_str(), nullptr, 0)))
+                << number;
+        }
         EXPECT_EQ(narrowUnsigned(scanned),
                   static_cast<std::uint32_t>(std::strtoull(text, nullptr, 0)))
             << text;
