@@ -251,9 +251,16 @@ bool QvSFString::readValue(VrmlInput& input) {
 template <class Scalar, std::size_t Width>
 QvMFieldOf<Scalar, Width>::QvMFieldOf(QvNode& node, const char* name,
                                       const std::array<Scalar, Width>& initial)
-    : QvMField(node, name) {
-    reallocate(1);
-    std::copy(initial.begin(), initial.end(), values);
+    : QvMField(node, name), initial_(initial), values(initial_.data()) {
+    num = 1;
+    maxNum = 1;
+}
+
+template <class Scalar, std::size_t Width>
+void QvMFieldOf<Scalar, Width>::release() {
+    if (values != initial_.data()) {
+        std::free(values);
+    }
 }
 
 template <class Scalar, std::size_t Width>
@@ -267,13 +274,17 @@ template <class Scalar, std::size_t Width>
 void QvMFieldOf<Scalar, Width>::reallocate(std::int32_t count) {
     if (count > 0) {
         const std::size_t size = static_cast<std::size_t>(count) * Width * sizeof(Scalar);
-        void* const grown = std::realloc(values, size);
+        const bool isInitial = values == initial_.data();
+        void* const grown = std::realloc(isInitial ? nullptr : values, size);
         if (grown == nullptr) {
             outOfMemory();
         }
         values = static_cast<Scalar*>(grown);
+        if (isInitial) {
+            std::copy(initial_.begin(), initial_.end(), values);
+        }
     } else {
-        std::free(values);
+        release();
         values = nullptr;
         count = 0;
     }

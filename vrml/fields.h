@@ -217,7 +217,7 @@ public:
     QvMFieldOf() = default;
     /// A list that starts with one value.
     QvMFieldOf(QvNode& node, const char* name, const std::array<Scalar, Width>& initial);
-    ~QvMFieldOf() override { std::free(values); }
+    ~QvMFieldOf() override { release(); }
 
     bool readAll(VrmlInput& input) final;
     void setCount(std::int32_t count) final;
@@ -229,6 +229,13 @@ public:
         return values + static_cast<std::size_t>(index) * Width;
     }
 
+private:
+    void release();
+
+    /// The value that the list starts with: most lists are never given another.
+    std::array<Scalar, Width> initial_{};
+
+public:
     Scalar* values = nullptr;
 };
 

@@ -63,9 +63,15 @@ bool QvNode::readFields(VrmlInput& input, UnknownWord policy) {
 }
 
 bool QvNode::readFieldsDeclaration(VrmlInput& input) {
-    InternedName word;
-    if (!input.readName(word)) {
+    // Few bodies begin with an f: a look ahead spares the others a word that is read twice.
+    char c = 0;
+    if (!input.skipWhiteSpace() || !input.get(c)) {
         return input.noErrorSoFar();
+    }
+    input.putBack(c);
+    InternedName word;
+    if (c != 'f' || !input.readName(word)) {
+        return true;
     }
     if (word.view() != "fields") {
         input.putBackWord(word.view());

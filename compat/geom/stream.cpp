@@ -14,6 +14,7 @@
 #include <bit>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <unistd.h>
 
 namespace {
@@ -42,18 +43,16 @@ std::int64_t write_piece(int fd, const unsigned char* bytes, std::size_t n) {
 std::int64_t flush(GEOMstream& stream) {
     const std::size_t fill = stream.write_fill;
     stream.write_fill = 0;
-    return write_piece(stream.fd, stream.write_buffer, fill);
+    return write_piece(stream.fd, stream.write_buffer.data(), fill);
 }
 
 // Reads the next piece into the read buffer; false at the end of the input or on an error.
 bool refill(GEOMstream& stream) {
     stream.read_position = 0;
     stream.read_fill = 0;
-    if (stream.read_buffer == nullptr)
-        return false;
     ssize_t result = 0;
     do
-        result = ::read(stream.fd, stream.read_buffer, GEOM_PIECE_BYTES);
+        result = ::read(stream.fd, stream.read_buffer.data(), GEOM_PIECE_BYTES);
     while (result < 0 && errno == EINTR);
     if (result < 1)
         return false;
@@ -199,15 +198,20 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
 } // namespace
 
 GEOMstream* geom::create_stream(int fd) {
-    auto* stream = static_cast<GEOMstream*>(geom::try_allocate(sizeof(GEOMstream)));
-    if (stream == nullptr)
+    void* const memory = geom::try_allocate(sizeof(GEOMstream));
+    if (memory == nullptr)
         return nullptr;
-    *stream = {};
+    // Member by member: clearing the buffers would cost as much as writing a small object.
+    auto* const stream = new (memory) GEOMstream;
     stream->fd = fd;
-    stream->write_buffer = static_cast<unsigned char*>(geom::try_allocate(GEOM_PIECE_BYTES));
-    stream->read_buffer = static_cast<unsigned char*>(geom::try_allocate(GEOM_PIECE_BYTES));
+    stream->write_fill = 0;
+    stream->read_position = 0;
+    stream->read_fill = 0;
     stream->sink = GEOMstream_write;
     stream->version = kNoVersionYet;
+    stream->raw_ints = false;
+    stream->raw_floats = false;
+    stream->raw_int64s = false;
     open_handle(stream->decode, XDR_DECODE, *stream);
     open_handle(stream->encode, XDR_ENCODE, *stream);
     return stream;
@@ -219,19 +223,15 @@ void geom::close_stream(GEOMstream* stream) {
     if (stream->read_fill > stream->read_position)
         ::lseek(stream->fd, -static_cast<off_t>(stream->read_fill - stream->read_position),
                 SEEK_CUR);
-    geom::release(stream->write_buffer);
-    geom::release(stream->read_buffer);
     geom::release(stream);
 }
 
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n) {
     const auto* source = static_cast<const unsigned char*>(bytes);
     auto left = static_cast<std::size_t>(n);
-    if (stream->write_buffer == nullptr)
-        return write_piece(stream->fd, source, left);
     while (left > 0) {
         const std::size_t piece = std::min(left, GEOM_PIECE_BYTES - stream->write_fill);
-        std::memcpy(stream->write_buffer + stream->write_fill, source, piece);
+        std::memcpy(stream->write_buffer.data() + stream->write_fill, source, piece);
         stream->write_fill += piece;
         source += piece;
         left -= piece;
@@ -252,7 +252,7 @@ std::int64_t geom::read_stream(GEOMstream* stream, void* bytes, std::int64_t n) 
             break;
         const std::size_t piece =
             std::min(static_cast<std::size_t>(n - done), stream->read_fill - stream->read_position);
-        std::memcpy(target + done, stream->read_buffer + stream->read_position, piece);
+        std::memcpy(target + done, stream->read_buffer.data() + stream->read_position, piece);
         stream->read_position += piece;
         done += static_cast<std::int64_t>(piece);
     }

@@ -2,6 +2,7 @@
 
 #include <rpc/xdr.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -18,9 +19,9 @@ using GEOMwrite_func = std::int64_t (*)(GEOMstream* stream, const void* bytes, s
 
 struct GEOMstream {
     int fd;
-    unsigned char* write_buffer; // null when there was no memory: bytes then go straight out
+    std::array<unsigned char, GEOM_PIECE_BYTES> write_buffer;
     std::size_t write_fill;
-    unsigned char* read_buffer; // null when there was no memory: nothing can be read then
+    std::array<unsigned char, GEOM_PIECE_BYTES> read_buffer;
     std::size_t read_position;
     std::size_t read_fill;
     XDR decode; // takes its bytes from geom::read_stream()
