@@ -2,8 +2,8 @@
 
 #include "compat/geom/geom.h"
 
-#include <algorithm>
 #include <cinttypes>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -12,52 +12,52 @@ namespace geom {
 namespace {
 
 // Even an array without elements owns a block, so that a null pointer always means "not given".
-constexpr std::int64_t kSmallestBlock = 8;
+constexpr std::int64_t kEmptyBlock = 8;
 
 // A size that does not fit is one that no allocator can serve.
 constexpr std::int64_t kTooLarge = std::numeric_limits<std::int64_t>::max();
 
 std::int64_t block_bytes(std::int64_t count, std::size_t size) {
+    if (count <= 0)
+        return kEmptyBlock;
     const auto element = static_cast<std::int64_t>(size);
-    if (count > kTooLarge / element)
-        return kTooLarge;
-    return std::max(std::max<std::int64_t>(count, 0) * element, kSmallestBlock);
+    return count > kTooLarge / element ? kTooLarge : count * element;
 }
 
-void* checked(void* block, std::int64_t bytes, const AllocationSite& site) {
-    if (block == nullptr) {
+[[noreturn]] void give_up(std::int64_t bytes, const void* old, const AllocationSite& site) {
+    static_cast<void>(
+        std::fprintf(stderr, "%s line %d, %" PRId64 " bytes", site.module, site.line, bytes));
+    if (old != nullptr)
         static_cast<void>(
-            std::fprintf(stderr, "%s line %d, %" PRId64 " bytes\n", site.module, site.line, bytes));
-        GEOMfatal_error("%s", site.message);
-    }
+            std::fprintf(stderr, ", old ptr 0x%" PRIx32,
+                         static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(old))));
+    static_cast<void>(std::fputs("\n", stderr));
+    GEOMfatal_error("%s", site.message);
+}
+
+// What `obtain` gives for the bytes of `count` elements; does not return without a block.
+template <class Obtain>
+void* block_for(std::int64_t count, std::size_t size, const void* old, const AllocationSite& site,
+                Obtain obtain) {
+    const std::int64_t bytes = block_bytes(count, size);
+    void* block = bytes == kTooLarge ? nullptr : obtain(static_cast<std::size_t>(bytes));
+    if (block == nullptr)
+        give_up(bytes, old, site);
     return block;
 }
 
 } // namespace
 
 void* allocate(std::int64_t count, std::size_t size, const AllocationSite& site) {
-    const std::int64_t bytes = block_bytes(count, size);
-    return checked(bytes == kTooLarge ? nullptr : std::malloc(static_cast<std::size_t>(bytes)),
-                   bytes, site);
+    return block_for(count, size, nullptr, site, [](std::size_t n) { return std::malloc(n); });
 }
 
 void* allocate_zeroed(std::int64_t count, std::size_t size, const AllocationSite& site) {
-    const std::int64_t bytes = block_bytes(count, size);
-    return checked(bytes == kTooLarge ? nullptr : std::calloc(1, static_cast<std::size_t>(bytes)),
-                   bytes, site);
+    return block_for(count, size, nullptr, site, [](std::size_t n) { return std::calloc(1, n); });
 }
 
 void* reallocate(void* old, std::int64_t count, std::size_t size, const AllocationSite& site) {
-    const std::int64_t bytes = block_bytes(count, size);
-    void* block = bytes == kTooLarge ? nullptr : std::realloc(old, static_cast<std::size_t>(bytes));
-    if (block == nullptr) {
-        const auto address = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(old));
-        static_cast<void>(std::fprintf(stderr,
-                                       "%s line %d, %" PRId64 " bytes, old ptr 0x%" PRIx32 "\n",
-                                       site.module, site.line, bytes, address));
-        GEOMfatal_error("%s", site.message);
-    }
-    return block;
+    return block_for(count, size, old, site, [old](std::size_t n) { return std::realloc(old, n); });
 }
 
 void* try_allocate(std::size_t bytes) {

@@ -15,9 +15,9 @@ struct AllocationSite {
     const char* message;
 };
 
-// A block for `count` elements of `size` bytes, never less than 8 bytes and never null. On failure,
-// or when the size does not fit, prints "<module> line <n>, <bytes> bytes\n" to standard error and
-// ends through GEOMfatal_error(). `count` below 0 counts as 0.
+// A block of exactly `count` * `size` bytes, or of 8 when there are no elements: never null. On
+// failure, or when the size does not fit, prints "<module> line <n>, <bytes> bytes\n" to standard
+// error and ends through GEOMfatal_error(). `count` below 0 counts as 0.
 void* allocate(std::int64_t count, std::size_t size, const AllocationSite& site);
 
 // The same, filled with zero bytes.
