@@ -192,7 +192,7 @@ void GEOMadd_vertex_trans(GEOMobj* obj, const float* trans, std::int64_t n, int 
 
 // Appends polygons to a polyhedron. `list` holds for each polygon its vertex count and that many
 // 1-based indices, and ends with a count of 0 (or less); the indices themselves may be anything.
-// The first call may leave polygon flags (0x2, 0x4) behind as a property.
+// A call on an object without polygons may leave polygon flags (0x2, 0x4) behind as a property.
 void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t polygon_flags,
                       int flag);
 
@@ -215,8 +215,9 @@ std::uint32_t GEOMlabel_flags(int font, int title, int drop_shadow, int stroke,
 
 // Computes normals for an object that has none. Mode 0: one per vertex, the mean direction of the
 // polygons around it. Mode 1: one per polygon; the polyhedron's corners become vertices of their
-// own, numbered in list order. Meshes always get mode 0; other kinds are left alone.
-// A polygon that names a vertex which is not there takes part in no normal.
+// own, numbered in list order. Meshes always get mode 0, and none when they hold fewer than u * v
+// vertices; other kinds are left alone. A polygon that names a vertex which is not there takes part
+// in no normal; in mode 1 such a corner becomes a vertex of zeros.
 void GEOMgen_normals(GEOMobj* obj, int mode);
 
 // ---- Properties, fonts, messages

@@ -160,22 +160,24 @@ void smooth_normals(GEOMobj& obj, double tolerance) {
     attach_normals(obj, normals, n);
 }
 
-// Replaces the elements of a per-vertex list by one element per polygon corner: that of the vertex
-// which the corner names, or zero where the list has none.
+// A new array with one element of a per-vertex list per polygon corner: that of the vertex which
+// the corner names, or zero when there is no such vertex or the list ends before it.
 template <class T, int N>
-void spread(GEOMlist<T, N>& list, const GEOMpolygon_list& polygons, const AllocationSite& site) {
-    auto* spread_data =
+T* spread(const GEOMlist<T, N>& list, const GEOMpolyhedron& solid, const AllocationSite& site) {
+    const GEOMpolygon_list& polygons = solid.polygons;
+    const std::int64_t known = std::min(list.used, solid.vertices.used);
+    auto* per_corner =
         static_cast<T*>(geom::allocate_zeroed(polygons.indices, geom::element_bytes(list), site));
-    T* out = spread_data;
+    T* out = per_corner;
     const std::int64_t* entry = polygons.data;
     for (std::int64_t p = 0; p < polygons.polygons; ++p) {
         const std::int64_t count = *entry++;
         for (std::int64_t j = 0; j < count; ++j, ++entry, out += N) {
-            if (names_vertex(*entry, list.used))
+            if (names_vertex(*entry, known))
                 std::copy_n(list.data + (*entry - 1) * N, N, out);
         }
     }
-    geom::adopt(list, spread_data, polygons.indices);
+    return per_corner;
 }
 
 void number_corners(GEOMpolygon_list& polygons) {
@@ -190,12 +192,20 @@ void number_corners(GEOMpolygon_list& polygons) {
 
 void facet_normals(GEOMobj& obj, double tolerance) {
     GEOMpolyhedron& solid = obj.polyhedron;
-    GEOMpolygon_list& polygons = solid.polygons;
-    const std::int64_t corners = polygons.indices;
+    const std::int64_t corners = solid.polygons.indices;
+    // All arrays are made from the lists as they are, before the first list is replaced.
+    const auto spread_if = [&](std::uint32_t bit, const auto& list, const AllocationSite& site) {
+        return (obj.flags & bit) != 0 ? spread(list, solid, site) : nullptr;
+    };
+    float* vertices = spread(solid.vertices, solid, kCornerVertices);
+    float* colors = spread_if(GEOM_HAS_COLORS, solid.colors, kCornerColors);
+    std::int32_t* data = spread_if(GEOM_HAS_VERTEX_DATA, solid.vertex_data, kCornerData);
+    float* trans = spread_if(GEOM_HAS_VERTEX_TRANS, solid.vertex_trans, kCornerTrans);
     float* normals = new_vectors(corners, kCornerNormals);
+
     float* out = normals;
-    const std::int64_t* entry = polygons.data;
-    for (std::int64_t p = 0; p < polygons.polygons; ++p) {
+    const std::int64_t* entry = solid.polygons.data;
+    for (std::int64_t p = 0; p < solid.polygons.polygons; ++p) {
         const Polygon polygon{entry[0], entry + 1};
         const Vec3 normal = is_sound(polygon, solid.vertices.used)
                                 ? facet_normal(polygon, solid.vertices, tolerance)
@@ -205,14 +215,15 @@ void facet_normals(GEOMobj& obj, double tolerance) {
         entry += polygon.count + 1;
     }
 
-    spread(solid.vertices, polygons, kCornerVertices);
-    if ((obj.flags & GEOM_HAS_COLORS) != 0)
-        spread(solid.colors, polygons, kCornerColors);
-    if ((obj.flags & GEOM_HAS_VERTEX_DATA) != 0)
-        spread(solid.vertex_data, polygons, kCornerData);
-    if ((obj.flags & GEOM_HAS_VERTEX_TRANS) != 0)
-        spread(solid.vertex_trans, polygons, kCornerTrans);
-    number_corners(polygons);
+    const auto replace = [corners](auto& list, const auto* per_corner) {
+        if (per_corner != nullptr)
+            geom::adopt(list, per_corner, corners);
+    };
+    replace(solid.vertices, vertices);
+    replace(solid.colors, colors);
+    replace(solid.vertex_data, data);
+    replace(solid.vertex_trans, trans);
+    number_corners(solid.polygons);
     attach_normals(obj, normals, corners);
 }
 
@@ -224,19 +235,19 @@ void mesh_normals(GEOMobj& obj) {
     if (mesh.vertices.used < n)
         return; // a grid without its vertices has no normals
     float* normals = new_vectors(n, kMeshNormals);
-    const auto at = [&](std::int64_t i, std::int64_t j) {
-        return load(mesh.vertices.data + (j * mesh.u + i) * 3);
+    const auto at = [&](std::int64_t column, std::int64_t row) {
+        return load(mesh.vertices.data + (row * mesh.u + column) * 3);
     };
+    const float* end = normals + n * 3;
     float* out = normals;
-    if (n > 0) {
-        for (std::int64_t j = 0; j < mesh.v; ++j) {
-            const std::int64_t below = std::max<std::int64_t>(j - 1, 0);
-            const std::int64_t above = std::min(j + 1, mesh.v - 1);
-            for (std::int64_t i = 0; i < mesh.u; ++i, out += 3) {
-                const std::int64_t left = std::max<std::int64_t>(i - 1, 0);
-                const std::int64_t right = std::min(i + 1, mesh.u - 1);
-                store(out, cross(at(left, j) - at(right, j), at(i, below) - at(i, above)));
-            }
+    for (std::int64_t row = 0; out != end; ++row) {
+        const std::int64_t previous_row = std::max<std::int64_t>(row - 1, 0);
+        const std::int64_t next_row = std::min(row + 1, mesh.v - 1);
+        for (std::int64_t column = 0; column < mesh.u; ++column, out += 3) {
+            const std::int64_t previous_column = std::max<std::int64_t>(column - 1, 0);
+            const std::int64_t next_column = std::min(column + 1, mesh.u - 1);
+            store(out, cross(at(previous_column, row) - at(next_column, row),
+                             at(column, previous_row) - at(column, next_row)));
         }
     }
     attach_normals(obj, normals, n);
