@@ -1,5 +1,7 @@
 #include "compat/geom/bytecount.h"
 
+#include "compat/geom/parts.h"
+
 #include <cstring>
 
 namespace {
@@ -22,8 +24,9 @@ Count values_per_vertex(std::uint32_t flags) {
 std::int64_t geom::bytecount(const GEOMmesh& mesh, std::uint32_t flags) {
     const auto u = static_cast<Count>(mesh.u);
     const auto v = static_cast<Count>(mesh.v);
-    const Count cells = has(flags, GEOM_HAS_PRIMITIVE_DATA) * (4 * u - 4) * (v - 1);
-    return static_cast<std::int64_t>(4 * u * v * values_per_vertex(flags) + cells);
+    const auto cells = static_cast<Count>(cells_of(mesh));
+    return static_cast<std::int64_t>(
+        4 * (u * v * values_per_vertex(flags) + cells * has(flags, GEOM_HAS_PRIMITIVE_DATA)));
 }
 
 std::int64_t geom::bytecount(const GEOMpolyhedron& solid, std::uint32_t flags) {
@@ -37,7 +40,7 @@ std::int64_t geom::bytecount(const GEOMpolyhedron& solid, std::uint32_t flags) {
 
 std::int64_t geom::bytecount(const GEOMpolytriangle& all, std::uint32_t flags) {
     const Count primitives = has(flags, GEOM_HAS_PRIMITIVE_DATA);
-    const Count line_values = values_per_vertex(flags & (GEOM_HAS_COLORS | GEOM_HAS_VERTEX_DATA));
+    const Count line_values = values_per_vertex(flags & kLineFlags);
     Count bytes = 4 * (static_cast<Count>(all.strips) + static_cast<Count>(all.lines));
     for (std::int64_t i = 0; i < all.strips; ++i) {
         const auto k = static_cast<Count>(all.strip_vertices[i].used);

@@ -5,7 +5,6 @@
 #include "compat/geom/list.h"
 #include "compat/geom/parts.h"
 
-#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cmath>
@@ -121,7 +120,8 @@ bool check_uvs(const Findings& findings, std::uint32_t flags, const GEOMscalar_l
         return has_count(findings, "uvws", uvs, "number of 3*verts",
                          geom::multiply_counts(vertices, 3));
     // An array added without coordinates sets no flag, yet leaves its block: only a count tells.
-    return geom::used_of(uvs) == 0 || is_absent(findings, "uv information", uvs);
+    return geom::used_of(uvs) == 0 ||
+           findings.fail("object has uv information but flag is not set");
 }
 
 // The checks that every part shares: counts, then values.
@@ -169,8 +169,7 @@ bool check_mesh(const Findings& findings, const GEOMobj& obj) {
     if (mesh.u < 0 || mesh.v < 0)
         return findings.fail("mesh object has negative dims");
     return check_part(findings, obj.flags, geom::part_of(obj),
-                      geom::multiply_counts(mesh.u, mesh.v),
-                      geom::multiply_counts(mesh.u - 1, mesh.v - 1));
+                      geom::multiply_counts(mesh.u, mesh.v), geom::cells_of(mesh));
 }
 
 bool check_polyhedron(const Findings& findings, const GEOMobj& obj) {
@@ -192,7 +191,7 @@ bool check_polytriangle(const Findings& findings, const GEOMobj& obj) {
     for (std::int64_t i = 0; i < all.strips; ++i) {
         const geom::ConstPart strip = geom::strip_of(all, i);
         const std::int64_t n = geom::used_of(strip.vertices);
-        if (!check_part(findings, obj.flags, strip, n, std::max<std::int64_t>(n - 2, 0)))
+        if (!check_part(findings, obj.flags, strip, n, n - 2))
             return false;
     }
     for (std::int64_t i = 0; i < all.lines; ++i) {
@@ -201,12 +200,13 @@ bool check_polytriangle(const Findings& findings, const GEOMobj& obj) {
         if (!check_part(findings, obj.flags & geom::kLineFlags, line, n, n - 1))
             return false;
     }
-    // The primitive data of the segments is not looked at.
+    // Kept: the primitive data of the segments was never looked at. The flag may stand for the
+    // strips and lines alone, so the segments are checked as if there were neither data nor flag.
     geom::ConstPart segments = geom::segments_of(all);
     segments.primitive_data = nullptr;
-    const std::int64_t n = geom::used_of(segments.vertices);
-    return check_part(findings, obj.flags & geom::kLineFlags & ~GEOM_HAS_PRIMITIVE_DATA, segments,
-                      n, n / 2);
+    constexpr std::uint32_t segment_flags = geom::kLineFlags & ~GEOM_HAS_PRIMITIVE_DATA;
+    return check_part(findings, obj.flags & segment_flags, segments,
+                      geom::used_of(segments.vertices), 0);
 }
 
 bool check_sphere(const Findings& findings, const GEOMobj& obj) {

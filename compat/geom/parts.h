@@ -69,6 +69,12 @@ PartOf<Object> part_of(Object& obj) {
     }
 }
 
+// The cells between the vertices of a grid: one value of primitive data each. An empty grid (u or v
+// below 1) has none, wherever they are counted.
+inline std::int64_t cells_of(const GEOMmesh& mesh) {
+    return mesh.u < 1 || mesh.v < 1 ? 0 : multiply_counts(mesh.u - 1, mesh.v - 1);
+}
+
 template <class List>
 List* list_at(List* lists, std::int64_t index) {
     return lists == nullptr ? nullptr : lists + index;

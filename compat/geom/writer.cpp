@@ -35,7 +35,9 @@ void trace_writer(const char* kind, GEOMwrite_func func, const GEOMhead* head, c
                   const GEOMstream* arg, int proto_version) {
     if (!geom::trace_wanted())
         return;
-    // whole pointers here, their low 32 bits in the lines around
+    // The text brings its own "0x", and what %p prints is the C library's choice: hexadecimal
+    // digits without a prefix are what stands behind it everywhere. Of whole pointers here, as of
+    // old; the lines around show their low 32 bits.
     const auto digits = [](auto pointer) { return reinterpret_cast<std::uintptr_t>(pointer); };
     std::printf("      GEOM_write_%s (func=0x%" PRIxPTR ", head=0x%" PRIxPTR ", obj=0x%" PRIxPTR
                 ", arg=0x%" PRIxPTR ", proto_version=%d)\n",
@@ -136,7 +138,7 @@ void put_list(GEOMstream* stream, const GEOMlist<T, N>* list, std::int64_t n) {
     if (held > 0)
         put_values(stream, list->data, held * N);
 
-    constexpr std::array<T, 1024> zeros{};
+    static constexpr std::array<T, 1024> zeros{};
     for (std::int64_t left = geom::multiply_counts(n - held, N); left > 0;) {
         const std::int64_t count = std::min(left, static_cast<std::int64_t>(zeros.size()));
         put_values(stream, zeros.data(), count);
@@ -187,7 +189,7 @@ int GEOM_write_mesh(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEO
     geom::put_int64(arg, mesh.u);
     geom::put_int64(arg, mesh.v);
     put_part(arg, obj->flags, geom::part_of(*obj), geom::multiply_counts(mesh.u, mesh.v),
-             geom::multiply_counts(mesh.u - 1, mesh.v - 1));
+             geom::cells_of(mesh));
     return 0;
 }
 
