@@ -37,6 +37,13 @@ GEOMpolygon_list widen(const std::int32_t* list) {
     return wide;
 }
 
+// Attaches polygon flags as a property, unless the object has one.
+void keep_flags(GEOMobj& obj, std::uint32_t polygon_flags) {
+    std::uint32_t present = 0;
+    if (polygon_flags != 0 && GEOMget_property(&obj, GEOM_PROPERTY_POLYGON_FLAGS, &present) == 0)
+        GEOMadd_property(&obj, GEOM_PROPERTY_POLYGON_FLAGS, polygon_flags);
+}
+
 } // namespace
 
 void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t polygon_flags,
@@ -49,11 +56,9 @@ void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t poly
     geom::drop(list, flag);
 
     GEOMpolygon_list& polygons = obj->polyhedron.polygons;
+    if (polygons.polygons == 0)
+        keep_flags(*obj, polygon_flags & GEOM_POLYGON_FLAGS_KEPT);
     if (polygons.capacity == 0) {
-        const std::uint32_t kept = polygon_flags & GEOM_POLYGON_FLAGS_KEPT;
-        std::uint32_t present = 0;
-        if (kept != 0 && GEOMget_property(obj, GEOM_PROPERTY_POLYGON_FLAGS, &present) == 0)
-            GEOMadd_property(obj, GEOM_PROPERTY_POLYGON_FLAGS, kept);
         polygons = added;
         return;
     }
