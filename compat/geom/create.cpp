@@ -27,22 +27,17 @@ void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, int flag,
     geom::append(list, source, n, extension_for(n), flag, growth);
 }
 
-void refuse(const char* message, const void* array, int flag) {
-    GEOMerror("%s", message);
-    geom::drop(array, flag);
-}
-
 // Vertex data and vertex trans differ in their type, their flag bit and their words only.
 template <class T>
 void add_extra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t n, int flag,
                std::uint32_t bit, const geom::GrowthSites& growth,
                const char* polytriangle_message) {
     if (obj.type == GEOM_POLYTRIANGLE) {
-        refuse(polytriangle_message, source, flag);
+        geom::refuse(polytriangle_message, source, flag);
         return;
     }
     if (obj.type == GEOM_LABEL) {
-        refuse("Don't support primitive data for labels", source, flag);
+        geom::refuse("Don't support primitive data for labels", source, flag);
         return;
     }
     // The bit is set for null arrays and unknown kinds too: readers of such objects count on it.
@@ -141,7 +136,7 @@ int GEOMdestroy_obj(GEOMobj* obj) {
 
 void GEOMadd_vertices(GEOMobj* obj, const float* vertices, std::int64_t n, int flag) {
     if (!add_vertices(*obj, vertices, n, flag))
-        refuse("GEOMadd_vertices: can't add vertices to object type", vertices, flag);
+        geom::refuse("GEOMadd_vertices: can't add vertices to object type", vertices, flag);
 }
 
 void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float* normals,
@@ -161,7 +156,7 @@ void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float
 void GEOMadd_normals(GEOMobj* obj, const float* normals, std::int64_t n, int flag) {
     GEOMvector_list* list = geom::part_of(*obj).normals;
     if (list == nullptr) {
-        refuse("GEOMadd_normals: can't add normals to object type specified", normals, flag);
+        geom::refuse("GEOMadd_normals: can't add normals to object type specified", normals, flag);
         return;
     }
     if (normals == nullptr)
@@ -173,7 +168,7 @@ void GEOMadd_normals(GEOMobj* obj, const float* normals, std::int64_t n, int fla
 void GEOMadd_colors(GEOMobj* obj, const GEOMpacked_color* colors, std::int64_t n, int flag) {
     GEOMvector_list* list = geom::part_of(*obj).colors;
     if (list == nullptr) {
-        refuse("GEOMadd_colors: can't add colors to object type specified", colors, flag);
+        geom::refuse("GEOMadd_colors: can't add colors to object type specified", colors, flag);
         return;
     }
     if (colors == nullptr)
@@ -195,7 +190,7 @@ void GEOMadd_colors(GEOMobj* obj, const GEOMpacked_color* colors, std::int64_t n
 void GEOMadd_uvs(GEOMobj* obj, const float* uvs, std::int64_t n, int flag) {
     GEOMscalar_list* list = geom::part_of(*obj).uvs;
     if (list == nullptr) {
-        refuse("GEOMadd_uvs: can't add u-v to object type", uvs, flag);
+        geom::refuse("GEOMadd_uvs: can't add u-v to object type", uvs, flag);
         return;
     }
     // The headroom of a single pair is 100 floats, not 100 pairs.
@@ -208,7 +203,7 @@ void GEOMadd_uvs(GEOMobj* obj, const float* uvs, std::int64_t n, int flag) {
 
 void GEOMadd_radii(GEOMobj* obj, const float* radii, std::int64_t n, int flag) {
     if (obj->type != GEOM_SPHERE) {
-        refuse("GEOMadd_radii: can't add radii to obj type", radii, flag);
+        geom::refuse("GEOMadd_radii: can't add radii to obj type", radii, flag);
         return;
     }
     append(obj->sphere.radii, radii, n, flag, sites::kScalars);

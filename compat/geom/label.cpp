@@ -71,9 +71,7 @@ void geom::clear_labels(GEOMlabels& labels) {
     for (std::int64_t i = 0; i < labels.texts.used; ++i)
         release(labels.texts.data[i]);
     clear(labels.texts);
-    clear(labels.positions);
     clear(labels.offsets);
     clear(labels.heights);
-    clear(labels.colors);
     clear(labels.label_data);
 }

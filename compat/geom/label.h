@@ -4,7 +4,7 @@
 
 namespace geom {
 
-// Frees the texts and every list of a label object.
+// Frees what only labels have: the texts, and the lists that are not in their geom::Part.
 void clear_labels(GEOMlabels& labels);
 
 } // namespace geom

@@ -84,6 +84,12 @@ inline void drop(const void* array, int flag) {
         release(array);
 }
 
+// Reports why an array is not taken, and drops it.
+inline void refuse(const char* message, const void* array, int flag) {
+    GEOMerror("%s", message);
+    drop(array, flag);
+}
+
 // Appends n elements. A null source only makes room.
 template <class T, int N>
 void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t extension, int flag,

@@ -29,44 +29,49 @@ void store_fresh(GEOMvector_list& list, const float* source, std::int64_t n, int
     geom::append(list, source, n, n, flag, fresh);
 }
 
-// One more strip's worth of lists in every array that the flags promise.
+// The same for an array that is there only when the object's flags promise that sort of data.
+template <class List>
+void grow_promised(std::uint32_t promise, List*& lists, std::int64_t count,
+                   const geom::GrowthSites& growth) {
+    if (promise != 0)
+        grow_lists(lists, count, growth);
+}
+
 void grow_strip_arrays(GEOMpolytriangle& all, std::uint32_t flags) {
-    const auto grow = [&](std::uint32_t bits, auto*& lists, const geom::GrowthSites& growth) {
-        if ((flags & bits) != 0)
-            grow_lists(lists, all.strips, growth);
-    };
-    grow_lists(all.strip_vertices, all.strips, sites::kStripVertices);
-    grow(GEOM_HAS_NORMALS, all.strip_normals, sites::kStripNormals);
-    grow(GEOM_HAS_COLORS, all.strip_colors, sites::kStripColors);
-    grow(GEOM_HAS_UVS | GEOM_HAS_UVWS, all.strip_uvs, sites::kStripUvs);
-    grow(GEOM_HAS_VERTEX_DATA, all.strip_vertex_data, sites::kStripVertexData);
-    grow(GEOM_HAS_PRIMITIVE_DATA, all.strip_primitive_data, sites::kStripPrimitiveData);
-    grow(GEOM_HAS_VERTEX_TRANS, all.strip_vertex_trans, sites::kStripVertexTrans);
+    const std::int64_t n = all.strips;
+    grow_lists(all.strip_vertices, n, sites::kStripVertices);
+    grow_promised(flags & GEOM_HAS_NORMALS, all.strip_normals, n, sites::kStripNormals);
+    grow_promised(flags & GEOM_HAS_COLORS, all.strip_colors, n, sites::kStripColors);
+    grow_promised(flags & (GEOM_HAS_UVS | GEOM_HAS_UVWS), all.strip_uvs, n, sites::kStripUvs);
+    grow_promised(flags & GEOM_HAS_VERTEX_DATA, all.strip_vertex_data, n, sites::kStripVertexData);
+    grow_promised(flags & GEOM_HAS_PRIMITIVE_DATA, all.strip_primitive_data, n,
+                  sites::kStripPrimitiveData);
+    grow_promised(flags & GEOM_HAS_VERTEX_TRANS, all.strip_vertex_trans, n,
+                  sites::kStripVertexTrans);
 }
 
 void grow_polyline_arrays(GEOMpolytriangle& all, std::uint32_t flags) {
-    const auto grow = [&](std::uint32_t bits, auto*& lists, const geom::GrowthSites& growth) {
-        if ((flags & bits) != 0)
-            grow_lists(lists, all.lines, growth);
-    };
-    grow_lists(all.line_vertices, all.lines, sites::kLineVertices);
-    grow(GEOM_HAS_COLORS, all.line_colors, sites::kLineColors);
-    grow(GEOM_HAS_VERTEX_DATA, all.line_vertex_data, sites::kLineVertexData);
-    grow(GEOM_HAS_PRIMITIVE_DATA, all.line_primitive_data, sites::kLinePrimitiveData);
+    const std::int64_t n = all.lines;
+    grow_lists(all.line_vertices, n, sites::kLineVertices);
+    grow_promised(flags & GEOM_HAS_COLORS, all.line_colors, n, sites::kLineColors);
+    grow_promised(flags & GEOM_HAS_VERTEX_DATA, all.line_vertex_data, n, sites::kLineVertexData);
+    grow_promised(flags & GEOM_HAS_PRIMITIVE_DATA, all.line_primitive_data, n,
+                  sites::kLinePrimitiveData);
 }
 
 } // namespace
 
 void geom::add_strip(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
-    const char* refusal = nullptr;
-    if ((obj.flags & GEOM_HAS_NORMALS) != 0)
-        refusal = "Normals required for polytriangle: ignoring";
-    else if ((obj.flags & GEOM_HAS_COLORS) != 0)
-        refusal = "Colors required for polytriangle: ignoring";
-    if (n <= 0 || refusal != nullptr) {
-        if (n > 0)
-            GEOMerror("%s", refusal);
+    if (n <= 0) {
         drop(vertices, flag);
+        return;
+    }
+    if ((obj.flags & GEOM_HAS_NORMALS) != 0) {
+        refuse("Normals required for polytriangle: ignoring", vertices, flag);
+        return;
+    }
+    if ((obj.flags & GEOM_HAS_COLORS) != 0) {
+        refuse("Colors required for polytriangle: ignoring", vertices, flag);
         return;
     }
     GEOMpolytriangle& all = obj.polytriangle;
@@ -77,16 +82,16 @@ void geom::add_strip(GEOMobj& obj, const float* vertices, std::int64_t n, int fl
 
 void GEOMadd_polyline(GEOMobj* obj, const float* vertices, const float* colors, std::int64_t n,
                       int flag) {
-    const bool accepted = obj->type == GEOM_POLYTRIANGLE && n > 0;
-    if (accepted && colors != nullptr)
-        obj->flags |= GEOM_HAS_COLORS;
-    const bool colored = (obj->flags & GEOM_HAS_COLORS) != 0;
-    const bool colors_missing = accepted && colored && colors == nullptr;
-    if (colors_missing)
-        GEOMerror("Colors required for polyline: ignoring");
-    if (!accepted || colors_missing) {
+    if (obj->type != GEOM_POLYTRIANGLE || n <= 0) {
         geom::drop(vertices, flag);
         geom::drop(colors, flag);
+        return;
+    }
+    if (colors != nullptr)
+        obj->flags |= GEOM_HAS_COLORS;
+    const bool colored = (obj->flags & GEOM_HAS_COLORS) != 0;
+    if (colored && colors == nullptr) {
+        geom::refuse("Colors required for polyline: ignoring", vertices, flag);
         return;
     }
     GEOMpolytriangle& all = obj->polytriangle;
