@@ -228,7 +228,7 @@ void geom::close_stream(GEOMstream* stream) {
 
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n) {
     const auto* source = static_cast<const unsigned char*>(bytes);
-    auto left = static_cast<std::size_t>(n);
+    auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0));
     while (left > 0) {
         const std::size_t piece = std::min(left, GEOM_PIECE_BYTES - stream->write_fill);
         std::memcpy(stream->write_buffer.data() + stream->write_fill, source, piece);

@@ -35,8 +35,9 @@ struct GEOMstream {
     bool raw_int64s;
 };
 
-// Buffers n bytes; whenever the buffer holds a full piece, writes it. Returns n. When a write gives
-// less than 1, returns that result: the piece is lost, and so is what remained of the n bytes.
+// Buffers n bytes, none when n is below 0; whenever the buffer holds a full piece, writes it.
+// Returns n. When a write gives less than 1, returns that result: the piece is lost, and so is what
+// remained of the n bytes.
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n);
 
 namespace geom {
@@ -67,8 +68,9 @@ void put_int64s(GEOMstream* stream, const std::int64_t* values, std::int64_t n);
 // n bytes as they are; in an XDR stream zero bytes follow up to a multiple of 4.
 void put_opaque(GEOMstream* stream, const void* bytes, std::int64_t n);
 
-// The length without NUL as an int, then the text as an opaque run. XDR writes no text when it is
-// longer than GEOM_MAX_STRING_BYTES.
+// The length without NUL as an int, then the text as an opaque run. Of a text longer than
+// GEOM_MAX_STRING_BYTES, XDR writes the length alone: that ruins the record, since no reader finds
+// what follows.
 void put_string(GEOMstream* stream, const char* text);
 
 } // namespace geom
