@@ -164,7 +164,10 @@ const RingDirections& ringDirections() {
 /// Collects the vertices of a shape with an upright axis.
 class AxialVertices {
 public:
-    explicit AxialVertices(float radius) : radius_(radius) {}
+    /// `count` vertices will be added.
+    AxialVertices(float radius, std::size_t count) : radius_(radius) {
+        vertices_.reserve(3 * count);
+    }
 
     void addCenter(float y) { add(0, y, 0); }
 
@@ -297,9 +300,10 @@ void QvCube::traverse(QvState& state) {
 void QvCone::traverse(QvState& state) {
     const ShapeContext context(state);
     const float top = half(height.value);
-    AxialVertices vertices(bottomRadius.value);
+    const bool textured = isTextured(state);
+    AxialVertices vertices(bottomRadius.value, textured ? 28 : 14);
     vertices.addCenter(-top);
-    if (!isTextured(state)) {
+    if (!textured) {
         vertices.addRing(-top);
         vertices.addCenter(top);
         writePolyhedron(vertices.span(), kConeBase, Normals::kFacet);
@@ -322,9 +326,10 @@ void QvCone::traverse(QvState& state) {
 void QvCylinder::traverse(QvState& state) {
     const ShapeContext context(state);
     const float top = half(height.value);
-    AxialVertices vertices(radius.value);
+    const bool textured = isTextured(state);
+    AxialVertices vertices(radius.value, textured ? 54 : 26);
     vertices.addCenter(-top);
-    if (!isTextured(state)) {
+    if (!textured) {
         vertices.addRing(-top);
         vertices.addRing(top);
         vertices.addCenter(top);

@@ -10,6 +10,8 @@
 
 namespace meshcast {
 
+const NameEntry kEmptyName = {"", 0, 0, nullptr};
+
 namespace {
 
 /// The interning table: every name of the process, once.
@@ -22,6 +24,9 @@ public:
     }
 
     const NameEntry* intern(std::string_view text) {
+        if (text.empty()) {
+            return &kEmptyName;
+        }
         std::uint32_t hash = hashOf(text);
         for (const NameEntry* entry = bucketOf(hash); entry != nullptr; entry = entry->next) {
             if (entry->hash == hash && std::string_view(entry->text, entry->length) == text) {
@@ -38,13 +43,11 @@ public:
         return head;
     }
 
-    const NameEntry* emptyName() const { return emptyName_; }
-
 private:
     static constexpr std::size_t kFirstBuckets = 1999;
     static constexpr std::size_t kPoolSize = 4000;
 
-    NameTable() : buckets_(kFirstBuckets, nullptr), emptyName_(intern({})) {}
+    NameTable() : buckets_(kFirstBuckets, nullptr) {}
 
     const NameEntry*& bucketOf(std::uint32_t hash) {
         return buckets_[hash % static_cast<std::uint32_t>(buckets_.size())];
@@ -102,7 +105,6 @@ private:
     std::deque<NameEntry> entries_;
     char* pool_ = nullptr;
     std::size_t poolUsed_ = kPoolSize;
-    const NameEntry* emptyName_;
 };
 
 bool isLegalInside(char c) {
@@ -111,8 +113,6 @@ bool isLegalInside(char c) {
 }
 
 } // namespace
-
-InternedName::InternedName() : entry_(NameTable::global().emptyName()) {}
 
 InternedName::InternedName(std::string_view text) : entry_(NameTable::global().intern(text)) {}
 

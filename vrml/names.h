@@ -29,12 +29,15 @@ struct NameEntry {
     const NameEntry* next; ///< The next entry of the bucket.
 };
 
+/// The empty name, which every name variable starts with.
+extern const NameEntry kEmptyName;
+
 /// A handle to the one shared copy of a name's text, which lives until the process ends. Equal
 /// texts have equal handles, so comparing names compares pointers.
 class InternedName {
 public:
     /// The empty name.
-    InternedName();
+    InternedName() : entry_(&kEmptyName) {}
     /// The handle of a text; the first use of a text copies it.
     explicit InternedName(std::string_view text);
 
