@@ -56,7 +56,8 @@ QvField* FieldTable::findField(QvNode& node, InternedName name) const {
     if (position == nullptr) {
         return nullptr;
     }
-    return reinterpret_cast<QvField*>(reinterpret_cast<std::uintptr_t>(&node) + *position);
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(&node) + *position;
+    return reinterpret_cast<QvField*>(address); // NOLINT(performance-no-int-to-ptr): see addField
 }
 
 EnumTable* FieldTable::findTable(InternedName typeName) const {

@@ -139,6 +139,9 @@ bool VrmlInput::skipLongWhiteSpace() {
         const char* p = next_;
         for (; isSpace(*p); ++p) {
             line_ += *p == '\n' ? 1 : 0;
+            while (p[1] == ' ') { // Indentation: what most white space is.
+                ++p;
+            }
         }
         next_ = p;
         if (p == end_) {
@@ -155,18 +158,6 @@ bool VrmlInput::skipLongWhiteSpace() {
             return true;
         }
     }
-}
-
-bool VrmlInput::readExpected(char expected) {
-    char c = 0;
-    if (!get(c)) {
-        return false;
-    }
-    if (c != expected) {
-        putBack(c);
-        return false;
-    }
-    return true;
 }
 
 bool VrmlInput::readName(InternedName& name) {
@@ -345,7 +336,7 @@ void VrmlInput::skipBody() {
     }
 }
 
-void VrmlInput::readError(const char* format, ...) {
+void VrmlInput::readError(const char* format, ...) const {
     std::va_list arguments;
     va_start(arguments, format);
     const std::string message = formatMessage(format, arguments);

@@ -66,7 +66,17 @@ public:
     }
 
     /// Reads one character and fails, with the character put back, when it is not `expected`.
-    bool readExpected(char expected);
+    bool readExpected(char expected) {
+        char c = 0;
+        if (!get(c)) {
+            return false;
+        }
+        if (c != expected) {
+            putBack(c);
+            return false;
+        }
+        return true;
+    }
 
     /// Reads an identifier: a letter or `_`, then letters, digits and `_`. When no such character
     /// follows, the read succeeds with the empty name.
@@ -91,7 +101,7 @@ public:
     void skipBody();
 
     /// Reports a read error with the current line, on standard error.
-    [[gnu::format(printf, 2, 3)]] void readError(const char* format, ...);
+    [[gnu::format(printf, 2, 3)]] void readError(const char* format, ...) const;
 
     /// False once the header check has failed.
     bool noErrorSoFar() const { return noErrorSoFar_; }

@@ -92,16 +92,23 @@ ScannedMagnitude scanMagnitude(const char* first) {
 
 ScannedInteger scanInteger(const char* first) {
     const bool negative = *first == '-';
-    const ScannedMagnitude scanned =
-        scanMagnitude(*first == '-' || *first == '+' ? first + 1 : first);
-    constexpr std::uint64_t kMaxPositive = std::numeric_limits<std::int64_t>::max();
-    std::uint64_t bits = scanned.magnitude;
-    if (negative) {
-        bits = 0 - std::min(bits, kMaxPositive + 1);
-    } else {
-        bits = std::min(bits, kMaxPositive);
+    const char* const digits = *first == '-' || *first == '+' ? first + 1 : first;
+    // Nearly every integer is a short decimal.
+    std::uint64_t magnitude = 0;
+    const char* end = digits;
+    for (; isDigit(*end); ++end) {
+        magnitude = magnitude * 10 + digitValue(*end);
     }
-    return {scanned.end, static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)), scanned.ok};
+    bool ok = true;
+    if (end == digits || *digits == '0' || end - digits >= kMaxSafeDigits) {
+        const ScannedMagnitude scanned = scanMagnitude(digits);
+        constexpr std::uint64_t kMaxPositive = std::numeric_limits<std::int64_t>::max();
+        magnitude = std::min(scanned.magnitude, negative ? kMaxPositive + 1 : kMaxPositive);
+        end = scanned.end;
+        ok = scanned.ok;
+    }
+    const std::uint64_t bits = negative ? 0 - magnitude : magnitude;
+    return {end, static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)), ok};
 }
 
 // Most numbers of a scene are short decimals. With a mantissa of at most 53 bits and a power of ten
