@@ -78,14 +78,16 @@ bool is_within(float component, double tolerance) {
     return -tolerance < component && component < tolerance;
 }
 
-// Normalises what has a length; zero vectors stay.
+// The vector of length 1, or the zero vector of a zero vector.
+Vec3 normalized(const Vec3& v) {
+    const double l = length(v);
+    return l == 0 ? v : divide(v, l);
+}
+
 void normalize_list(const GEOMvector_list& normals) {
     for (std::int64_t i = 0; i < normals.used; ++i) {
         float* at = normals.data + i * 3;
-        const Vec3 v = load(at);
-        const double l = length(v);
-        if (l != 0)
-            store(at, divide(v, l));
+        store(at, normalized(load(at)));
     }
 }
 
@@ -207,9 +209,11 @@ void facet_normals(GEOMobj& obj, double tolerance) {
     const std::int64_t* entry = solid.polygons.data;
     for (std::int64_t p = 0; p < solid.polygons.polygons; ++p) {
         const Polygon polygon{entry[0], entry + 1};
-        const Vec3 normal = is_sound(polygon, solid.vertices.used)
-                                ? facet_normal(polygon, solid.vertices, tolerance)
-                                : Vec3{0, 0, 0};
+        const Vec3 facet = is_sound(polygon, solid.vertices.used)
+                               ? facet_normal(polygon, solid.vertices, tolerance)
+                               : Vec3{0, 0, 0};
+        // What normalize_object() would do to each of the corners, which all have this normal.
+        const Vec3 normal = normalized(facet);
         for (std::int64_t j = 0; j < polygon.count; ++j, out += 3)
             store(out, normal);
         entry += polygon.count + 1;
@@ -224,7 +228,7 @@ void facet_normals(GEOMobj& obj, double tolerance) {
     replace(solid.vertex_data, data);
     replace(solid.vertex_trans, trans);
     number_corners(solid.polygons);
-    attach_normals(obj, normals, corners);
+    GEOMadd_normals(&obj, normals, corners, GEOM_TAKE);
 }
 
 // ---- Meshes

@@ -46,6 +46,18 @@ std::int64_t flush(GEOMstream& stream) {
     return write_piece(stream.fd, stream.write_buffer.data(), fill);
 }
 
+// Counts n bytes that were put behind the fill position, for which there was room; a piece that
+// they complete is written. Returns n, or a result below 1.
+std::int64_t advance(GEOMstream& stream, std::size_t n) {
+    stream.write_fill += n;
+    if (stream.write_fill == GEOM_PIECE_BYTES) {
+        const std::int64_t result = flush(stream);
+        if (result < 1)
+            return result;
+    }
+    return static_cast<std::int64_t>(n);
+}
+
 // Reads the next piece into the read buffer; false at the end of the input or on an error.
 bool refill(GEOMstream& stream) {
     stream.read_position = 0;
@@ -177,6 +189,8 @@ template <class T>
 void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
                void (*put_one)(GEOMstream*, T)) {
     std::array<unsigned char, GEOM_PIECE_BYTES> chunk;
+    // The stream's own sink takes the bytes from where they belong.
+    const bool in_place = stream->sink == GEOMstream_write;
     for (auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0)); left > 0;) {
         const std::size_t fits = (GEOM_PIECE_BYTES - stream->write_fill) / sizeof(T);
         if (fits == 0) {
@@ -185,11 +199,16 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
             continue;
         }
         const std::size_t count = std::min(fits, left);
+        unsigned char* const out =
+            in_place ? stream->write_buffer.data() + stream->write_fill : chunk.data();
         if (raw)
-            encode<std::endian::little>(chunk.data(), values, count);
+            encode<std::endian::little>(out, values, count);
         else
-            encode<std::endian::big>(chunk.data(), values, count);
-        stream->sink(stream, chunk.data(), static_cast<std::int64_t>(count * sizeof(T)));
+            encode<std::endian::big>(out, values, count);
+        if (in_place)
+            advance(*stream, count * sizeof(T));
+        else
+            stream->sink(stream, out, static_cast<std::int64_t>(count * sizeof(T)));
         values += count;
         left -= count;
     }
@@ -227,19 +246,21 @@ void geom::close_stream(GEOMstream* stream) {
 }
 
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n) {
+    // Most calls bring one word, for which there is room wherever words lie one after another.
+    if (n == kXdrUnit && stream->write_fill % kXdrUnit == 0) {
+        std::memcpy(stream->write_buffer.data() + stream->write_fill, bytes, kXdrUnit);
+        return advance(*stream, kXdrUnit);
+    }
     const auto* source = static_cast<const unsigned char*>(bytes);
     auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0));
     while (left > 0) {
         const std::size_t piece = std::min(left, GEOM_PIECE_BYTES - stream->write_fill);
         std::memcpy(stream->write_buffer.data() + stream->write_fill, source, piece);
-        stream->write_fill += piece;
         source += piece;
         left -= piece;
-        if (stream->write_fill == GEOM_PIECE_BYTES) {
-            const std::int64_t result = flush(*stream);
-            if (result < 1)
-                return result;
-        }
+        const std::int64_t result = advance(*stream, piece);
+        if (result < 1)
+            return result;
     }
     return n;
 }
