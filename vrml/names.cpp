@@ -33,8 +33,8 @@ public:
                 return entry;
             }
         }
-        if (entries_.size() >= 2 * buckets_.size()) {
-            rehash(2 * buckets_.size() + 1);
+        if (entries_.size() >= buckets_.size()) {
+            rehash(4 * buckets_.size() + 1);
             hash = hashOf(text);
         }
         const NameEntry*& head = bucketOf(hash);
