@@ -85,14 +85,6 @@ TEST(Filter, VerifiesOnRequestAtWriteAndDestroy) {
     EXPECT_EQ(outputOf(bad + "KRA_GEOM_VERIFY= " MESHCAST " 2>&1 >/dev/null"), finding + finding);
 }
 
-TEST(Filter, TracesOnRequest) {
-    const std::string trace = outputOf(kCube + "KRA_GEOM_DEBUG=1 " MESHCAST);
-    EXPECT_NE(trace.find("\nWriting geometry to a file ...\nGEOMwrite_obj (obj=0x"),
-              std::string::npos);
-    EXPECT_NE(trace.find("\n      head.type = 2\n"), std::string::npos);
-    EXPECT_TRUE(trace.ends_with("return from GEOMwrite_obj\n\n"));
-}
-
 TEST(Filter, WriteErrorsAndArgumentsChangeNothing) {
     EXPECT_EQ(outputOf(kCube + MESHCAST " >/dev/full 2>&1"), "");
     EXPECT_EQ(outputOf(kCube + MESHCAST " 2>&1 >&-"), "");

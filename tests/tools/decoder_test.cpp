@@ -1,39 +1,70 @@
-#include "tests/tools/records.h"
+#include "tests/support/records.h"
 #include "tools/geomtool/decoder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <span>
 
 namespace {
 
 using namespace geom_stream;
 
-Object object_of(const std::string& name) {
-    const records::Bytes record = records::named(name);
-    DecodeResult result = decode(record.bytes);
+// The one object of a stream, whose byte count must be right.
+Object object_of(const std::string& name, const std::vector<std::byte>& stream) {
+    const DecodeResult result = decode(stream);
     EXPECT_FALSE(result.error) << name << ": offset " << result.error->offset << ": "
                                << result.error->message;
     if (result.objects.size() != 1)
         return {};
-    EXPECT_EQ(result.objects.front().size, record.bytes.size()) << name;
-    return result.objects.front();
+    const Object& object = result.objects.front();
+    EXPECT_EQ(object.size, stream.size()) << name;
+    EXPECT_EQ(expected_byte_count(object), object.byte_count) << name;
+    return object;
 }
 
-TEST(Decoder, ReadsTheHeaderOfBothVersions) {
+Object object_of(const std::string& name) {
+    return object_of(name, records::named(name).bytes);
+}
+
+// The arrays must be those that the flags promise, as the records have them.
+void expect_arrays(const VertexArrays& arrays, std::uint32_t flags, std::size_t n,
+                   std::size_t primitives) {
+    const auto expect = [flags](const auto& values, std::uint32_t bit, std::size_t count,
+                                auto last) {
+        std::decay_t<decltype(values)> expected((flags & bit) == bit ? count : 0);
+        if (!expected.empty())
+            expected.back() = last;
+        EXPECT_EQ(values, expected) << "flag " << bit;
+    };
+    const bool shared = (flags & flag::uvws) != 0;
+    expect(arrays.vertices, 0, n, Vec3{0, 0, records::vertex});
+    expect(arrays.normals, flag::normals, n, Vec3{0, 0, records::normal});
+    expect(arrays.colours, flag::colours, n, Vec3{0, 0, records::colour});
+    expect(arrays.uvs, flag::uvs, n, Vec2{0, shared ? 0 : records::uv});
+    expect(arrays.uvws, flag::uvws, n, Vec3{0, 0, records::uvw});
+    expect(arrays.vertex_data, flag::vertex_data, n, records::vertex_data);
+    expect(arrays.primitive_data, flag::primitive_data, primitives, records::primitive_data);
+    expect(arrays.vertex_trans, flag::vertex_trans, n, records::vertex_trans);
+}
+
+using Polygons = std::vector<std::vector<std::int64_t>>;
+
+TEST(Decoder, ReadsPolyhedraAndHeaders) {
     const Object big = object_of("polyhedron 10");
     EXPECT_EQ(big.version, 10);
-    EXPECT_EQ(big.kind(), Kind::polyhedron);
     EXPECT_EQ(big.extent, (std::array<float, 6>{-1, 0, 0, 1, 0, 0}));
     EXPECT_TRUE(big.has_extent);
     EXPECT_EQ(big.name, "Ab");
-    EXPECT_EQ(big.second_text, "");
     ASSERT_EQ(big.properties.size(), 1U);
     EXPECT_EQ(big.properties[0].kind, 6U);
     EXPECT_EQ(big.properties[0].value, 4U);
     EXPECT_EQ(big.properties[0].bytes, (std::vector{std::byte{1}, std::byte{2}, std::byte{3}}));
+    EXPECT_EQ(big.polyhedron().polygon_list, (std::vector<std::int64_t>{1, 1, 0, 0, 0}));
+    EXPECT_EQ(big.polyhedron().polygons(), (Polygons{{1}}));
+    expect_arrays(big.polyhedron(), 0xCE, 1, 2);
 
     const Object little = object_of("polyhedron 7");
     EXPECT_EQ(little.version, 7);
@@ -41,80 +72,38 @@ TEST(Decoder, ReadsTheHeaderOfBothVersions) {
     EXPECT_EQ(little.header_size, 16U);
     EXPECT_EQ(little.name, "N");
     EXPECT_EQ(little.properties.at(0).bytes, std::vector{std::byte{0xff}});
+    EXPECT_EQ(little.polyhedron().polygons(), (Polygons{{2, -1}}));
+    const Vec3 odd = little.polyhedron().vertices.at(1);
+    EXPECT_TRUE(std::isnan(odd[0]) && std::isinf(odd[1]) && std::signbit(odd[2]));
 }
 
-TEST(Decoder, ReadsMeshes) {
-    const Object big = object_of("mesh 10");
-    EXPECT_EQ(big.mesh().u, 2);
-    EXPECT_EQ(big.mesh().vertices, (std::vector<Vec3>{{1, 2, 0.5F}, {}, {}, {}}));
-    EXPECT_EQ(big.mesh().uvs, (std::vector<Vec2>{{}, {}, {}, {0, 0.5F}}));
-    EXPECT_EQ(big.mesh().primitive_data, std::vector{-2});
-    const Object little = object_of("mesh 7");
-    EXPECT_EQ(little.mesh().vertices, (std::vector<Vec3>{{}, {}, {0, 0, 1}}));
-    EXPECT_EQ(little.mesh().normals, (std::vector<Vec3>{{1, 0, 0}, {}, {}}));
-    EXPECT_EQ(little.mesh().uvws, (std::vector<Vec3>{{}, {}, {0, 0, 2}}));
-    EXPECT_EQ(little.mesh().vertex_data, (std::vector{-2, 0, 0}));
-    EXPECT_EQ(little.mesh().vertex_trans, (std::vector{0.0F, 0.0F, 0.5F}));
-}
-
-TEST(Decoder, ReadsPolyhedra) {
-    const Object early = object_of("polyhedron 10");
-    EXPECT_EQ(early.polyhedron().polygon_list, (std::vector<std::int64_t>{1, 1, 0, 0, 0}));
-    EXPECT_EQ(early.polyhedron().polygons(), (std::vector<std::vector<std::int64_t>>{{1}}));
-    EXPECT_EQ(early.polyhedron().colours, (std::vector<Vec3>{{0, 0, 0.5F}}));
-    EXPECT_EQ(early.polyhedron().uvs, (std::vector<Vec2>{{0, 0.5F}}));
-    EXPECT_EQ(early.polyhedron().uvws, (std::vector<Vec3>{{0, 0, 2}}));
-    EXPECT_EQ(early.polyhedron().vertex_data, std::vector{7});
-    EXPECT_EQ(early.polyhedron().primitive_data, (std::vector{8, 9}));
-    const Object odd = object_of("polyhedron 7");
-    EXPECT_EQ(odd.polyhedron().polygons(), (std::vector<std::vector<std::int64_t>>{{2, -1}}));
-    EXPECT_TRUE(std::isnan(odd.polyhedron().vertices.at(1)[0]));
-    EXPECT_TRUE(std::isinf(odd.polyhedron().vertices.at(1)[1]));
-    EXPECT_TRUE(std::signbit(odd.polyhedron().vertices.at(1)[2]));
-}
-
-TEST(Decoder, ReadsPolytriangles) {
-    const Object big = object_of("polytriangle 10");
-    const VertexArrays& strip = big.polytriangle().strips.at(0);
-    EXPECT_EQ(strip.normals, (std::vector<Vec3>{{}, {}, {0, 0, 1}}));
-    EXPECT_EQ(strip.colours, (std::vector<Vec3>{{}, {}, {0, 0, 0.5F}}));
-    EXPECT_EQ(strip.vertex_data, (std::vector{0, 0, 5}));
-    EXPECT_EQ(strip.primitive_data, std::vector{6});
-    EXPECT_EQ(strip.vertex_trans, (std::vector{0.0F, 0.0F, 2.0F}));
-    const VertexArrays& polyline = big.polytriangle().polylines.at(0);
-    EXPECT_EQ(polyline.colours, (std::vector<Vec3>{{}, {0, 0, 0.5F}}));
-    EXPECT_TRUE(polyline.normals.empty());
-    EXPECT_EQ(polyline.primitive_data, std::vector{8});
-    EXPECT_EQ(big.polytriangle().segments.vertices, (std::vector<Vec3>{{}, {0, 0, 2}}));
-    EXPECT_EQ(big.polytriangle().segments.primitive_data, std::vector{10});
-    const Object little = object_of("polytriangle 7");
-    EXPECT_TRUE(little.polytriangle().polylines.at(0).vertices.empty());
-    EXPECT_EQ(little.polytriangle().polylines.at(1).vertices, (std::vector<Vec3>{{0, 0, 2}}));
-}
-
-TEST(Decoder, ReadsSpheresAndLabels) {
-    EXPECT_EQ(object_of("sphere 10").sphere().vertices, (std::vector<Vec3>{{0, 0, 1}}));
+TEST(Decoder, ReadsTheOtherKinds) {
+    const Object mesh_10 = object_of("mesh 10");
+    EXPECT_EQ(mesh_10.mesh().u, 2);
+    expect_arrays(mesh_10.mesh(), 0x44, 4, 1);
+    const Object mesh_7 = object_of("mesh 7");
+    EXPECT_EQ(mesh_7.mesh().u, 3);
+    expect_arrays(mesh_7.mesh(), 0x189, 3, 0);
+    const Polytriangle big = object_of("polytriangle 10").polytriangle();
+    expect_arrays(big.strips.at(0), 0x1C3, 3, 1);
+    expect_arrays(big.polylines.at(0), 0xC2, 2, 1);
+    expect_arrays(big.segments, 0xC2, 2, 1);
+    const Polytriangle little = object_of("polytriangle 7").polytriangle();
+    EXPECT_TRUE(little.polylines.at(0).vertices.empty());
+    expect_arrays(little.polylines.at(1), 0, 1, 0);
     EXPECT_TRUE(object_of("sphere 10").sphere().radii.empty());
-    const Sphere sphere = object_of("sphere 7").sphere();
-    EXPECT_EQ(sphere.radii, std::vector{0.01F});
-    EXPECT_EQ(sphere.normals, (std::vector<Vec3>{{0, 0, 1}}));
-    EXPECT_EQ(sphere.colours, (std::vector<Vec3>{{1, 0, 0}}));
-    EXPECT_EQ(sphere.vertex_data, std::vector{11});
-    EXPECT_EQ(sphere.vertex_trans, std::vector{0.5F});
+    expect_arrays(object_of("sphere 10").sphere(), 0, 1, 0);
+    EXPECT_EQ(object_of("sphere 7").sphere().radii, std::vector{0.01F});
+    expect_arrays(object_of("sphere 7").sphere(), 0x183, 1, 0);
     const Label label = object_of("label 10").label();
     EXPECT_EQ(label.label_flags, 0x408eU);
     EXPECT_EQ(label.texts, std::vector<std::string>{"ab"});
+    EXPECT_EQ(label.positions, (std::vector<Vec3>{{0, 0, 1}}));
     EXPECT_EQ(label.offsets, (std::vector<Vec3>{{0, 0, 2}}));
     EXPECT_EQ(label.heights, std::vector{0.5F});
+    EXPECT_EQ(label.colours, (std::vector<Vec3>{{0, 0, 0.5F}}));
     EXPECT_EQ(label.data, std::vector{12});
     EXPECT_EQ(object_of("label 7").label().texts, (std::vector<std::string>{"", "\xff"}));
-}
-
-TEST(Decoder, KnowsTheByteCountOfEveryKind) {
-    for (const auto& [name, hex] : records::by_name) {
-        const Object object = object_of(name);
-        EXPECT_EQ(expected_byte_count(object), object.byte_count) << name;
-    }
 }
 
 TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
@@ -138,16 +127,15 @@ TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
     }
 }
 
-struct Corruption {
-    std::string record;
-    std::size_t place;
-    std::string hex;
-    std::size_t offset; // of the error
-    std::string message;
-};
-
 TEST(Decoder, ReportsWhatContradictsTheFormat) {
-    const std::vector<Corruption> corruptions{
+    struct Corruption {
+        std::string record;
+        std::size_t place;
+        std::string hex;
+        std::size_t offset; // of the error
+        std::string message;
+    };
+    const Corruption corruptions[] = {
         {"sphere 10", 0, "00", 0, "expected magic \"GM64\" or \"46MG\""},
         {"polyhedron 10", 4, "00000010", 4, "expected hdrsize 15, found 16"},
         {"polyhedron 7", 4, "11", 4, "expected hdrsize 16, found 17"},
@@ -161,7 +149,6 @@ TEST(Decoder, ReportsWhatContradictsTheFormat) {
         {"polyhedron 10", 72, "00989680", 72, "expected name of at most 9999999 bytes"},
         {"polyhedron 10", 84, "ff", 84, "expected polygon count of at least 0, found -"},
         {"polyhedron 10", 84, "7fffffffffffffff", 108, "polygon list words"},
-        {"polyhedron 10", 92, "7fffffffffffffff", 108, "polygon list words"},
         {"polyhedron 10", 100, "7fffffffffffffff", 148, "vertices of 12 bytes each, 56 bytes left"},
         {"polyhedron 10", 115, "04", 108, "expected a corner count that fits"},
         {"polyhedron 10", 115, "03", 140, "expected 2 polygons with 2 indices"},
@@ -172,13 +159,11 @@ TEST(Decoder, ReportsWhatContradictsTheFormat) {
         {"polytriangle 10", 80, "0000000000000002", 80, "expected segments marker 0 or 1"},
         {"polytriangle 7", 66, "ffffffffffffff7f", 110, "expected polyline vertex count"},
         {"label 10", 76, "00000000", 76, "expected label length of at least 1, found 0"},
-        {"label 10", 80, "00", 80, "whose only NUL is its last byte"},
         {"label 10", 82, "63", 80, "whose only NUL is its last byte"},
     };
     for (const Corruption& corruption : corruptions) {
         std::vector<std::byte> bytes = records::named(corruption.record).bytes;
-        std::ranges::copy(records::from_hex(corruption.hex).bytes,
-                          bytes.begin() + static_cast<std::ptrdiff_t>(corruption.place));
+        std::ranges::copy(records::from_hex(corruption.hex).bytes, &bytes[corruption.place]);
         const DecodeResult result = decode(bytes);
         ASSERT_TRUE(result.error) << corruption.record << " " << corruption.message;
         EXPECT_EQ(result.error->offset, corruption.offset) << result.error->message;
@@ -197,6 +182,35 @@ TEST(Decoder, SurvivesEveryByteChanged) {
             EXPECT_LE(result.error ? result.error->offset : 0, bytes.size());
         }
     }
+}
+
+// The rows "offset | bytes | meaning" of the format's worked example, offsets checked on the way.
+std::vector<std::byte> worked_example() {
+    std::ifstream document(STREAM_FORMAT_DOCUMENT);
+    std::string line;
+    while (std::getline(document, line) && line != "## Worked example") {
+    }
+    std::vector<std::byte> example;
+    while (std::getline(document, line)) {
+        const std::size_t bar = line.find('|');
+        if (bar == std::string::npos || line.starts_with("offset"))
+            continue;
+        EXPECT_EQ(std::stoul(line), example.size()) << line;
+        const auto row = records::from_hex(line.substr(bar + 1, line.find('|', bar + 1) - bar - 1));
+        example.insert(example.end(), row.bytes.begin(), row.bytes.end());
+    }
+    return example;
+}
+
+TEST(StreamFormat, WorkedExampleIsWhatItSays) {
+    const Object object = object_of("worked example", worked_example());
+    EXPECT_EQ(object.size, 200U);
+    EXPECT_EQ(object.version, 10);
+    EXPECT_EQ(object.byte_count, 92);
+    EXPECT_EQ(object.flags, flag::normals);
+    EXPECT_EQ(object.polyhedron().polygons(), (Polygons{{1, 2, 3}}));
+    EXPECT_EQ(object.polyhedron().vertices, (std::vector<Vec3>{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}));
+    EXPECT_EQ(object.polyhedron().normals, std::vector<Vec3>(3, {0, 0, 1}));
 }
 
 } // namespace

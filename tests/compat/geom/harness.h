@@ -1,17 +1,19 @@
 #pragma once
 
 #include "compat/geom/geom.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/capture.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
+
+using Floats = std::vector<float>;
+using Ints = std::vector<std::int32_t>;
 
 // Destroys the object at the end of the test.
 struct DestroyObject {
@@ -19,13 +21,14 @@ struct DestroyObject {
 };
 using Object = std::unique_ptr<GEOMobj, DestroyObject>;
 
-Object make(std::uint32_t type);
+inline Object make(std::uint32_t type) {
+    return Object(GEOMcreate_obj(type, nullptr));
+}
 
-// A std::malloc block, to be handed over.
-void* raw_block(std::size_t bytes);
+// A std::malloc block, to be handed over; never of size 0, which might be null.
 template <class T>
 T* block(const std::vector<T>& values) {
-    T* copy = static_cast<T*>(raw_block(values.size() * sizeof(T)));
+    T* copy = static_cast<T*>(std::malloc(values.size() * sizeof(T) + 1));
     std::copy(values.begin(), values.end(), copy);
     return copy;
 }
@@ -35,46 +38,15 @@ std::vector<T> values_of(const GEOMlist<T, N>& list) {
     return {list.data, list.data + list.used * N};
 }
 
-std::string captured_stderr(const std::function<void()>& code);
-
-// The n-th allocation of the library from now on fails, and no other; 0 for none.
-void fail_allocation(int n);
+// The number of the allocation that fails, counted from now on; 0 for none.
+extern int allocation_to_fail;
 
 // What the next calls of write() do, in order; later ones do what they should.
 struct WriteFault {
     long result; // below 0: fails with `error`; 0: returns 0; else: writes that many at most
     int error = 0;
 };
-void script_writes(std::deque<WriteFault> faults);
+extern std::deque<WriteFault> write_faults;
 
 // The bytes that reach a descriptor which `code` writes to.
 std::string written(const std::function<void(int fd)>& code);
-
-// Sets an environment variable for one scope, with the cached answers forgotten.
-class Environment {
-public:
-    explicit Environment(const char* variable);
-    ~Environment();
-
-private:
-    const char* m_variable;
-};
-
-// Builds the bytes that a record should have, in either version.
-class Bytes {
-public:
-    explicit Bytes(bool raw) : m_raw(raw) {}
-    Bytes& ints(const std::vector<std::int64_t>& values);
-    Bytes& counts(const std::vector<std::int64_t>& values);
-    Bytes& floats(const std::vector<float>& values);
-    Bytes& run(const std::string& bytes);
-    Bytes& append(const std::string& bytes);
-    // The header of an object without extent, properties and strings.
-    Bytes& header(std::uint32_t data, std::uint32_t type, std::int64_t bytecount);
-    const std::string& str() const { return m_bytes; }
-
-private:
-    void word(std::uint64_t value, int bytes);
-    bool m_raw;
-    std::string m_bytes;
-};

@@ -1,191 +1,154 @@
+#include "compat/geom/environment.h"
+#include "compat/geom/parts.h"
 #include "compat/geom/writer.h"
 #include "tests/compat/geom/harness.h"
+#include "tests/support/records.h"
 
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <limits>
 
 namespace {
-
-using Floats = std::vector<float>;
 
 std::string record(const Object& obj, int flags = 0) {
     return written([&](int fd) { GEOMwrite_obj(obj.get(), fd, flags); });
 }
 
-// The object's record must be these bytes in both versions.
-void expect_record(const Object& obj, const std::function<void(Bytes&)>& expected) {
-    Bytes xdr(false);
-    expected(xdr);
-    EXPECT_EQ(record(obj), xdr.str());
-    Bytes raw(true);
-    expected(raw);
-    const Environment old("KRA_GEOM_WRITE_V2");
-    EXPECT_EQ(record(obj), raw.str());
+void expect_record(const std::string& name, const Object& obj) {
+    if (name.ends_with('7'))
+        setenv("KRA_GEOM_WRITE_V2", "", 1);
+    EXPECT_EQ(record(obj), records::named(name).str()) << name;
+    unsetenv("KRA_GEOM_WRITE_V2");
 }
 
-const Floats kFloats = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-const Floats kFirst6 = {1, 2, 3, 4, 5, 6};
-constexpr GEOMpacked_color kColors[] = {{0, 255, 0, 0}, {0, 0, 255, 0}};
-const Floats kColorFloats = {1, 0, 0, 0, 1, 0};
-constexpr std::int32_t kInts[] = {-5, 6, 7};
+// Gives n vertices every array that the object's flags promise, as the records have them.
+void fill(Object& obj, const geom::Part& part, std::size_t n, std::size_t primitives) {
+    const auto give = [&]<class T, int N>(std::uint32_t bit, GEOMlist<T, N>* list, T last,
+                                          std::size_t count) {
+        if (list == nullptr || (obj->flags & bit) != bit)
+            return;
+        std::vector<T> values(count * N);
+        values.back() = last;
+        geom::clear(*list);
+        *list = {std::ssize(values) / N, std::ssize(values) / N, block(values)};
+    };
+    give(0, part.vertices, records::vertex, n);
+    give(GEOM_HAS_NORMALS, part.normals, records::normal, n);
+    give(GEOM_HAS_COLORS, part.colors, records::colour, n);
+    give(GEOM_HAS_UVS, part.uvs, records::uv, 2 * n);
+    give(GEOM_HAS_UVWS, part.uvs, records::uvw, 3 * n);
+    give(GEOM_HAS_VERTEX_DATA, part.vertex_data, records::vertex_data, n);
+    give(GEOM_HAS_PRIMITIVE_DATA, part.primitive_data, records::primitive_data, primitives);
+    give(GEOM_HAS_VERTEX_TRANS, part.vertex_trans, records::vertex_trans, n);
+}
 
-// Two vertices with normals, colours, data and trans.
-void add_every_sort(GEOMobj* obj) {
-    GEOMadd_vertices_with_data(obj, kFloats.data(), kFloats.data() + 6, kColors, 2, 0);
-    GEOMadd_vertex_data(obj, kInts, 2, 0);
-    GEOMadd_vertex_trans(obj, kFloats.data(), 2, 0);
+Object filled(std::uint32_t type, std::uint32_t flags, std::size_t n, std::size_t primitives) {
+    Object obj = make(type);
+    obj->flags = flags;
+    fill(obj, geom::part_of(*obj), n, primitives);
+    return obj;
+}
+
+// One property {6, value} with bytes, and a name.
+void give_header(Object& obj, unsigned char value, const std::vector<unsigned char>& bytes,
+                 const char* name) {
+    std::vector<unsigned char> vals = {6, 0, 0, 0, 0, 0, 0, 0, value, 0, 0, 0};
+    vals[4] = static_cast<unsigned char>(bytes.size());
+    vals.insert(vals.end(), bytes.begin(), bytes.end());
+    obj->vals = block(vals);
+    obj->nvals = 1;
+    obj->name = block(std::vector<char>(name, name + std::strlen(name) + 1));
 }
 
 } // namespace
 
-TEST(Record, OfAMesh) {
-    const Object obj(GEOMcreate_mesh(nullptr, kFloats.data(), 2, 2, 0));
-    expect_record(obj, [](Bytes& b) { b.header(0, 1, 48).counts({2, 2}).floats(kFloats); });
-    obj->mesh.primitive_data = {1, 1, block<std::int32_t>({9})};
-    GEOMadd_uvs(obj.get(), kFloats.data(), 4, 0);
-    obj->flags = GEOM_HAS_UVS | GEOM_HAS_UVWS | GEOM_HAS_PRIMITIVE_DATA;
-    expect_record(obj, [](Bytes& b) { // both widths from one list; what it lacks is zero
-        b.header(0x4C, 1, 4 * 4 * 8 + 4).counts({2, 2}).floats(kFloats);
-        b.floats({1, 2, 3, 4, 5, 6, 7, 8}).floats({1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0}).ints({9});
-    });
+TEST(Record, IsTheOneWrittenByHand) {
+    Object obj = filled(GEOM_MESH, 0x44, 4, 1);
+    obj->mesh.u = obj->mesh.v = 2;
+    expect_record("mesh 10", obj);
+    obj = filled(GEOM_MESH, 0x189, 3, 0);
+    obj->mesh.u = 3, obj->mesh.v = 1;
+    expect_record("mesh 7", obj);
+
+    obj = filled(GEOM_POLYHEDRON, 0xCE, 1, 2);
+    obj->polyhedron.polygons = {5, 2, 2, block(std::vector<std::int64_t>{1, 1, 0, 0, 0})};
+    obj->extent[0] = -1, obj->extent[3] = 1, obj->has_extent = 1;
+    give_header(obj, 4, {1, 2, 3}, "Ab");
+    expect_record("polyhedron 10", obj);
+    obj = make(GEOM_POLYHEDRON);
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    GEOMadd_vertices(obj.get(), Floats{0, 0, 0, nan, infinity, -0.0F}.data(), 2, 0);
+    GEOMadd_polygons(obj.get(), Ints{2, 2, -1, 0}.data(), 0, 0);
+    give_header(obj, 2, {255}, "N");
+    expect_record("polyhedron 7", obj);
+
+    obj = make(GEOM_POLYTRIANGLE);
+    obj->flags = 0x1C0;
+    GEOMpolytriangle& all = obj->polytriangle;
+    GEOMadd_vertices(obj.get(), Floats(9).data(), 3, 0);
+    GEOMadd_polyline(obj.get(), Floats(6).data(), Floats(6).data(), 2, 0);
+    all.strip_normals = block(std::vector<GEOMvector_list>(1));
+    all.strip_colors = block(std::vector<GEOMvector_list>(1));
+    obj->flags = 0x1C3;
+    fill(obj, geom::strip_of(all, 0), 3, 1);
+    fill(obj, geom::polyline_of(all, 0), 2, 1);
+    fill(obj, geom::segments_of(all), 2, 1);
+    expect_record("polytriangle 10", obj);
+    obj = make(GEOM_POLYTRIANGLE);
+    obj->polytriangle.lines = 1;
+    obj->polytriangle.line_vertices = block(std::vector<GEOMvector_list>(1));
+    GEOMadd_polyline(obj.get(), Floats{0, 0, records::vertex}.data(), nullptr, 1, 0);
+    expect_record("polytriangle 7", obj);
+
+    expect_record("sphere 10", filled(GEOM_SPHERE, 0, 1, 0));
+    obj = filled(GEOM_SPHERE, 0x183, 1, 0);
+    GEOMadd_radii(obj.get(), Floats{0.01F}.data(), 1, 0);
+    expect_record("sphere 7", obj);
+
+    obj.reset(GEOMcreate_label(nullptr, 0x408E));
+    const float vectors[] = {0, 0, records::vertex, 0, 0, 2, 0, 0, records::colour};
+    GEOMadd_label(obj.get(), "ab", vectors, vectors + 3, 0.5F, vectors + 6, 12);
+    expect_record("label 10", obj);
+    obj.reset(GEOMcreate_label(nullptr, 0x9081));
+    for (const char* text : {"", "\xff"})
+        GEOMadd_label(obj.get(), text, Floats(3).data(), nullptr, 0, nullptr, -1);
+    expect_record("label 7", obj);
 }
 
-TEST(Record, OfAPolyhedron) {
-    const Object obj = make(GEOM_POLYHEDRON);
-    expect_record(obj, [](Bytes& b) { b.header(0, 2, 4).counts({0, 0, 0, 0}); });
-    add_every_sort(obj.get());
-    const std::int32_t list[] = {2, 1, 2, 1, 2, 0};
-    GEOMadd_polygons(obj.get(), list, 0, 0);
-    obj->flags |= GEOM_HAS_PRIMITIVE_DATA;
-    expect_record(obj, [](Bytes& b) {
-        b.header(0x1C3, 2, 4 * (3 + 2 + 2 * 11) + 4 + 8).counts({2, 3, 2, 2, 1, 2, 1, 2, 0});
-        b.floats(kFirst6).floats({7, 8, 9, 10, 11, 12}).floats(kColorFloats).ints({-5, 6, 0, 0});
-        b.floats({1, 2});
-    });
-    // dropped bits leave the arrays where they are
-    EXPECT_EQ(record(obj, 7).substr(8, 4), std::string("\0\0\1\xC0", 4));
-    EXPECT_EQ(record(obj, 7).substr(12), record(obj).substr(12));
+TEST(Record, HasZerosForWhatTheObjectLacks) {
+    Object obj = filled(GEOM_POLYHEDRON, 0x4, 1, 0);
+    obj->flags = GEOM_HAS_NORMALS | GEOM_HAS_UVWS;
+    EXPECT_EQ(record(obj, 7), // which drops bits of the header, not the arrays
+              records::from_hex(records::header_10("z3 08", "z3 02", "0028") +
+                                "z23 01 z8, z8 3f800000, z12, z4 40000000 z4")
+                  .str());
+    obj = make(GEOM_MESH);
+    obj->mesh.v = 3; // no vertices, and so no cells
+    obj->flags = GEOM_HAS_PRIMITIVE_DATA;
+    EXPECT_EQ(record(obj),
+              records::from_hex(records::header_10("z3 40", "z3 01", "0000") + "z15 03").str());
 }
 
-TEST(Record, OfAPolytriangle) {
-    const Object obj = make(GEOM_POLYTRIANGLE);
-    GEOMadd_vertices(obj.get(), kFloats.data(), 1, 0);
-    expect_record(obj, [](Bytes& b) {
-        b.header(0, 3, 4 + 12).counts({1, 0, 0, 1}).floats({1, 2, 3});
-    });
-    GEOMadd_polyline(obj.get(), kFloats.data(), kFloats.data(), 2, 0);
-    obj->polytriangle.segment_vertices = {2, 2, block(kFirst6)};
-    obj->polytriangle.segment_colors = {2, 2, block(kFirst6)};
-    obj->flags |= GEOM_HAS_NORMALS | GEOM_HAS_PRIMITIVE_DATA;
-    expect_record(obj, [](Bytes& b) {
-        // strip 4 * 9 + (4 - 8); line 8 * 6 + 7; segments 8 * 6 + 4
-        b.header(0x43, 3, 8 + 32 + 55 + 52).counts({1, 1, 1});
-        b.counts({1}).floats({1, 2, 3}).floats(Floats(6));
-        b.counts({2}).floats(kFirst6).floats(kFirst6).ints({0});
-        b.counts({2}).floats(kFirst6).floats(kFirst6).ints({0});
-    });
-}
-
-TEST(Record, OfSpheres) {
-    const float extent[] = {-1, -2, -3, 1, 2, 3};
-    const Object plain(GEOMcreate_sphere(extent, kFloats.data(), nullptr, nullptr, nullptr, 1, 0));
-    expect_record(plain, [](Bytes& b) {
-        std::string header = Bytes(b).header(0x20, 4, 4).str();
-        Bytes middle = b;
-        header.replace(16, 28, middle.floats({-1, -2, -3, 1, 2, 3}).ints({1}).str());
-        b.append(header).counts({1}).floats({1, 2, 3});
-    });
+TEST(Record, NeedsAStreamAndTellsItItsVersion) {
     const Object obj = make(GEOM_SPHERE);
-    add_every_sort(obj.get());
-    GEOMadd_radii(obj.get(), kFloats.data(), 2, 0);
-    expect_record(obj, [](Bytes& b) {
-        b.header(0x183, 4, 20).counts({2}).floats(kFirst6).floats({1, 2});
-        b.floats({7, 8, 9, 10, 11, 12}).floats(kColorFloats).ints({-5, 6}).floats({1, 2});
-    });
-}
-
-TEST(Record, OfLabels) {
-    const Object obj(GEOMcreate_label(nullptr, 0x4081));
-    GEOMadd_label(obj.get(), "ab", kFloats.data(), kFloats.data(), 0.5F, nullptr, -1);
-    expect_record(obj, [](Bytes& b) {
-        b.header(0, 5, 11 + 3).counts({1}).ints({0x4081, 3}).run(std::string("ab\0", 3));
-        b.floats({1, 2, 3}).floats({1, 2, 3}).floats({0.5F});
-    });
-    GEOMadd_label(obj.get(), "", kFloats.data(), nullptr, 2, kFloats.data() + 3, 8);
-    expect_record(obj, [](Bytes& b) {
-        b.header(0x12, 5, 2 * 15 + 4).counts({2}).ints({0x4081, 3}).run(std::string("ab\0", 3));
-        b.ints({1}).run(std::string(1, '\0')).floats({1, 2, 3, 1, 2, 3});
-        b.floats({1, 2, 3, 0, 0, 0}).floats({0.5F, 2}).floats({4, 5, 6, 0, 0, 0}).ints({8, 0});
-    });
-}
-
-TEST(Record, CarriesPropertiesAndTexts) {
-    const Object obj = make(GEOM_POLYHEDRON);
-    const std::uint32_t words[] = {9, 3, 1};
-    obj->vals = block<unsigned char>(std::vector<unsigned char>(15, 'p'));
-    std::memcpy(obj->vals, words, sizeof words);
-    obj->nvals = 1;
-    GEOMadd_property(obj.get(), 6, 2);
-    obj->name = block<char>({'b', 'o', 'x', '\0'});
-    const auto properties = [](Bytes& b) {
-        b.ints({2}).ints({9, 3, 1}).run("ppp").ints({6, 0, 2});
-    };
-    Bytes xdr(false);
-    xdr.ints({0x474D3634, 27, 0, 2}).floats(Floats(6)).ints({0}).counts({4});
-    properties(xdr);
-    xdr.ints({3}).run("box").ints({0}).counts({0, 0, 0, 0});
-    EXPECT_EQ(record(obj), xdr.str());
-    Bytes raw(true);
-    raw.ints({0x474D3634, 27 + 4 + 1, 0, 2}).floats(Floats(6)).ints({0}).counts({4});
-    properties(raw);
-    raw.run(std::string("box\0\0", 5)).counts({0, 0, 0, 0});
-    const Environment old("KRA_GEOM_WRITE_V2");
-    EXPECT_EQ(record(obj), raw.str());
-}
-
-TEST(Record, OfAnUnknownKindIsRefused) {
-    EXPECT_EQ(captured_stderr([] { EXPECT_EQ(record(make(6)), ""); }),
-              "GEOM error: GEOMserialize_obj: unable to write out object type\n");
-}
-
-TEST(Record, SurvivesAStreamWithoutMemory) {
-    const Object obj = make(GEOM_POLYHEDRON);
-    add_every_sort(obj.get());
-    const std::string whole = record(obj);
-    for (const int allocation : {1, 2, 3}) // the stream, its write buffer, its read buffer
-        EXPECT_EQ(written([&](int fd) {
-                      fail_allocation(allocation);
-                      GEOMwrite_obj(obj.get(), fd, 0);
-                  }),
-                  allocation == 1 ? "" : whole);
-}
-
-TEST(Record, GoesThroughTheCallbackInTheVersionAskedFor) {
-    static std::string taken;
-    taken.clear();
-    const GEOMwrite_func take = [](GEOMstream*, const void* bytes, std::int64_t n) {
-        taken.append(static_cast<const char*>(bytes), static_cast<std::size_t>(n));
-        return n;
-    };
-    const Object obj = make(GEOM_SPHERE);
+    allocation_to_fail = 1;
+    EXPECT_EQ(record(obj), "");
     GEOMstream* stream = geom::create_stream(-1);
-    GEOMserialize_obj(take, obj.get(), stream, 0, 9);
+    GEOMserialize_obj(GEOMstream_write, obj.get(), stream, 0, 9);
     EXPECT_EQ(stream->version, 7);
-    GEOMserialize_obj(take, obj.get(), stream, 0, 11);
-    EXPECT_EQ(stream->version, 11);
     geom::close_stream(stream);
-    EXPECT_EQ(taken, Bytes(true).header(0x20, 4, 0).counts({0}).str() +
-                         Bytes(false).header(0x20, 4, 0).counts({0}).str());
 }
 
 TEST(Trace, ShowsEveryStepOnStandardOutput) {
     const Object obj = make(GEOM_POLYHEDRON);
-    add_every_sort(obj.get());
-    const Environment debug("KRA_GEOM_DEBUG");
-    testing::internal::CaptureStdout();
-    record(obj, 2);
-    const std::string trace = testing::internal::GetCapturedStdout();
+    obj->flags = 0x183;
+    setenv("KRA_GEOM_DEBUG", "", 1);
+    geom::forget_environment();
+    const std::string trace = capture([&] { record(obj, 2); }).out;
+    unsetenv("KRA_GEOM_DEBUG");
+    geom::forget_environment();
     EXPECT_THAT(trace, testing::MatchesRegex(R"(
 Writing geometry to a file ...
 GEOMwrite_obj \(obj=0x[0-9a-f]+, fd=[0-9]+, flags=2\)

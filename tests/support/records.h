@@ -1,15 +1,19 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
-/// Records written by hand, byte for byte, from docs/stream-format.md.
+/// Records written by hand, byte for byte, from docs/stream-format.md: what the library must write
+/// and the decoder must read.
 namespace records {
 
 /// Bytes and where the items of the format begin among them.
 struct Bytes {
+    std::string str() const { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
+
     std::vector<std::byte> bytes;
     std::vector<std::size_t> items;
 };
@@ -48,17 +52,29 @@ inline std::string header_7(const std::string& data, const std::string& type,
            "z6,z4,00,00,";
 }
 
-/// Kind and version to record. 3f800000 is 1, 40000000 is 2, 3f000000 is 0.5.
+/// The last value of every array; the values before it are zero. An array of pairs that shares its
+/// list with one of triples has zeros only.
+inline constexpr float vertex = 1;                 // 3f800000
+inline constexpr float normal = -1;                // bf800000
+inline constexpr float colour = 0.5F;              // 3f000000
+inline constexpr float uv = 2;                     // 40000000
+inline constexpr float uvw = 3;                    // 40400000
+inline constexpr std::int32_t vertex_data = 7;     // 00000007
+inline constexpr std::int32_t primitive_data = -8; // fffffff8
+inline constexpr float vertex_trans = 0.25F;       // 3e800000
+
+/// Kind and version to record.
 inline const std::map<std::string, std::string> by_name{
-    {"mesh 10", header_10("z3 44", "z3 01", "0054") +
-                    "z7 02,z7 02,3f800000 40000000 3f000000 z36,z28 3f000000,fffffffe,"},
+    {"mesh 10",
+     header_10("z3 44", "z3 01", "0054") + "z7 02,z7 02,z44 3f800000,z28 40000000,fffffff8,"},
     {"mesh 7", header_7("8901z2", "01z3", "8400") +
-                   "03z7,01z7,z32 0000803f,0000803f z32,z32 00000040,feffffff z8,z8 0000003f,"},
+                   "03z7,01z7,z32 0000803f,z32 000080bf,z32 00004040,z8 07z3,z8 0000803e,"},
     // A property of three bytes, a name, an extent; the list ends after one of its two polygons.
     {"polyhedron 10", "474d3634,z3 0f,z3 ce,z3 02,bf800000,z4,z4,3f800000,z4,z4,z3 01,z7 4c,z3 01,"
                       "z3 06,z3 03,z3 04,010203,00,z3 02,4162,z2,z4,"
-                      "z7 02,z7 02,z7 01,z7 01 z7 01 z24,3f800000 z8,z8 3f000000,z4 3f000000,"
-                      "z8 40000000,z3 07,z3 08 z3 09,"},
+                      "z7 02,z7 02,z7 01,z7 01 z7 01 z24,z8 3f800000,z8 3f000000,z8,z8 40400000,"
+                      "z3 07,z4 fffffff8,"},
+    // Vertex numbers that are none, and a vertex of nan, infinity and minus zero.
     {"polyhedron 7",
      "34364d47,10z3,z4,02z3,z4,z4,z4,z4,z4,z4,z4,28z7,01z3,"
      "06z3,01z3,02z3,ff,4e,00,00,"
@@ -66,15 +82,17 @@ inline const std::map<std::string, std::string> by_name{
     {"polytriangle 10",
      header_10("z2 01c3", "z3 03", "010b") +
          "z7 01,z7 01,z7 01,"
-         "z7 03,3f800000 z32,z32 3f800000,z32 3f000000,z8 z3 05,z3 06,z8 40000000,"
-         "z7 02,z20 3f800000,z20 3f000000,z7 07,z3 08,"
-         "z7 02,z20 40000000,3f000000 z20,z7 09,z3 0a,"},
-    {"polytriangle 7", header_7("z4", "03z3", "1400") + "z8,02z7,z8,z8,01z7,z8 00000040,"},
+         "z7 03,z32 3f800000,z32 bf800000,z32 3f000000,z8 z3 07,fffffff8,z8 3e800000,"
+         "z7 02,z20 3f800000,z20 3f000000,z7 07,fffffff8,"
+         "z7 02,z20 3f800000,z20 3f000000,z7 07,fffffff8,"},
+    {"polytriangle 7", header_7("z4", "03z3", "1400") + "z8,02z7,z8,z8,01z7,z8 0000803f,"},
     {"sphere 10", header_10("z3 20", "z3 04", "0004") + "z7 01,z8 3f800000,"},
+    // The radius is 0.01.
     {"sphere 7", header_7("8301z2", "04z3", "0a00") +
-                     "01z7,z12,0ad7233c,z8 0000803f,0000803f z8,0bz3,0000003f,"},
+                     "01z7,z8 0000803f,0ad7233c,z8 000080bf,z8 0000003f,07z3,0000803e,"},
     {"label 10", header_10("z3 12", "z3 05", "0012") +
-                     "z7 01,z2 408e,z3 03,616200,00,3f800000 z8,z8 40000000,3f000000,z12,z3 0c,"},
+                     "z7 01,z2 408e,z3 03,616200,00,z8 3f800000,z8 40000000,3f000000,z8 3f000000,"
+                     "z3 0c,"},
     {"label 7", header_7("z4", "05z3", "1900") + "02z7,8190z2,01z3,00,02z3,ff00,z24,z24,z8,"},
 };
 
