@@ -1,9 +1,11 @@
 #!/bin/sh
-# Sets up the machine and builds a preset of CMakePresets.json (release if none is named) into
-# build/PRESET, saying as little as a build can.
+# Sets up the machine and builds a preset of CMakePresets.json (release if none is named), all of it
+# or the targets named, into build/PRESET, saying as little as a build can.
+#   scripts/build.sh [PRESET [TARGET ...]]
 set -eu
 cd "$(dirname "$0")/.."
 preset="${1:-release}"
+[ $# -eq 0 ] || shift
 scripts/setup.sh
 cmake --preset "$preset" >/dev/null
-cmake --build --preset "$preset" --parallel "$(nproc)" -- --quiet >&2
+cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"} -- --quiet >&2
