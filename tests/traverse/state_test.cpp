@@ -83,20 +83,12 @@ TEST(State, EveryPropertyAddsAnElementOfItsKindAndType) {
 }
 
 TEST(State, ElementsPrintTheirType) {
-    constexpr int kTypes = 13;
-    std::string printed;
-    for (int type = 0; type < kTypes; ++type) {
-        printed +=
-            capture([type] { QvElement(nullptr, static_cast<QvElementType>(type)).print(); }).out;
-    }
-    std::string expected;
-    for (const char* const name :
-         {"Unknown", "OrthographicCamera", "PerspectiveCamera", "DirectionalLight", "PointLight",
-          "SpotLight", "NoOpTransform", "MatrixTransform", "Rotation", "Scale", "Transform",
-          "Translation", "FontStyle"}) {
-        expected.append("\t\tElement of type ").append(name).append("\n");
-    }
-    EXPECT_EQ(printed, expected);
+    const auto printed = [](QvElementType type) {
+        return capture([type] { QvElement(nullptr, type).print(); }).out;
+    };
+    EXPECT_EQ(printed(QvElementType::Unknown), "\t\tElement of type Unknown\n");
+    EXPECT_EQ(printed(QvElementType::NoOpTransform), "\t\tElement of type NoOpTransform\n");
+    EXPECT_EQ(printed(QvElementType::FontStyle), "\t\tElement of type FontStyle\n");
 }
 
 } // namespace

@@ -99,12 +99,15 @@ std::string valueText(const Field& field) {
     }
 }
 
+/// Appends a field's type and value if its type is this one.
 template <class Field>
-bool describe(const QvField& field, const char* type, const FieldTable& table, std::string& text) {
+bool describe(const QvField& field, const FieldTable& table, std::string& text) {
     if (typeid(field) != typeid(Field)) {
         return false;
     }
-    text += type;
+    const std::string_view typeName = typeid(Field).name(); // Ends in "QvSFFloatE" or alike.
+    const std::size_t start = typeName.find("Qv") + 2;
+    text += typeName.substr(start, typeName.size() - start - 1);
     if constexpr (std::is_base_of_v<QvSFEnum, Field>) {
         const EnumTable* const words = dynamic_cast<const Field&>(field).words();
         EXPECT_EQ(words, table.findEnumeration(words->typeName));
@@ -113,6 +116,11 @@ bool describe(const QvField& field, const char* type, const FieldTable& table, s
     text += " " + valueText(dynamic_cast<const Field&>(field));
     EXPECT_TRUE(field.isDefault() && !field.ignored());
     return true;
+}
+
+template <class... Fields>
+void describeAny(const QvField& field, const FieldTable& table, std::string& text) {
+    EXPECT_TRUE((describe<Fields>(field, table, text) || ...));
 }
 
 std::string describe(const NodeClass& nodeClass) {
@@ -124,24 +132,10 @@ std::string describe(const NodeClass& nodeClass) {
     for (const FieldTable::FieldEntry& entry : table.fields()) {
         text.append(separator).append(entry.name.view()).append(" ");
         separator = "; ";
-        const QvField& f = *table.findField(*node, entry.name);
-        EXPECT_TRUE(describe<QvSFBitMask>(f, "SFBitMask", table, text) ||
-                    describe<QvSFBool>(f, "SFBool", table, text) ||
-                    describe<QvSFColor>(f, "SFColor", table, text) ||
-                    describe<QvSFEnum>(f, "SFEnum", table, text) ||
-                    describe<QvSFFloat>(f, "SFFloat", table, text) ||
-                    describe<QvSFImage>(f, "SFImage", table, text) ||
-                    describe<QvSFLong>(f, "SFLong", table, text) ||
-                    describe<QvSFMatrix>(f, "SFMatrix", table, text) ||
-                    describe<QvSFRotation>(f, "SFRotation", table, text) ||
-                    describe<QvSFString>(f, "SFString", table, text) ||
-                    describe<QvSFVec2f>(f, "SFVec2f", table, text) ||
-                    describe<QvSFVec3f>(f, "SFVec3f", table, text) ||
-                    describe<QvMFColor>(f, "MFColor", table, text) ||
-                    describe<QvMFFloat>(f, "MFFloat", table, text) ||
-                    describe<QvMFLong>(f, "MFLong", table, text) ||
-                    describe<QvMFVec2f>(f, "MFVec2f", table, text) ||
-                    describe<QvMFVec3f>(f, "MFVec3f", table, text));
+        describeAny<QvSFBitMask, QvSFBool, QvSFColor, QvSFEnum, QvSFFloat, QvSFImage, QvSFLong,
+                    QvSFMatrix, QvSFRotation, QvSFString, QvSFVec2f, QvSFVec3f, QvMFColor,
+                    QvMFFloat, QvMFLong, QvMFVec2f, QvMFVec3f>(*table.findField(*node, entry.name),
+                                                               table, text);
     }
     return text + (table.fields().empty() ? ":" : "") + "\n";
 }

@@ -36,26 +36,29 @@ public:
     VrmlInput input;
 };
 
+/// A number's text, whether it can be read, its value, and what is left behind it.
+struct NumberCase {
+    const char* text;
+    bool ok;
+    double value;
+    const char* rest;
+};
+
 class Pieces : public testing::TestWithParam<std::size_t> {};
 INSTANTIATE_TEST_SUITE_P(Input, Pieces, testing::Values(1, 2, 7, 100'000));
 
 TEST_P(Pieces, Integers) {
-    struct Case {
-        const char* text;
-        bool ok;
-        int value;
-        const char* rest;
-    };
-    for (const Case& c :
-         {Case{"0x1F,", true, 31, ","}, Case{"-12 ", true, -12, " "},
-          Case{" \n# c\n+7]", true, 7, "]"}, Case{"010", true, 8, ""}, Case{"09,", true, 0, ","},
-          Case{"0X1F", true, 0, "X1F"}, Case{"4294967293", true, -3, ""},
-          Case{"0x,", false, 0, ","}, Case{"X", false, 0, "X"}, Case{"-TRUE", false, 0, "TRUE"},
-          Case{"--1", false, 0, "-1"}, Case{"", false, 0, ""},
-          Case{"5\xff"
-               "6",
-               true, 5, "6"}, // A byte 255 is not put back.
-          Case{"1.5", true, 1, ".5"}}) {
+    for (const NumberCase& c :
+         {NumberCase{"0x1F,", true, 31, ","}, NumberCase{"-12 ", true, -12, " "},
+          NumberCase{" \n# c\n+7]", true, 7, "]"}, NumberCase{"010", true, 8, ""},
+          NumberCase{"09,", true, 0, ","}, NumberCase{"0X1F", true, 0, "X1F"},
+          NumberCase{"4294967293", true, -3, ""}, NumberCase{"0x,", false, 0, ","},
+          NumberCase{"X", false, 0, "X"}, NumberCase{"-TRUE", false, 0, "TRUE"},
+          NumberCase{"--1", false, 0, "-1"}, NumberCase{"", false, 0, ""},
+          NumberCase{"5\xff"
+                     "6",
+                     true, 5, "6"}, // A byte 255 is not put back.
+          NumberCase{"1.5", true, 1, ".5"}}) {
         Tokens tokens(c.text, GetParam());
         std::int32_t value = 0;
         EXPECT_EQ(tokens.input.readInteger(value), c.ok) << c.text;
@@ -69,19 +72,14 @@ TEST_P(Pieces, Integers) {
 }
 
 TEST_P(Pieces, Reals) {
-    struct Case {
-        const char* text;
-        bool ok;
-        double value;
-        const char* rest;
-    };
-    for (const Case& c :
-         {Case{"1.,", true, 1, ","}, Case{".5", true, 0.5, ""}, Case{"-.5e-1}", true, -0.05, "}"},
-          Case{"+2E2 ", true, 200, " "}, Case{"1e,", false, 0, ","}, Case{".", false, 0, ""},
-          Case{"+.x", false, 0, "x"}, Case{"-e5", false, 0, "e5"},
-          Case{"3e+4e5", true, 30000, "e5"}, Case{"1.5.5", true, 1.5, ".5"},
-          Case{"7\xff", true, 7, ""},
-          Case{"0.1234567890123456789 ", true, 0.1234567890123456789, " "}}) {
+    for (const NumberCase& c :
+         {NumberCase{"1.,", true, 1, ","}, NumberCase{".5", true, 0.5, ""},
+          NumberCase{"-.5e-1}", true, -0.05, "}"}, NumberCase{"+2E2 ", true, 200, " "},
+          NumberCase{"1e,", false, 0, ","}, NumberCase{".", false, 0, ""},
+          NumberCase{"+.x", false, 0, "x"}, NumberCase{"-e5", false, 0, "e5"},
+          NumberCase{"3e+4e5", true, 30000, "e5"}, NumberCase{"1.5.5", true, 1.5, ".5"},
+          NumberCase{"7\xff", true, 7, ""},
+          NumberCase{"0.1234567890123456789 ", true, 0.1234567890123456789, " "}}) {
         Tokens tokens(c.text, GetParam());
         double value = 0;
         EXPECT_EQ(tokens.input.readReal(value), c.ok) << c.text;
