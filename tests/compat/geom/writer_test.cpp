@@ -6,8 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <cstring>
-#include <limits>
+#include <cmath>
 
 namespace {
 
@@ -50,17 +49,6 @@ Object filled(std::uint32_t type, std::uint32_t flags, std::size_t n, std::size_
     return obj;
 }
 
-// One property {6, value} with bytes, and a name.
-void give_header(Object& obj, unsigned char value, const std::vector<unsigned char>& bytes,
-                 const char* name) {
-    std::vector<unsigned char> vals = {6, 0, 0, 0, 0, 0, 0, 0, value, 0, 0, 0};
-    vals[4] = static_cast<unsigned char>(bytes.size());
-    vals.insert(vals.end(), bytes.begin(), bytes.end());
-    obj->vals = block(vals);
-    obj->nvals = 1;
-    obj->name = block(std::vector<char>(name, name + std::strlen(name) + 1));
-}
-
 } // namespace
 
 TEST(Record, IsTheOneWrittenByHand) {
@@ -74,14 +62,16 @@ TEST(Record, IsTheOneWrittenByHand) {
     obj = filled(GEOM_POLYHEDRON, 0xCE, 1, 2);
     obj->polyhedron.polygons = {5, 2, 2, block(std::vector<std::int64_t>{1, 1, 0, 0, 0})};
     obj->extent[0] = -1, obj->extent[3] = 1, obj->has_extent = 1;
-    give_header(obj, 4, {1, 2, 3}, "Ab");
+    obj->vals = block<unsigned char>({6, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0, 1, 2, 3});
+    obj->nvals = 1;
+    obj->name = block<char>({'A', 'b', 0});
     expect_record("polyhedron 10", obj);
     obj = make(GEOM_POLYHEDRON);
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    GEOMadd_vertices(obj.get(), Floats{0, 0, 0, nan, infinity, -0.0F}.data(), 2, 0);
+    GEOMadd_vertices(obj.get(), Floats{0, 0, 0, NAN, INFINITY, -0.0F}.data(), 2, 0);
     GEOMadd_polygons(obj.get(), Ints{2, 2, -1, 0}.data(), 0, 0);
-    give_header(obj, 2, {255}, "N");
+    obj->vals = block<unsigned char>({6, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0, 255});
+    obj->nvals = 1;
+    obj->name = block<char>({'N', 0});
     expect_record("polyhedron 7", obj);
 
     obj = make(GEOM_POLYTRIANGLE);
@@ -131,7 +121,7 @@ TEST(Record, HasZerosForWhatTheObjectLacks) {
               records::from_hex(records::header_10("z3 40", "z3 01", "0000") + "z15 03").str());
 }
 
-TEST(Record, NeedsAStreamAndTellsItItsVersion) {
+TEST(Record, NeedsAStreamAndSetsItsVersion) {
     const Object obj = make(GEOM_SPHERE);
     allocation_to_fail = 1;
     EXPECT_EQ(record(obj), "");
