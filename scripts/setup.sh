@@ -8,7 +8,7 @@ set -eu
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
 nlohmann-json3-dev libgtest-dev libgmock-dev"
 if [ "${1:-}" = "--developer" ]; then
-    packages="$packages clang clang-format clang-tidy libbenchmark-dev python3 valgrind git"
+    packages="$packages clang libclang-rt-14-dev clang-format clang-tidy libbenchmark-dev python3 valgrind git"
 fi
 
 missing=""
