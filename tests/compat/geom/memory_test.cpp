@@ -12,28 +12,29 @@ constexpr float kFloats[6] = {};
 constexpr GEOMpacked_color kColors[2] = {};
 constexpr std::int32_t kInts[] = {1, 1, 0};
 
-// Needs every sort of block once and, where it can grow, once more. The objects live as long as
-// the process that builds them, which is short.
+// Needs every sort of block once and, where it can grow, once more.
 void build_everything() {
     const auto twice = [](const auto& add) { add(), add(); };
-    GEOMobj* obj = GEOMcreate_obj(GEOM_POLYHEDRON, nullptr);
-    twice([obj] { GEOMadd_vertices(obj, kFloats, 2, 0); });
-    twice([obj] { GEOMadd_colors(obj, kColors, 2, 0); });
-    twice([obj] { GEOMadd_vertex_trans(obj, kFloats, 2, 0); });
-    twice([obj] { GEOMadd_vertex_data(obj, kInts, 2, 0); });
-    twice([obj] { GEOMadd_polygons(obj, kInts, 0, 0); });
-    twice([obj] { GEOMadd_property(obj, 1, 1); });
-    GEOMgen_normals(obj, 1);
-    GEOMgen_normals(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr), 0);
-    GEOMgen_normals(GEOMcreate_mesh(nullptr, kFloats, 1, 2, 0), 0);
-    obj = GEOMcreate_obj(GEOM_POLYTRIANGLE, nullptr);
-    obj->flags = 0x1C8; // every sort of data that a strip can have
-    twice([obj] { GEOMadd_vertices(obj, kFloats, 2, 0); });
-    twice([obj] { GEOMadd_polyline(obj, kFloats, kFloats, 2, 0); });
-    obj = GEOMcreate_label(nullptr, 0);
-    GEOMadd_label(obj, "four", kFloats, kFloats, 1, kFloats, 1);
-    obj->label.texts.used = obj->label.texts.capacity;
-    GEOMadd_label(obj, "four", kFloats, nullptr, 1, nullptr, -1);
+    const Object solid = make(GEOM_POLYHEDRON);
+    twice([&] { GEOMadd_vertices(solid.get(), kFloats, 2, 0); });
+    twice([&] { GEOMadd_colors(solid.get(), kColors, 2, 0); });
+    twice([&] { GEOMadd_vertex_trans(solid.get(), kFloats, 2, 0); });
+    twice([&] { GEOMadd_vertex_data(solid.get(), kInts, 2, 0); });
+    twice([&] { GEOMadd_polygons(solid.get(), kInts, 0, 0); });
+    twice([&] { GEOMadd_property(solid.get(), 1, 1); });
+    GEOMgen_normals(solid.get(), 1);
+    GEOMgen_normals(make(GEOM_POLYHEDRON).get(), 0);
+    GEOMgen_normals(Object(GEOMcreate_mesh(nullptr, kFloats, 1, 2, 0)).get(), 0);
+    const Object lines = make(GEOM_POLYTRIANGLE);
+    lines->flags = 0x1C8; // every sort of data that a strip can have
+    twice([&] { GEOMadd_vertices(lines.get(), kFloats, 2, 0); });
+    twice([&] { GEOMadd_polyline(lines.get(), kFloats, kFloats, 2, 0); });
+    const Object labels(GEOMcreate_label(nullptr, 0));
+    GEOMadd_label(labels.get(), "four", kFloats, kFloats, 1, kFloats, 1);
+    GEOMtext_list& texts = labels->label.texts;
+    for (; texts.used < texts.capacity; ++texts.used)
+        texts.data[texts.used] = nullptr;
+    GEOMadd_label(labels.get(), "four", kFloats, nullptr, 1, nullptr, -1);
 }
 
 // What the process says when allocation 1, 2, 3 ... fails, until none is left to fail: line, bytes
