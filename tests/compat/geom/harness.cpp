@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -45,6 +46,10 @@ ssize_t __wrap_write(int fd, const void* bytes, std::size_t n) {
     errno = fault.error;
     return fault.result;
 }
+}
+
+void* raw_block(std::size_t bytes) {
+    return std::malloc(bytes + 1); // never of size 0, which might be null
 }
 
 std::string written(const std::function<void(int fd)>& code) {

@@ -77,8 +77,9 @@ TEST(Stream, EncodesAsTheSwitchesSayAndUpToTheLimit) {
     const auto bytes = records::from_hex("04030201 0000803f feffffffffffffff 00000003 78797a00");
     EXPECT_EQ(streamed(10, all), bytes.str());
     const std::string longest(GEOM_MAX_STRING_BYTES + 1, 'x'); // and one more
-    EXPECT_EQ(streamed(8, [&](auto* s) { geom::put_string(s, &longest[1]); }).size(), 10'000'004u);
-    EXPECT_EQ(streamed(8, [&](auto* s) { geom::put_string(s, &longest[0]); }).size(), 4u);
+    EXPECT_EQ(streamed(8, [&](auto* s) { geom::put_string(s, longest.data() + 1); }).size(),
+              10'000'004u);
+    EXPECT_EQ(streamed(8, [&](auto* s) { geom::put_string(s, longest.data()); }).size(), 4u);
 }
 
 TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
