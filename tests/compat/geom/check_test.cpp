@@ -73,7 +73,7 @@ TEST(Check, ComparesListsWithFlags) {
 TEST(Check, EndsAtTheFirstFailure) {
     std::string all;
     const auto spoil = [&](std::uint32_t type, void (*change)(GEOMobj & obj)) {
-        const Object obj = bare(type);
+        const Object obj = type == GEOM_POLYHEDRON ? full_polyhedron() : bare(type);
         obj->has_extent = 1;
         EXPECT_EQ(findings_of(obj, true), "");
         const GEOMobj before = *obj;
@@ -87,6 +87,8 @@ TEST(Check, EndsAtTheFirstFailure) {
     spoil(1, [](GEOMobj& o) { o.mesh.v = -1; });
     spoil(1, [](GEOMobj& o) { o.mesh.v = 2; });
     spoil(2, [](GEOMobj& o) { o.polyhedron.polygons.polygons = -5'000'000'000; });
+    spoil(2, [](GEOMobj& o) { o.polyhedron.normals.data[2] = NAN; });
+    spoil(2, [](GEOMobj& o) { o.polyhedron.uvs.data[3] = NAN; });
     spoil(3, [](GEOMobj& o) { o.polytriangle.strips = -1; });
     spoil(3, [](GEOMobj& o) { o.polytriangle.lines = -1; });
     spoil(3, [](GEOMobj& o) { o.polytriangle.strip_vertices->used = 1, o.flags = 0x40; });
@@ -97,20 +99,22 @@ TEST(Check, EndsAtTheFirstFailure) {
     spoil(5, [](GEOMobj& o) { o.label.offsets.data[2] = NAN; });
     spoil(5, [](GEOMobj& o) { o.label.heights.data[0] = NAN; });
     spoil(5, [](GEOMobj& o) { o.label.colors.used = 2; });
-    EXPECT_EQ(all, "invalid object type 6!\nnan encountered in extent array entry: 4\n"
-                   "extent min: 2.500000 is greater than max: 0.000000\n"
-                   "mesh object has negative dims\n"
-                   "number of vertices: 2 does not match the expected number: 4\n"
-                   "polyhedron object has negative polys: (-5000000000) or verts: (2)\n"
-                   "negative number of polytris: -1\nnegative number of polylines: -1\n"
-                   "number of prim data: 0, does not match the number of prims: -1\n"
-                   "nan encountered in verts array entry: 5\n"
-                   "object has color information but flag is not set\n"
-                   "negative number of spheres/dots: -2\n"
-                   "no. of radii: 3 different from no. of verts: 2\n"
-                   "nan encountered in label offset array entry: 2\n"
-                   "nan encountered in label height array entry: 0\n"
-                   "number of colors: 2, does not match the number of verts: 1\n");
+    EXPECT_EQ(all,
+              "invalid object type 6!\nnan encountered in extent array entry: 4\n"
+              "extent min: 2.500000 is greater than max: 0.000000\n"
+              "mesh object has negative dims\n"
+              "number of vertices: 2 does not match the expected number: 4\n"
+              "polyhedron object has negative polys: (-5000000000) or verts: (2)\n"
+              "nan encountered in normals array entry: 2\nnan encountered in uvs array entry: 3\n"
+              "negative number of polytris: -1\nnegative number of polylines: -1\n"
+              "number of prim data: 0, does not match the number of prims: -1\n"
+              "nan encountered in verts array entry: 5\n"
+              "object has color information but flag is not set\n"
+              "negative number of spheres/dots: -2\n"
+              "no. of radii: 3 different from no. of verts: 2\n"
+              "nan encountered in label offset array entry: 2\n"
+              "nan encountered in label height array entry: 0\n"
+              "number of colors: 2, does not match the number of verts: 1\n");
     EXPECT_EQ(capture([] { EXPECT_EQ(GEOMcheck_obj(nullptr, 0, nullptr), 0); }).err,
               "GEOMcheck_obj error: NULL object received\n");
 }

@@ -32,9 +32,9 @@ TEST(Lists, AdoptTheFirstArrayAndFreeTheNext) { // the leak check watches
     const Object obj = make(GEOM_POLYHEDRON);
     const GEOMvector_list& list = obj->polyhedron.vertices;
     float* first = block(kThree);
-    GEOMadd_vertices(obj.get(), first, 1, GEOM_TAKE);
+    GEOMadd_vertices(obj.get(), first, 1, GEOM_TAKE + 1);
     EXPECT_EQ(list.data, first);
-    GEOMadd_vertices(obj.get(), block(kThree), 1, GEOM_TAKE + 1);
+    GEOMadd_vertices(obj.get(), block(kThree), 1, GEOM_TAKE);
     EXPECT_EQ(list.capacity, 101);
     EXPECT_EQ(values_of(list), (Floats{1, 2, 3, 1, 2, 3}));
     // an array without elements gives way to the next, or is freed with its object

@@ -25,6 +25,7 @@ void build_everything() {
     GEOMgen_normals(solid.get(), 1);
     GEOMgen_normals(make(GEOM_POLYHEDRON).get(), 0);
     GEOMgen_normals(Object(GEOMcreate_mesh(nullptr, kFloats, 1, 2, 0)).get(), 0);
+    const Object dots(GEOMcreate_sphere(nullptr, kFloats, kFloats, nullptr, nullptr, 2, 0));
     const Object lines = make(GEOM_POLYTRIANGLE);
     lines->flags = 0x1C8; // every sort of data that a strip can have
     twice([&] { GEOMadd_vertices(lines.get(), kFloats, 2, 0); });

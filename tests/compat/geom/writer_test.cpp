@@ -139,6 +139,7 @@ TEST(Trace, ShowsEveryStepOnStandardOutput) {
     geom::forget_environment();
     const std::string trace = capture([&] { record(obj, 2); }).out;
     unsetenv("KRA_GEOM_DEBUG");
+    EXPECT_NE(capture([&] { record(obj); }).out, ""); // the variable is read once
     geom::forget_environment();
     EXPECT_THAT(trace, testing::MatchesRegex(R"(
 Writing geometry to a file ...
