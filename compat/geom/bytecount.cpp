@@ -24,7 +24,8 @@ Count values_per_vertex(std::uint32_t flags) {
 std::int64_t geom::bytecount(const GEOMmesh& mesh, std::uint32_t flags) {
     const auto u = static_cast<Count>(mesh.u);
     const auto v = static_cast<Count>(mesh.v);
-    const auto cells = static_cast<Count>(cells_of(mesh));
+    // Kept for an empty grid too, which has no cells: readers compare this count.
+    const Count cells = (u - 1) * (v - 1);
     return static_cast<std::int64_t>(
         4 * (u * v * values_per_vertex(flags) + cells * has(flags, GEOM_HAS_PRIMITIVE_DATA)));
 }

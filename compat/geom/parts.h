@@ -70,7 +70,7 @@ PartOf<Object> part_of(Object& obj) {
 }
 
 // The cells between the vertices of a grid: one value of primitive data each. An empty grid (u or v
-// below 1) has none, wherever they are counted.
+// below 1) has none, though its byte count says otherwise.
 inline std::int64_t cells_of(const GEOMmesh& mesh) {
     return mesh.u < 1 || mesh.v < 1 ? 0 : multiply_counts(mesh.u - 1, mesh.v - 1);
 }

@@ -116,10 +116,10 @@ TEST(Record, HasZerosForWhatTheObjectLacks) {
                                 "z23 01 z8, z8 3f800000, z12, z4 40000000 z4")
                   .str());
     obj = make(GEOM_MESH);
-    obj->mesh.v = 3; // no vertices, and so no cells
+    obj->mesh.v = 3; // no vertices and no cells, but a byte count of (4 u - 4) (v - 1)
     obj->flags = GEOM_HAS_PRIMITIVE_DATA;
     EXPECT_EQ(record(obj),
-              records::from_hex(records::header_10("z3 40", "z3 01", "0000") + "z15 03").str());
+              records::from_hex("474d3634,z4,z3 40,z3 01,z28,fffffffffffffff8,z12,z15 03").str());
 }
 
 TEST(Record, NeedsAStreamAndSetsItsVersion) {
