@@ -56,9 +56,6 @@ protected:
     /// Any other word is put back.
     bool readFieldsDeclaration(VrmlInput& input);
 
-    bool isBuiltIn_ = true;
-    bool isFirstOfClass_ = false;
-
 private:
     friend class NodePool;
 
@@ -67,6 +64,11 @@ private:
 
     InternedName name_;
     QvNode* nextInPool_ = nullptr;
+
+protected:
+    // Last, so that the first members of a derived class share their word.
+    bool isBuiltIn_ = true;
+    bool isFirstOfClass_ = false;
 };
 
 /// What every class of the catalogue derives from: its own FieldTable, built by the fields of the
