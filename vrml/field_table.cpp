@@ -32,13 +32,13 @@ void FieldTable::addField(std::string_view name, const QvNode& node, const QvFie
         reinterpret_cast<std::uintptr_t>(&field) - reinterpret_cast<std::uintptr_t>(&node);
     const InternedName interned(name);
     if (fields_.size() == kLongestSearched) {
-        positions_ = std::make_unique<NameMap<std::uintptr_t>>();
+        positions_ = std::make_unique<decltype(positions_)::element_type>();
         for (const FieldEntry& entry : fields_) {
-            positions_->add(entry.name, entry.position);
+            positions_->try_emplace(entry.name.number(), entry.position);
         }
     }
     if (positions_ != nullptr) {
-        positions_->add(interned, position);
+        positions_->try_emplace(interned.number(), position);
     }
     appendDoubling(fields_, FieldEntry{interned, position});
 }
@@ -46,7 +46,8 @@ void FieldTable::addField(std::string_view name, const QvNode& node, const QvFie
 QvField* FieldTable::findField(QvNode& node, InternedName name) const {
     const std::uintptr_t* position = nullptr;
     if (positions_ != nullptr) {
-        position = positions_->find(name);
+        const auto found = positions_->find(name.number());
+        position = found == positions_->end() ? nullptr : &found->second;
     } else {
         const auto found =
             std::find_if(fields_.begin(), fields_.end(),

@@ -7,6 +7,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace meshcast {
@@ -66,8 +67,9 @@ private:
     EnumTable* findTable(InternedName typeName) const;
 
     std::vector<FieldEntry> fields_;
-    /// Positions of a table too long to be searched, by name. The catalogue has none.
-    std::unique_ptr<NameMap<std::uintptr_t>> positions_;
+    /// Positions in a table too long to be searched, by the number of the name. The catalogue has
+    /// no such table.
+    std::unique_ptr<std::unordered_map<std::size_t, std::uintptr_t>> positions_;
     std::vector<std::unique_ptr<EnumTable>> enumerations_;
     std::vector<Declared> declared_;
 };

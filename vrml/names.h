@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -25,8 +26,7 @@ void appendDoubling(std::vector<T>& list, T value) {
 struct NameEntry {
     const char* text; ///< Ends in a zero byte that is not part of the name.
     std::size_t length;
-    std::uint32_t hash;
-    const NameEntry* next; ///< The next entry of the bucket.
+    std::uint32_t number; ///< Names are numbered as they come; the empty name has the number 0.
 };
 
 /// The empty name, which every name variable starts with.
@@ -44,8 +44,9 @@ public:
     const char* c_str() const { return entry_->text; }
     std::string_view view() const { return {entry_->text, entry_->length}; }
     bool empty() const { return entry_->length == 0; }
-    /// The address of the shared text, unique to the name.
-    std::uintptr_t address() const { return reinterpret_cast<std::uintptr_t>(entry_->text); }
+    /// Unique to the name. What is kept by name is kept in arrays by this number: the names of a
+    /// scene come one after another, where the buckets of a hash table lie anywhere in memory.
+    std::size_t number() const { return entry_->number; }
 
     friend bool operator==(InternedName a, InternedName b) { return a.entry_ == b.entry_; }
 
@@ -53,74 +54,41 @@ private:
     const NameEntry* entry_;
 };
 
-/// A hash table from names to values, keyed by the address of the name's text (its low 32 bits
-/// choose the bucket). Starts with 251 buckets and doubles them as it fills, so that a file with a
-/// million names is read in linear time. Values stay until the table goes.
+/// Forgets, when it ends, the names that were new in its time, so that a process that reads scene
+/// after scene does not keep the names of all. No handle of such a name may be used after that: the
+/// class tables and the reader's own words, which are made when they are first needed, have to be
+/// there before.
+class NameScope {
+public:
+    NameScope();
+    NameScope(const NameScope&) = delete;
+    NameScope& operator=(const NameScope&) = delete;
+    ~NameScope();
+
+    /// What the table of names held at a time.
+    struct Mark {
+        std::size_t names;
+        std::size_t pools;
+    };
+
+private:
+    Mark start_;
+};
+
+/// Values by name. Names start with Value{}.
 template <class Value>
 class NameMap {
 public:
-    NameMap() : buckets_(kFirstBuckets, kNone) {}
-
-    /// The value under a name, or null. Valid until a name is entered.
-    Value* find(InternedName name) {
-        for (std::uint32_t i = buckets_[bucketOf(name)]; i != kNone; i = entries_[i].next) {
-            if (entries_[i].name == name) {
-                return &entries_[i].value;
-            }
-        }
-        return nullptr;
-    }
-
-    /// The value under a name, made empty if the name is new. Valid until the next call.
+    /// The value under a name. Valid until the next call.
     Value& operator[](InternedName name) {
-        if (Value* const value = find(name)) {
-            return *value;
+        if (name.number() >= values_.size()) {
+            values_.resize(name.number() + 1);
         }
-        return append(name, Value{});
-    }
-
-    /// Enters a value unless the name has one.
-    void add(InternedName name, Value value) {
-        if (find(name) == nullptr) {
-            append(name, std::move(value));
-        }
+        return values_[name.number()];
     }
 
 private:
-    Value& append(InternedName name, Value value) {
-        if (entries_.size() >= buckets_.size()) {
-            rehash(2 * buckets_.size() + 1);
-        }
-        std::uint32_t& head = buckets_[bucketOf(name)];
-        entries_.push_back({name, head, std::move(value)});
-        head = static_cast<std::uint32_t>(entries_.size() - 1);
-        return entries_.back().value;
-    }
-
-    struct Entry {
-        InternedName name;
-        std::uint32_t next;
-        Value value;
-    };
-
-    static constexpr std::size_t kFirstBuckets = 251;
-    static constexpr std::uint32_t kNone = UINT32_MAX;
-
-    std::size_t bucketOf(InternedName name) const {
-        return static_cast<std::uint32_t>(name.address()) % buckets_.size();
-    }
-
-    void rehash(std::size_t count) {
-        buckets_.assign(count, kNone);
-        for (std::size_t i = 0; i < entries_.size(); ++i) {
-            std::uint32_t& head = buckets_[bucketOf(entries_[i].name)];
-            entries_[i].next = head;
-            head = static_cast<std::uint32_t>(i);
-        }
-    }
-
-    std::vector<std::uint32_t> buckets_;
-    std::vector<Entry> entries_;
+    std::vector<Value> values_;
 };
 
 /// The nodes defined by DEF in one input: each name, as written, leads to the latest node under it.
@@ -142,7 +110,12 @@ public:
     std::span<QvNode* const> nodes(InternedName name);
 
 private:
-    NameMap<std::vector<QvNode*>> lists_;
+    /// Nearly every name has one node, for which no list is needed.
+    struct Bearers {
+        QvNode* only = nullptr;
+        std::unique_ptr<std::vector<QvNode*>> several;
+    };
+    NameMap<Bearers> bearers_;
 };
 
 /// A name as a node may bear it: a text that starts with a letter or `_` and holds no white space,

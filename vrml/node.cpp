@@ -123,14 +123,8 @@ bool QvNode::readDeclarations(VrmlInput& input) {
 
 NodePool::~NodePool() {
     while (newest_ != nullptr) {
-        delete std::exchange(newest_, newest_->nextInPool_);
+        std::exchange(newest_, newest_->nextInPool_)->~QvNode();
     }
-}
-
-QvNode* NodePool::adopt(std::unique_ptr<QvNode> node) {
-    node->nextInPool_ = newest_;
-    newest_ = node.release();
-    return newest_;
 }
 
 } // namespace meshcast

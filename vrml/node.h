@@ -3,8 +3,11 @@
 #include "vrml/field_table.h"
 #include "vrml/names.h"
 
-#include <memory>
+#include <cstddef>
+#include <memory_resource>
+#include <new>
 #include <string_view>
+#include <utility>
 
 namespace meshcast {
 
@@ -96,7 +99,7 @@ private:
 };
 
 /// The owner of nodes. The tree has only plain pointers, since a node may stand under several
-/// parents; destroying the pool destroys every node made for it.
+/// parents; destroying the pool destroys every node made in it.
 class NodePool {
 public:
     NodePool() = default;
@@ -104,9 +107,21 @@ public:
     NodePool& operator=(const NodePool&) = delete;
     ~NodePool();
 
-    QvNode* adopt(std::unique_ptr<QvNode> node);
+    /// Makes a node. Nodes lie behind one another in the order in which they are made, which is
+    /// that of the walk.
+    template <class Node, class... Arguments>
+    Node* make(Arguments&&... arguments) {
+        void* const place = memory_.allocate(sizeof(Node), alignof(Node));
+        auto* const node = new (place) Node(std::forward<Arguments>(arguments)...);
+        node->nextInPool_ = newest_;
+        newest_ = node;
+        return node;
+    }
 
 private:
+    static constexpr std::size_t kFirstBlock = std::size_t(64) * 1024;
+
+    std::pmr::monotonic_buffer_resource memory_{kFirstBlock};
     QvNode* newest_ = nullptr;
 };
 

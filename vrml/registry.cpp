@@ -10,8 +10,8 @@ namespace meshcast {
 namespace {
 
 template <class Class>
-std::unique_ptr<QvNode> make() {
-    return std::make_unique<Class>();
+QvNode* make(NodePool& nodes) {
+    return nodes.make<Class>();
 }
 
 constexpr auto kClasses = std::to_array<NodeClass>({
@@ -68,13 +68,13 @@ std::span<const NodeClass> nodeClasses() {
     return kClasses;
 }
 
-std::unique_ptr<QvNode> createNode(InternedName className) {
+QvNode* createNode(NodePool& nodes, InternedName className) {
     static const std::array<InternedName, kClasses.size()> names = internClassNames();
     const auto* const found = std::find(names.begin(), names.end(), className);
     if (found == names.end()) {
         return nullptr;
     }
-    return kClasses[static_cast<std::size_t>(found - names.begin())].create();
+    return kClasses[static_cast<std::size_t>(found - names.begin())].create(nodes);
 }
 
 } // namespace meshcast

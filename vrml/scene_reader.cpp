@@ -4,7 +4,6 @@
 #include "vrml/input.h"
 #include "vrml/registry.h"
 
-#include <memory>
 #include <string>
 
 // readNode and the nodes' readBody and readChildren call one another, once for each level of
@@ -38,13 +37,11 @@ bool readReference(VrmlInput& input, QvNode*& node) {
         input.readError("Premature end of file after USE");
         return false;
     }
-    QvNode** const found = input.references().find(InternedName(text));
-    if (found == nullptr) {
+    node = input.references()[InternedName(text)];
+    if (node == nullptr) {
         input.readError("Unknown reference \"%s\"", text.c_str());
-        return false;
     }
-    node = *found;
-    return true;
+    return node != nullptr;
 }
 
 /// Reads the name behind DEF and the class name behind that.
@@ -71,8 +68,8 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
 
 /// Makes the node of a class. Outside the registry a class is known by the word "fields" at the
 /// start of its body, which is left to be read again. Reports a class that is not known.
-std::unique_ptr<QvNode> createFromInput(VrmlInput& input, InternedName className) {
-    if (std::unique_ptr<QvNode> node = createNode(className)) {
+QvNode* createFromInput(VrmlInput& input, InternedName className) {
+    if (QvNode* const node = createNode(input.nodes(), className)) {
         return node;
     }
     std::string word;
@@ -80,9 +77,8 @@ std::unique_ptr<QvNode> createFromInput(VrmlInput& input, InternedName className
         input.readError("Unknown class \"%s\"", className.c_str());
         return nullptr;
     }
-    auto node = std::make_unique<QvUnknownNode>(std::string(className.view()));
     input.putBackWord(word);
-    return node;
+    return input.nodes().make<QvUnknownNode>(std::string(className.view()));
 }
 
 enum class Opened {
@@ -120,11 +116,10 @@ enum class Opened {
         input.readError("Nesting deeper than %d levels", kMaxNestingDepth);
         return Opened::kUnreadableBody;
     }
-    std::unique_ptr<QvNode> created = createFromInput(input, className);
-    if (created == nullptr) {
+    node = createFromInput(input, className);
+    if (node == nullptr) {
         return Opened::kUnreadableBody;
     }
-    node = input.nodes().adopt(std::move(created));
     if (!name.empty()) {
         input.references()[name] = node;
         node->setName(name);

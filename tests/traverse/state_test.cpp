@@ -65,7 +65,8 @@ TEST(State, EveryPropertyAddsAnElementOfItsKindAndType) {
                                                          {"TransformSeparator", {11, 6}},
                                                          {"FontStyle", {12, 0}}};
     for (const NodeClass& nodeClass : nodeClasses()) {
-        const std::unique_ptr<QvNode> node = nodeClass.create();
+        NodePool nodes;
+        QvNode* const node = nodeClass.create(nodes);
         QvState state;
         capture([&] { node->traverse(state); }); // Shapes write what they are.
         const auto pushed = expected.find(nodeClass.name);
@@ -75,7 +76,7 @@ TEST(State, EveryPropertyAddsAnElementOfItsKindAndType) {
                 pushed != expected.end() && kind == static_cast<std::size_t>(pushed->second.kind);
             ASSERT_EQ(top != nullptr, isExpected) << nodeClass.name;
             if (isExpected) {
-                EXPECT_EQ(top->data, node.get());
+                EXPECT_EQ(top->data, node);
                 EXPECT_EQ(static_cast<int>(top->type), pushed->second.type) << nodeClass.name;
             }
         }

@@ -113,7 +113,7 @@ bool describe(const QvField& field, const FieldTable& table, std::string& text) 
         EXPECT_EQ(words, table.findEnumeration(words->typeName));
         text.append("(").append(words->typeName.view()).append(")");
     }
-    text += " " + valueText(dynamic_cast<const Field&>(field));
+    text.append(" ").append(valueText(dynamic_cast<const Field&>(field)));
     EXPECT_TRUE(field.isDefault() && !field.ignored());
     return true;
 }
@@ -124,8 +124,9 @@ void describeAny(const QvField& field, const FieldTable& table, std::string& tex
 }
 
 std::string describe(const NodeClass& nodeClass) {
-    const std::unique_ptr<QvNode> first = nodeClass.create(); // Declares the fields.
-    const std::unique_ptr<QvNode> node = nodeClass.create();
+    NodePool nodes;
+    nodeClass.create(nodes); // Declares the fields.
+    QvNode* const node = nodeClass.create(nodes);
     const FieldTable& table = node->getFieldTable();
     std::string text(nodeClass.name);
     std::string separator = ": ";
@@ -153,7 +154,8 @@ TEST(Catalogue, Enumerations) {
     for (std::string line; std::getline(lines, line);) {
         const std::size_t point = line.find('.');
         const std::size_t colon = line.find(':');
-        const std::unique_ptr<QvNode> node = createNode(InternedName(line.substr(0, point)));
+        NodePool nodes;
+        QvNode* const node = createNode(nodes, InternedName(line.substr(0, point)));
         const EnumTable* const table = node->getFieldTable().findEnumeration(
             InternedName(line.substr(point + 1, colon - point - 1)));
         ASSERT_NE(table, nullptr) << line;

@@ -12,6 +12,7 @@ namespace {
 TEST(Names, EqualTextsHaveEqualHandles) {
     // Enough to fill many pools and to make the table grow.
     std::vector<InternedName> names;
+    names.reserve(20'000);
     for (int i = 0; i < 20'000; ++i) {
         names.emplace_back("name" + std::to_string(i));
     }
@@ -30,9 +31,24 @@ TEST(Names, EqualTextsHaveEqualHandles) {
         map[names[static_cast<std::size_t>(i)]] = i;
     }
     for (int i = 0; i < 20'000; ++i) {
-        ASSERT_EQ(*map.find(names[static_cast<std::size_t>(i)]), i);
+        ASSERT_EQ(map[names[static_cast<std::size_t>(i)]], i);
     }
-    EXPECT_EQ(map.find(longName), nullptr);
+    EXPECT_EQ(map[longName], 0);
+}
+
+TEST(Names, ScopesForgetTheirNames) {
+    const InternedName kept("kept");
+    const auto firstNewNumber = [] {
+        const NameScope scope;
+        const std::size_t first = InternedName("new 0").number();
+        for (int i = 0; i < 50'000; ++i) {
+            EXPECT_EQ(InternedName("new " + std::to_string(i)).number(),
+                      first + static_cast<std::size_t>(i));
+        }
+        return first;
+    };
+    EXPECT_EQ(firstNewNumber(), firstNewNumber());
+    EXPECT_EQ(InternedName("kept"), kept);
 }
 
 TEST(Names, NodeNamesAreMadeLegal) {
