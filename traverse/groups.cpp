@@ -63,7 +63,12 @@ private:
 };
 
 void traverseAll(const QvGroup& group, QvState& state) {
-    for (std::int32_t i = 0; i < group.getNumChildren(); ++i) {
+    const std::int32_t count = group.getNumChildren();
+    for (std::int32_t i = 0; i < count; ++i) {
+        // Nodes that USE brings together lie anywhere in memory.
+        if (i + 1 < count) {
+            __builtin_prefetch(group.getChild(i + 1));
+        }
         group.getChild(i)->traverse(state);
     }
 }

@@ -175,8 +175,10 @@ T* spread(const GEOMlist<T, N>& list, const GEOMpolyhedron& solid, const Allocat
     for (std::int64_t p = 0; p < polygons.polygons; ++p) {
         const std::int64_t count = *entry++;
         for (std::int64_t j = 0; j < count; ++j, ++entry, out += N) {
-            if (names_vertex(*entry, known))
-                std::copy_n(list.data + (*entry - 1) * N, N, out);
+            if (!names_vertex(*entry, known))
+                continue;
+            for (int i = 0; i < N; ++i)
+                out[i] = list.data[(*entry - 1) * N + i];
         }
     }
     return per_corner;

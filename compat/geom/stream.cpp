@@ -174,14 +174,37 @@ void put_raw(GEOMstream* stream, T value) {
     stream->sink(stream, &word, sizeof word);
 }
 
-// Encodes `n` values into `out`: a plain loop over words that the compiler vectorises.
+// Encodes `n` values into `out`: a plain loop over words that the compiler vectorises, given the
+// means.
 template <std::endian Order, class T>
-void encode(unsigned char* out, const T* values, std::size_t n) {
+[[gnu::always_inline]] inline void encode(unsigned char* out, const T* values, std::size_t n) {
     using Word = typename WordOf<T>::Type;
     for (std::size_t i = 0; i < n; ++i) {
         const Word word = ordered<Order>(std::bit_cast<Word>(values[i]));
         std::memcpy(out + i * sizeof word, &word, sizeof word);
     }
+}
+
+#ifdef __x86_64__
+// The plain instruction set turns one word at a time.
+template <class T>
+[[gnu::target("avx2")]] void encode_big_with_avx2(unsigned char* out, const T* values,
+                                                  std::size_t n) {
+    encode<std::endian::big>(out, values, n);
+}
+
+const bool has_avx2 = __builtin_cpu_supports("avx2") != 0;
+#endif
+
+template <class T>
+void encode_big(unsigned char* out, const T* values, std::size_t n) {
+#ifdef __x86_64__
+    if (has_avx2) {
+        encode_big_with_avx2(out, values, n);
+        return;
+    }
+#endif
+    encode<std::endian::big>(out, values, n);
 }
 
 // `put_one` writes the value that the end of a piece would cut in two.
@@ -204,7 +227,7 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
         if (raw)
             encode<std::endian::little>(out, values, count);
         else
-            encode<std::endian::big>(out, values, count);
+            encode_big(out, values, count);
         if (in_place)
             advance(*stream, count * sizeof(T));
         else
