@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
+#include <charconv>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -59,19 +61,37 @@ TEST(NumberScan, RealsAreTheNearestDouble) {
 TEST(NumberScan, RandomRealsAreTheNearestDouble) {
     std::mt19937_64 random(7);
     const auto below = [&random](unsigned n) { return static_cast<unsigned>(random() % n); };
-    for (int i = 0; i < 200'000; ++i) {
+    const auto digits = [&](unsigned most) {
+        return std::to_string(random()).substr(0, below(most + 1));
+    };
+    std::array<char, 1200> printed{};
+    const auto print = [&](double value, std::chars_format format) {
+        const auto precision = static_cast<int>(below(24));
+        const auto end = std::to_chars(printed.data(), printed.data() + printed.size(), value,
+                                       format, precision);
+        return std::string(printed.data(), end.ptr);
+    };
+    for (int i = 0; i < 3'000'000 && !HasFatalFailure(); ++i) {
         std::string text = below(3) == 0 ? "-" : "";
-        const unsigned whole = below(20);
-        const unsigned fraction = below(20);
-        text.append(std::to_string(random()).substr(0, whole)).append(".");
-        text.append(std::to_string(random()).substr(0, fraction)).append("1");
-        if (below(2) == 0) {
-            text.append(below(2) == 0 ? "e" : "E-").append(std::to_string(below(340)));
+        switch (below(4)) {
+        case 0: // What scenes hold.
+            text.append(digits(4)).append(".").append(below(8), '0').append(digits(7)).append("1");
+            break;
+        case 1: // Any number of digits, with an exponent or without.
+            text.append(digits(20)).append(".").append(digits(20)).append("1");
+            if (below(2) == 0) {
+                text.append(below(2) == 0 ? "e" : "E-").append(std::to_string(below(340)));
+            }
+            break;
+        case 2: // Any double below 2, denormal ones too, rounded to any number of digits.
+            text = print(std::bit_cast<double>(random() & ~(std::uint64_t(1) << 62)),
+                         std::chars_format::scientific);
+            break;
+        default: // Half way between two floats, or nearly so.
+            text = print(1.0 + static_cast<double>(below(1U << 25) | 1) / (1 << 25),
+                         std::chars_format::fixed);
         }
         expectSameAsStrtod(text);
-        if (HasFatalFailure()) {
-            return;
-        }
     }
 }
 
