@@ -1,0 +1,159 @@
+#include "fuzz/held_values.h"
+
+#include "compat/geom/parts.h"
+#include "compat/geom/prop.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace meshcast::fuzz {
+
+namespace {
+
+using geom_stream::VertexArrays;
+
+constexpr std::uint32_t kAllFlags = 0x1FF;
+
+/// The first `count` elements of a list, each of as many values as an Element has.
+template <class Element, class T, int N>
+std::vector<Element> elements(const GEOMlist<T, N>* list, std::int64_t count) {
+    std::vector<Element> result(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
+    const std::int64_t held = list == nullptr || list->data == nullptr ? 0 : list->used * N;
+    for (std::size_t i = 0; i < result.size() * sizeof(Element) / sizeof(T); ++i) {
+        if (std::cmp_less(i, held)) {
+            constexpr std::size_t kWidth = sizeof(Element) / sizeof(T);
+            if constexpr (kWidth == 1) {
+                result[i] = list->data[i];
+            } else {
+                result[i / kWidth][i % kWidth] = list->data[i];
+            }
+        }
+    }
+    return result;
+}
+
+void fill(VertexArrays& arrays, const geom::ConstPart& part, std::uint32_t flags,
+          std::int64_t count, std::int64_t primitives) {
+    const auto countIf = [flags](std::uint32_t bit, std::int64_t n) {
+        return (flags & bit) != 0 ? n : 0;
+    };
+    using geom_stream::Vec2;
+    using geom_stream::Vec3;
+    arrays.vertices = elements<Vec3>(part.vertices, count);
+    arrays.normals = elements<Vec3>(part.normals, countIf(GEOM_HAS_NORMALS, count));
+    arrays.colours = elements<Vec3>(part.colors, countIf(GEOM_HAS_COLORS, count));
+    arrays.uvs = elements<Vec2>(part.uvs, countIf(GEOM_HAS_UVS, count));
+    arrays.uvws = elements<Vec3>(part.uvs, countIf(GEOM_HAS_UVWS, count));
+    arrays.vertex_data =
+        elements<std::int32_t>(part.vertex_data, countIf(GEOM_HAS_VERTEX_DATA, count));
+    arrays.primitive_data =
+        elements<std::int32_t>(part.primitive_data, countIf(GEOM_HAS_PRIMITIVE_DATA, primitives));
+    arrays.vertex_trans = elements<float>(part.vertex_trans, countIf(GEOM_HAS_VERTEX_TRANS, count));
+}
+
+geom_stream::Mesh meshOf(const GEOMobj& object) {
+    geom_stream::Mesh mesh;
+    mesh.u = object.mesh.u;
+    mesh.v = object.mesh.v;
+    const bool isEmpty = mesh.u == 0 || mesh.v == 0;
+    fill(mesh, geom::part_of(object), object.flags, mesh.u * mesh.v,
+         isEmpty ? 0 : (mesh.u - 1) * (mesh.v - 1));
+    return mesh;
+}
+
+geom_stream::Polyhedron polyhedronOf(const GEOMobj& object) {
+    const GEOMpolygon_list& list = object.polyhedron.polygons;
+    geom_stream::Polyhedron polyhedron;
+    polyhedron.polygon_count = list.polygons;
+    polyhedron.index_count = list.indices;
+    polyhedron.polygon_list.assign(list.data, list.data + list.polygons + list.indices);
+    polyhedron.polygon_list.push_back(0);
+    fill(polyhedron, geom::part_of(object), object.flags, object.polyhedron.vertices.used,
+         list.polygons);
+    return polyhedron;
+}
+
+geom_stream::Polytriangle polytriangleOf(const GEOMobj& object) {
+    const GEOMpolytriangle& all = object.polytriangle;
+    const std::uint32_t lineFlags = object.flags & geom::kLineFlags;
+    geom_stream::Polytriangle polytriangle;
+    for (std::int64_t i = 0; i < all.strips; ++i) {
+        const std::int64_t n = all.strip_vertices[i].used;
+        fill(polytriangle.strips.emplace_back(), geom::strip_of(all, i), object.flags, n, n - 2);
+    }
+    for (std::int64_t i = 0; i < all.lines; ++i) {
+        const std::int64_t n = all.line_vertices[i].used;
+        fill(polytriangle.polylines.emplace_back(), geom::polyline_of(all, i), lineFlags, n, n - 1);
+    }
+    const std::int64_t n = all.segment_vertices.used;
+    fill(polytriangle.segments, geom::segments_of(all), lineFlags, n, n / 2);
+    return polytriangle;
+}
+
+geom_stream::Sphere spheresOf(const GEOMobj& object) {
+    const std::int64_t n = object.sphere.centers.used;
+    geom_stream::Sphere sphere;
+    fill(sphere, geom::part_of(object), object.flags & geom::kSphereFlags, n, 0);
+    sphere.radii = elements<float>(&object.sphere.radii, object.sphere.radii.used > 0 ? n : 0);
+    return sphere;
+}
+
+geom_stream::Label labelsOf(const GEOMobj& object) {
+    const GEOMlabels& labels = object.label;
+    const std::int64_t n = labels.texts.used;
+    const auto countIf = [&](std::uint32_t bit) { return (object.flags & bit) != 0 ? n : 0; };
+    using geom_stream::Vec3;
+    geom_stream::Label label;
+    label.label_flags = labels.label_flags;
+    label.texts.assign(labels.texts.data, labels.texts.data + n);
+    label.positions = elements<Vec3>(&labels.positions, n);
+    label.offsets = elements<Vec3>(&labels.offsets, n);
+    label.heights = elements<float>(&labels.heights, n);
+    label.colours = elements<Vec3>(&labels.colors, countIf(GEOM_HAS_COLORS));
+    label.data = elements<std::int32_t>(&labels.label_data, countIf(GEOM_HAS_LABEL_DATA));
+    return label;
+}
+
+} // namespace
+
+geom_stream::Object heldValues(const GEOMobj& object) {
+    geom_stream::Object values;
+    values.flags = object.flags & kAllFlags;
+    std::copy(std::begin(object.extent), std::end(object.extent), values.extent.begin());
+    values.has_extent = object.has_extent != 0;
+    const unsigned char* place = object.vals;
+    for (std::uint32_t i = 0; i < object.nvals; ++i) {
+        const geom::Property property = geom::property_at(place);
+        values.properties.push_back({property.kind, property.value, {}});
+        place += geom::property_bytes(property);
+    }
+    values.name = object.name == nullptr ? "" : object.name;
+    values.second_text = object.attribute == nullptr ? "" : object.attribute;
+    switch (object.type) {
+    case GEOM_MESH:
+        values.body = meshOf(object);
+        break;
+    case GEOM_POLYHEDRON:
+        values.body = polyhedronOf(object);
+        break;
+    case GEOM_POLYTRIANGLE:
+        values.body = polytriangleOf(object);
+        break;
+    case GEOM_SPHERE:
+        values.body = spheresOf(object);
+        values.flags |= object.sphere.radii.used > 0 ? 0 : GEOM_HAS_NO_RADII;
+        break;
+    default:
+        values.body = labelsOf(object);
+        break;
+    }
+    values.byte_count = geom_stream::expected_byte_count(values);
+    return values;
+}
+
+} // namespace meshcast::fuzz

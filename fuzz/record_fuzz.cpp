@@ -1,0 +1,96 @@
+#include "compat/geom/environment.h"
+#include "compat/geom/geom.h"
+#include "fuzz/finding.h"
+#include "fuzz/held_values.h"
+#include "fuzz/memory_file.h"
+#include "fuzz/object_values.h"
+#include "fuzz/random_object.h"
+#include "tools/geomtool/decoder.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fuzzer/FuzzedDataProvider.h>
+#include <span>
+#include <string>
+#include <vector>
+
+// Random objects, written in both versions: what the decoder reads must be what the objects hold.
+
+namespace {
+
+using namespace meshcast::fuzz;
+
+int findings = 0;
+
+void setVariable(const char* variable, bool on) {
+    check((on ? setenv(variable, "", 1) : unsetenv(variable)) == 0, "no environment");
+}
+
+void verify(const RandomObject& object) {
+    findings = 0;
+    const int passed = GEOMcheck_obj(object.object.get(), 0, [](const char*) { ++findings; });
+    check(passed != 0 || findings > 0, "an object fails without a finding");
+    check(!object.isSound || findings == 0, "a sound object has findings");
+}
+
+std::string written(const std::vector<RandomObject>& objects, bool raw, int flags) {
+    static const MemoryFile file;
+    setVariable("KRA_GEOM_WRITE_V2", raw);
+    file.clear();
+    for (const RandomObject& object : objects) {
+        GEOMwrite_obj(object.object.get(), file.descriptor(), flags);
+    }
+    return file.contents();
+}
+
+void checkDecoded(const std::vector<RandomObject>& objects, const std::string& stream,
+                  int version) {
+    const auto decoded = geom_stream::decode(std::as_bytes(std::span(stream)));
+    if (decoded.error) {
+        finding("at byte %zu: %s", decoded.error->offset, decoded.error->message.c_str());
+    }
+    check(decoded.objects.size() == objects.size(), "objects are missing");
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        check(decoded.objects[i].version == version, "another version was written");
+        check(ObjectValues(decoded.objects[i]) == ObjectValues(heldValues(*objects[i].object)),
+              "an object is read back as another");
+    }
+}
+
+/// The flags of a write drop bits from the header's fourth word, and change nothing else.
+void checkDroppedBits(const std::vector<RandomObject>& objects, std::string stream) {
+    constexpr int kDropped = GEOM_HAS_NORMALS | GEOM_HAS_COLORS;
+    constexpr std::size_t kLowestByteOfData = 11;
+    auto decoded = geom_stream::decode(std::as_bytes(std::span(stream)));
+    for (const geom_stream::Object& object : decoded.objects) {
+        char& byte = stream[object.offset + kLowestByteOfData];
+        byte = static_cast<char>(static_cast<unsigned char>(byte) & ~kDropped);
+    }
+    check(written(objects, false, kDropped) == stream, "dropping flags changes more than them");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    FuzzedDataProvider choices(data, size);
+    setVariable("KRA_GEOM_VERIFY", choices.ConsumeBool());
+    setVariable("KRA_GEOM_DEBUG", choices.ConsumeBool());
+    geom::forget_environment();
+
+    std::vector<RandomObject> objects;
+    do {
+        objects.push_back(randomObject(choices));
+        verify(objects.back());
+    } while (objects.size() < 4 && choices.remaining_bytes() > 0);
+
+    const std::string stream = written(objects, false, 0);
+    checkDecoded(objects, stream, 10);
+    checkDecoded(objects, written(objects, true, 0), 7);
+    checkDroppedBits(objects, stream);
+
+    GEOMobj* const kept = objects.front().object.get();
+    ++kept->refs;
+    check(GEOMdestroy_obj(kept) == 1, "an object with references is gone");
+    return 0;
+}
