@@ -99,7 +99,8 @@ public:
 
 private:
     std::int64_t cost(const QvNode& node) {
-        constexpr std::int64_t kAnyNode = 50;
+        constexpr std::int64_t kGroup = 10;
+        constexpr std::int64_t kAnyNode = 500;
         if (const auto* const coordinates = dynamic_cast<const QvCoordinate3*>(&node)) {
             points_ = std::max<std::int64_t>(points_, coordinates->point.num);
         } else if (const auto* const faces = dynamic_cast<const QvIndexedFaceSet*>(&node)) {
@@ -108,11 +109,13 @@ private:
             return kAnyNode + lines->coordIndex.num;
         } else if (dynamic_cast<const QvPointSet*>(&node) != nullptr) {
             return kAnyNode + points_;
+        } else if (dynamic_cast<const QvGroup*>(&node) != nullptr) {
+            return kGroup;
         }
         return kAnyNode;
     }
 
-    std::int64_t left_ = 1'000'000;
+    std::int64_t left_ = 250'000;
     std::int64_t points_ = 0;
 };
 
