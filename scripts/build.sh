@@ -6,6 +6,6 @@ set -eu
 cd "$(dirname "$0")/.."
 preset="${1:-release}"
 [ $# -eq 0 ] || shift
-scripts/setup.sh
+if [ "$preset" = fuzz ]; then scripts/setup.sh --fuzz; else scripts/setup.sh; fi
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"} -- --quiet >&2

@@ -2,13 +2,15 @@
 # Installs what meshcast needs on Debian 12 and is missing: run as root, or with sudo at hand.
 # Prints nothing and changes nothing when everything is there.
 #   scripts/setup.sh              what building, testing and the tools need
+#   scripts/setup.sh --fuzz       besides, what fuzzing needs
 #   scripts/setup.sh --developer  besides, what the checks of CONTRIBUTING.md and the benchmarks need
 set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
 nlohmann-json3-dev libgtest-dev libgmock-dev"
+[ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then
-    packages="$packages clang libclang-rt-14-dev clang-format clang-tidy libbenchmark-dev python3 valgrind git"
+    packages="$packages clang-format clang-tidy libbenchmark-dev python3 valgrind git"
 fi
 
 missing=""
