@@ -111,8 +111,9 @@ std::vector<std::string> wordsOf(const QvField& field) {
 }
 
 CatalogueClass describe(const NodeClass& nodeClass) {
-    const std::unique_ptr<QvNode> node = nodeClass.create();
-    CatalogueClass described{nodeClass.name, dynamic_cast<QvGroup*>(node.get()) != nullptr, {}};
+    NodePool nodes;
+    QvNode* const node = nodeClass.create(nodes);
+    CatalogueClass described{nodeClass.name, dynamic_cast<QvGroup*>(node) != nullptr, {}};
     const FieldTable& table = node->getFieldTable();
     for (const FieldTable::FieldEntry& entry : table.fields()) {
         const QvField& field = *table.findField(*node, entry.name);

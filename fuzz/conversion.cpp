@@ -4,6 +4,7 @@
 #include "convert/context.h"
 #include "convert/text_switch.h"
 #include "convert/texture_switch.h"
+#include "fuzz/catalogue_text.h"
 #include "fuzz/finding.h"
 #include "fuzz/memory_file.h"
 #include "fuzz/object_values.h"
@@ -11,6 +12,7 @@
 #include "traverse/groups.h"
 #include "traverse/state.h"
 #include "vrml/input.h"
+#include "vrml/names.h"
 #include "vrml/node.h"
 #include "vrml/nodes.h"
 #include "vrml/scene_reader.h"
@@ -135,6 +137,7 @@ void setEnvironment(const char* variable, bool on) {
 
 /// Reads the scene, and walks it unless that would take long.
 void readAndWalk(std::string_view scene, std::size_t pieceSize) {
+    const NameScope names;
     MemorySource source(scene, pieceSize);
     NodePool nodes;
     VrmlInput input(nodes, source);
@@ -175,6 +178,21 @@ Outcome run(std::string_view scene, const Road& road) {
     return {std::move(decoded.objects), errors.contents()};
 }
 
+/// What a process does once, before its first scene.
+int prepare() {
+    check(setenv("RGBTMP", imageFolder().c_str(), 1) == 0, "no environment");
+    constexpr std::string_view kTag = "MESHCAST";
+    std::copy(kTag.begin(), kTag.end(), programTag.begin());
+    initialiseConversion();
+    // The names that every scene shares have to be there before those of the first are forgotten.
+    catalogue();
+    NodePool nodes;
+    MemorySource source("#VRML V1.0 ascii\nGroup { }");
+    VrmlInput input(nodes, source);
+    QvNode* root = nullptr;
+    return readScene(input, root) ? 1 : 0;
+}
+
 void compare(const Outcome& a, const Outcome& b) {
     if (a.messages != b.messages) {
         finding("messages differ:\n%s---\n%s", a.messages.c_str(), b.messages.c_str());
@@ -191,14 +209,7 @@ void compare(const Outcome& a, const Outcome& b) {
 } // namespace
 
 void convertAndCheck(std::string_view scene) {
-    static const bool prepared = [] {
-        __sanitizer_set_report_fd(reinterpret_cast<void*>(std::intptr_t(originalStandardError())));
-        setenv("RGBTMP", imageFolder().c_str(), 1);
-        constexpr std::string_view kTag = "MESHCAST";
-        std::copy(kTag.begin(), kTag.end(), programTag.begin());
-        initialiseConversion();
-        return true;
-    }();
+    static const int prepared = prepare();
     static_cast<void>(prepared);
 
     const std::size_t choice = std::hash<std::string_view>()(scene);

@@ -78,8 +78,16 @@ public:
 private:
     // ---- values
 
+    /// The fuzzer chooses the first values of an array, and none of those behind.
+    static constexpr int kChosen = 64;
+
     bool maybe() { return choices_.ConsumeBool(); }
     std::int64_t smallCount() { return choices_.ConsumeIntegralInRange<std::int64_t>(0, 7); }
+    /// Small too, but for some counts that take an array over the end of a piece of the stream.
+    std::int64_t vertexCount() {
+        const auto count = choices_.ConsumeIntegralInRange<std::int64_t>(0, 31);
+        return count < 28 ? count % 8 : 100 * (count - 20);
+    }
     /// A count where `expected` is right.
     std::int64_t countLike(std::int64_t expected) {
         return isSound_ ? expected : choices_.ConsumeIntegralInRange<std::int64_t>(-1, 9);
@@ -97,13 +105,17 @@ private:
     }
     Floats numbers(std::int64_t count, float (Maker::*one)() = &Maker::number) {
         Floats values(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
-        std::generate(values.begin(), values.end(), [&] { return (this->*one)(); });
+        std::generate(values.begin(), values.end(), [&, i = 0]() mutable {
+            return ++i < kChosen ? (this->*one)() : 1 / static_cast<float>(i);
+        });
         return values;
     }
     template <class T>
     std::vector<T> integers(std::int64_t count) {
         std::vector<T> values(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
-        std::generate(values.begin(), values.end(), [&] { return choices_.ConsumeIntegral<T>(); });
+        std::generate(values.begin(), values.end(), [&, i = 0]() mutable {
+            return ++i < kChosen ? choices_.ConsumeIntegral<T>() : static_cast<T>(i);
+        });
         return values;
     }
 
@@ -200,7 +212,7 @@ private:
     std::vector<std::int64_t> addVerticesInBatches() {
         std::vector<std::int64_t> batches;
         while (batches.size() < 3 && maybe()) {
-            batches.push_back(smallCount());
+            batches.push_back(vertexCount());
             addVertices(batches.back());
         }
         return batches;
@@ -274,7 +286,7 @@ private:
             object_->flags |= choices_.ConsumeIntegral<std::uint32_t>() & kPromises;
         }
         while (maybe() && choices_.remaining_bytes() > 0) {
-            const std::int64_t n = smallCount();
+            const std::int64_t n = vertexCount();
             // What a sound object's flags promise, all of its parts have.
             if (maybe() && !(isSound_ && colored)) {
                 addVertices(n);
@@ -340,7 +352,7 @@ private:
     }
 
     void makeSpheres() {
-        const std::int64_t n = smallCount();
+        const std::int64_t n = vertexCount();
         const Floats centers = numbers(3 * n);
         object_.reset(
             GEOMcreate_sphere(nullptr, centers.data(), nullptr, nullptr, nullptr, n, GEOM_COPY));
