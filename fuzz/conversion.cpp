@@ -63,10 +63,17 @@ std::vector<std::string> shellWords(const char* command) {
     return quoted ? std::vector<std::string>() : words;
 }
 
+bool isConverting = false;
+
 } // namespace
 
-/// Stands in for the shell that runs image converters.
-extern "C" int system(const char* command) {
+extern "C" int __real_system(const char* command);
+
+/// Stands in for the shell that runs image converters. (The fuzzer uses the shell for itself.)
+extern "C" int __wrap_system(const char* command) {
+    if (!isConverting) {
+        return __real_system(command);
+    }
     const std::vector<std::string> words = shellWords(command);
     if (words.size() != 3 || !words[2].starts_with(imageFolder() + "/")) {
         meshcast::fuzz::finding("the shell is told: %s", command);
@@ -166,7 +173,9 @@ Outcome run(std::string_view scene, const Road& road) {
     errors.clear();
     dup2(output.descriptor(), STDOUT_FILENO);
     dup2(errors.descriptor(), STDERR_FILENO);
+    isConverting = true;
     readAndWalk(scene, road.pieceSize);
+    isConverting = false;
     dup2(originalStandardError(), STDERR_FILENO);
 
     const std::string stream = output.contents();
