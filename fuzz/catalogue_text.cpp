@@ -36,8 +36,11 @@ std::string integer(Random& random, Words /*words*/) {
 
 template <std::string (*One)(Random&, Words)>
 std::string list(Random& random, Words words) {
+    // Much in a shape depends on lists of one length.
+    constexpr std::size_t kUsual = 4;
     std::string text = "[ ";
-    for (std::size_t count = random.below(kLongestList); count > 0; --count) {
+    for (std::size_t count = random.oneIn(2) ? kUsual : random.below(kLongestList); count > 0;
+         --count) {
         text += One(random, words) + ", ";
     }
     return text + "]";

@@ -110,6 +110,12 @@ private:
         });
         return values;
     }
+    Floats sizes(std::int64_t count) {
+        Floats values = numbers(count);
+        std::transform(values.begin(), values.end(), values.begin(),
+                       [](float value) { return std::fabs(value); });
+        return values;
+    }
     template <class T>
     std::vector<T> integers(std::int64_t count) {
         std::vector<T> values(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
@@ -183,11 +189,7 @@ private:
         });
     }
     void addRadii(std::int64_t n) {
-        Floats given = numbers(n);
-        if (isSound_) {
-            std::transform(given.begin(), given.end(), given.begin(),
-                           [](float r) { return std::fabs(r); });
-        }
+        const Floats given = sizes(n);
         const GEOMscalar_list* const list =
             object_->type == GEOM_SPHERE ? &object_->sphere.radii : nullptr;
         add(list, given, given,
@@ -213,7 +215,15 @@ private:
         std::vector<std::int64_t> batches;
         while (batches.size() < 3 && maybe()) {
             batches.push_back(vertexCount());
-            addVertices(batches.back());
+            const std::int64_t n = batches.back();
+            if (isSound_ || maybe()) {
+                addVertices(n);
+                continue;
+            }
+            const Floats vertices = numbers(3 * n);
+            const Floats normals = numbers(3 * n);
+            GEOMadd_vertices_with_data(object_.get(), vertices.data(), normals.data(), nullptr, n,
+                                       GEOM_COPY);
         }
         return batches;
     }
@@ -253,15 +263,23 @@ private:
         }
     }
 
+    /// The number of a vertex, mostly of one that is there.
+    std::int32_t corner() {
+        const auto choice = choices_.ConsumeIntegralInRange<std::int32_t>(0, 31);
+        if (choice == 31) {
+            return choices_.ConsumeIntegral<std::int32_t>();
+        }
+        const auto count = static_cast<std::int32_t>(object_->polyhedron.vertices.used);
+        return count == 0 ? choice : choice % count + 1;
+    }
+
     void addPolygons() {
         std::vector<std::int32_t> list;
         for (std::int64_t count = smallCount(); count > 0; --count) {
             const auto corners = static_cast<std::int32_t>(smallCount() + 1);
             list.push_back(corners);
             for (std::int32_t i = 0; i < corners; ++i) {
-                list.push_back(choices_.ConsumeProbability<float>() < 0.95F
-                                   ? choices_.ConsumeIntegralInRange<std::int32_t>(0, 12)
-                                   : choices_.ConsumeIntegral<std::int32_t>());
+                list.push_back(corner());
             }
         }
         list.push_back(maybe() ? 0 : -1);
@@ -354,9 +372,14 @@ private:
     void makeSpheres() {
         const std::int64_t n = vertexCount();
         const Floats centers = numbers(3 * n);
-        object_.reset(
-            GEOMcreate_sphere(nullptr, centers.data(), nullptr, nullptr, nullptr, n, GEOM_COPY));
-        if (maybe()) {
+        const bool haveRadii = maybe();
+        const Floats radii = sizes(n);
+        object_.reset(GEOMcreate_sphere(nullptr, centers.data(), haveRadii ? radii.data() : nullptr,
+                                        nullptr, nullptr, n, GEOM_COPY));
+        check(areSame(held(&object_->sphere.centers), centers) &&
+                  (!haveRadii || areSame(held(&object_->sphere.radii), radii)),
+              "spheres are not where they were created");
+        if (!isSound_ && maybe()) {
             addRadii(countLike(n));
         }
         addData({n}, !isSound_);

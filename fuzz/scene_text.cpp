@@ -158,8 +158,12 @@ std::string insertChild(const SceneText& scene, std::string_view child, Random& 
 
 // ---- mutations: each makes a new text, or gives the old one where it does not apply
 
-std::string insertNode(const SceneText& scene, Random& random) {
-    return insertChild(scene, randomNode(random), random);
+std::string insertNodes(const SceneText& scene, Random& random) {
+    std::string nodes = randomNode(random);
+    for (std::size_t count = random.below(4); count > 0; --count) {
+        nodes += " " + randomNode(random);
+    }
+    return insertChild(scene, nodes, random);
 }
 
 std::string repeatNode(const SceneText& scene, Random& random) {
@@ -270,10 +274,10 @@ std::string changeToken(const SceneText& scene, Random& random) {
 using Mutation = std::string (*)(const SceneText&, Random&);
 
 /// Those that lead into the conversion more often than those that end in read errors.
-constexpr Mutation kMutations[] = {insertNode, insertNode, insertNode, setField,     setField,
-                                   setField,   setField,   repeatNode, removeNode,   swapNodes,
-                                   wrapNode,   defineNode, useNode,    changeNumber, changeNumber,
-                                   changeList, changeList, changeToken};
+constexpr Mutation kMutations[] = {
+    insertNodes, insertNodes,  insertNodes,  setField,   setField,   setField,
+    setField,    repeatNode,   removeNode,   swapNodes,  wrapNode,   defineNode,
+    useNode,     changeNumber, changeNumber, changeList, changeList, changeToken};
 
 constexpr std::string_view kEmptyScene = "#VRML V1.0 ascii\nSeparator { }\n";
 
