@@ -4,6 +4,7 @@
 #include "vrml/node.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <type_traits>
@@ -207,36 +208,20 @@ bool QvSFImage::readValue(VrmlInput& input) {
     if (!input.readShort(width) || !input.readShort(height) || !input.readInteger(components)) {
         return false;
     }
-    bytes_.reset();
-    size_ = 0;
+    bytes_.clear();
     if (width < 0 || height < 0 || components < 0) {
         return false;
     }
-    // At most 2^15 x 2^15 x 2^31: fits 64 bits.
-    const auto pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
-    const auto pixelSize = static_cast<std::size_t>(components);
-    const std::uint64_t size = pixels * pixelSize;
-    if (size > std::numeric_limits<std::size_t>::max() / 2) {
-        return false;
-    }
-    if (size != 0) {
-        // Zeroed memory costs nothing until it is written, so a size that no pixels follow is free.
-        bytes_.reset(static_cast<std::uint8_t*>(std::calloc(static_cast<std::size_t>(size), 1)));
-        if (bytes_ == nullptr) {
-            return false;
-        }
-    }
-    size_ = static_cast<std::size_t>(size);
-    // A number holds four bytes; further ones stay zero.
-    const std::size_t stored = std::min<std::size_t>(pixelSize, 4);
-    for (std::uint64_t pixel = 0; pixel < pixels; ++pixel) {
+    // The size is only what the scene claims: memory goes to the pixels that are there.
+    const std::int64_t pixels = std::int64_t(width) * height;
+    const int stored = std::min(components, 4);
+    for (std::int64_t pixel = 0; pixel < pixels; ++pixel) {
         std::uint32_t number = 0;
         if (!input.skipWhiteSpace() || !input.readUnsigned(number)) {
             return false;
         }
-        for (std::size_t byte = 0; byte < stored; ++byte) {
-            bytes_[static_cast<std::size_t>((pixel + 1) * pixelSize - 1 - byte)] =
-                static_cast<std::uint8_t>(number >> (8 * byte));
+        for (int byte = stored - 1; byte >= 0; --byte) {
+            bytes_.push_back(static_cast<std::uint8_t>(number >> (8 * byte)));
         }
     }
     return true;

@@ -5,11 +5,11 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace meshcast {
 
@@ -167,19 +167,16 @@ public:
     QvSFImage(QvNode& node, const char* name) : QvSField(node, name) {}
     bool readValue(VrmlInput& input) override;
 
-    /// The pixel bytes, width x height x components of them, in input order.
-    std::span<const std::uint8_t> bytes() const { return {bytes_.get(), size_}; }
+    /// The bytes of the pixels in input order, `components` of each. Of a wider pixel than the four
+    /// bytes that a number has, these four: the ones before them would be zero.
+    std::span<const std::uint8_t> bytes() const { return bytes_; }
 
     std::int16_t width = 0;
     std::int16_t height = 0;
     std::int32_t components = 0;
 
 private:
-    struct Free {
-        void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-    };
-    std::unique_ptr<std::uint8_t[], Free> bytes_;
-    std::size_t size_ = 0;
+    std::vector<std::uint8_t> bytes_;
 };
 
 class QvSFString final : public QvSField {
