@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <poll.h>
 #include <unistd.h>
 
 namespace meshcast {
@@ -12,7 +13,11 @@ std::size_t DescriptorSource::read(char* buffer, std::size_t capacity) {
         if (count >= 0) {
             return static_cast<std::size_t>(count);
         }
-        if (errno != EINTR) {
+        // Whoever shares the descriptor may have made it one that does not wait.
+        pollfd ready{descriptor_, POLLIN, 0};
+        if (errno == EAGAIN) {
+            ::poll(&ready, 1, -1);
+        } else if (errno != EINTR) {
             return 0;
         }
     }

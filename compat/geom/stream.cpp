@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -33,6 +34,12 @@ std::int64_t write_piece(int fd, const unsigned char* bytes, std::size_t n) {
         const ssize_t result = ::write(fd, bytes + done, n - done);
         if (result < 0 && errno == EINTR)
             continue;
+        if (result < 0 && errno == EAGAIN) {
+            // Whoever shares the descriptor may have made it one that does not wait.
+            pollfd ready{fd, POLLOUT, 0};
+            ::poll(&ready, 1, -1);
+            continue;
+        }
         if (result < 1)
             return result;
         done += static_cast<std::size_t>(result);
