@@ -26,7 +26,7 @@ void* allocate_zeroed(std::int64_t count, std::size_t size, const AllocationSite
 // Grows or moves `old`; the memory line ends in ", old ptr 0x<low 32 bits>".
 void* reallocate(void* old, std::int64_t count, std::size_t size, const AllocationSite& site);
 
-// A block, or null: for the one caller that goes on without.
+// A block, or null: for the stream, whose failure has no memory line.
 void* try_allocate(std::size_t bytes);
 
 // Frees a block; null is fine. Takes what was adopted through a pointer to const as well.

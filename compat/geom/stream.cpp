@@ -6,6 +6,7 @@
 #include "compat/geom/stream.h"
 
 #include "compat/geom/format.h"
+#include "compat/geom/geom.h"
 #include "compat/geom/memory.h"
 
 #include <algorithm>
@@ -249,7 +250,7 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
 GEOMstream* geom::create_stream(int fd) {
     void* const memory = geom::try_allocate(sizeof(GEOMstream));
     if (memory == nullptr)
-        return nullptr;
+        GEOMfatal_error("out of memory");
     // Member by member: clearing the buffers would cost as much as writing a small object.
     auto* const stream = new (memory) GEOMstream;
     stream->fd = fd;

@@ -315,11 +315,10 @@ void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags) {
                     flags);
     }
     const bool raw = std::getenv("KRA_GEOM_WRITE_V2") != nullptr;
-    if (GEOMstream* stream = geom::create_stream(fd)) {
-        GEOMserialize_obj(GEOMstream_write, obj, stream, flags,
-                          raw ? GEOM_VERSION_RAW : GEOM_VERSION_XDR);
-        geom::close_stream(stream);
-    }
+    GEOMstream* const stream = geom::create_stream(fd);
+    GEOMserialize_obj(GEOMstream_write, obj, stream, flags,
+                      raw ? GEOM_VERSION_RAW : GEOM_VERSION_XDR);
+    geom::close_stream(stream);
     if (trace)
         std::printf("return from GEOMwrite_obj\n\n");
 }

@@ -2,11 +2,11 @@
 
 #include "compat/geom/geom.h"
 #include "tests/support/capture.h"
+#include "tests/support/faults.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -38,16 +38,6 @@ template <class T, int N>
 std::vector<T> values_of(const GEOMlist<T, N>& list) {
     return {list.data, list.data + list.used * N};
 }
-
-// The number of the allocation that fails, counted from now on; 0 for none.
-extern int allocation_to_fail;
-
-// What the next calls of write() do, in order; later ones do what they should.
-struct WriteFault {
-    long result; // below 0: fails with `error`; 0: returns 0; else: writes that many at most
-    int error = 0;
-};
-extern std::deque<WriteFault> write_faults;
 
 // The bytes that reach a descriptor which `code` writes to.
 std::string written(const std::function<void(int fd)>& code);

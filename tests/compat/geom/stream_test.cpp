@@ -40,7 +40,7 @@ void expect_bulk_as_single(void (*many)(GEOMstream*, const T*, std::int64_t),
     // ends of a piece that cut a value; only raw streams stand at odd places
     const std::pair<int, std::size_t> places[] = {{10, 0}, {10, 8188}, {7, 4097}, {7, 8189}};
     for (const auto& [version, offset] : places)
-        for (const WriteFault fault : {WriteFault{5}, {0}, {-1, EIO}}) {
+        for (const IoFault fault : {IoFault{5}, {0}, {-1, EIO}}) {
             std::vector<std::string> streams;
             for (const Put& put : {in_bulk, elsewhere, one_by_one}) {
                 write_faults = {fault};
@@ -87,7 +87,7 @@ TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
     for (int i = 0; i < 3 * 8192 + 100; ++i)
         data += static_cast<char>(i * 7 >> 4);
     // short and interrupted writes go on; a write that fails loses its piece and the rest
-    const auto expect = [&](std::deque<WriteFault> faults, std::int64_t result, std::size_t kept) {
+    const auto expect = [&](std::deque<IoFault> faults, std::int64_t result, std::size_t kept) {
         write_faults = std::move(faults);
         const std::string bytes = streamed(10, [&](GEOMstream* s) {
             EXPECT_EQ(GEOMstream_write(s, data.data(), std::ssize(data)), result);

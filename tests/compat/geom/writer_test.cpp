@@ -124,8 +124,8 @@ TEST(Record, HasZerosForWhatTheObjectLacks) {
 
 TEST(Record, NeedsAStreamAndSetsItsVersion) {
     const Object obj = make(GEOM_SPHERE);
-    allocation_to_fail = 1;
-    EXPECT_EQ(record(obj), "");
+    EXPECT_EXIT((allocation_to_fail = 1, geom::create_stream(-1)), testing::ExitedWithCode(1),
+                "^GEOM fatal error: out of memory\n$");
     GEOMstream* stream = geom::create_stream(-1);
     GEOMserialize_obj(GEOMstream_write, obj.get(), stream, 0, 9);
     EXPECT_EQ(stream->version, 7);
