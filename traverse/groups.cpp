@@ -124,12 +124,12 @@ void QvTransformSeparator::traverse(QvState& state) {
     if (!open) {
         return;
     }
-    auto element = std::make_unique<QvElement>(this, QvElementType::NoOpTransform);
-    const QvElement* const marker = element.get();
-    state.addElement(QvElementKind::Transformation, std::move(element));
+    state.addElement(QvElementKind::Transformation,
+                     std::make_unique<QvElement>(this, QvElementType::NoOpTransform));
+    const std::int32_t marked = state.count(QvElementKind::Transformation);
     traverseAll(*this, state);
     // The marker stays: it transforms nothing, and goes with the level that it stands on.
-    while (state.getTopElement(QvElementKind::Transformation) != marker) {
+    while (state.count(QvElementKind::Transformation) > marked) {
         state.popElement(QvElementKind::Transformation);
     }
 }

@@ -24,10 +24,14 @@ QvState::~QvState() {
 }
 
 void QvState::addElement(QvElementKind kind, std::unique_ptr<QvElement> element) {
+    if (count(kind) >= kMaxElements && getTopElement(kind)->depth == depth) {
+        popElement(kind);
+    }
     QvElement*& top = stacks[indexOf(kind)];
     element->depth = depth;
     element->next = top;
     top = element.release();
+    ++counts_[indexOf(kind)];
 }
 
 void QvState::push() {
@@ -47,6 +51,7 @@ void QvState::popElement(QvElementKind kind) {
     QvElement*& top = stacks[indexOf(kind)];
     const std::unique_ptr<QvElement> dropped(top);
     top = dropped->next;
+    --counts_[indexOf(kind)];
 }
 
 } // namespace meshcast

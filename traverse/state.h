@@ -65,6 +65,10 @@ public:
 /// All properties in force at one point of the walk: for each kind a stack whose top is the most
 /// recent element. Elements are stamped with the depth at which they were added, so that leaving a
 /// level drops those of all kinds at once.
+///
+/// A scene of a few lines can add properties without end on one level, by groups that are used
+/// again and again. On a stack of kMaxElements or more an element replaces the one that the same
+/// level added before it: of all kinds but transforms only the last one counts.
 class QvState {
 public:
     QvState() = default;
@@ -72,6 +76,8 @@ public:
     QvState& operator=(const QvState&) = delete;
     /// Drops all elements.
     ~QvState();
+
+    static constexpr std::int32_t kMaxElements = 100'000;
 
     /// Puts an element on top of its stack. The state owns it from now on.
     void addElement(QvElementKind kind, std::unique_ptr<QvElement> element);
@@ -83,12 +89,16 @@ public:
     void popElement(QvElementKind kind);
     /// The top of a stack, or null: no such property is in force.
     const QvElement* getTopElement(QvElementKind kind) const { return stacks[indexOf(kind)]; }
+    /// The number of elements on a stack.
+    std::int32_t count(QvElementKind kind) const { return counts_[indexOf(kind)]; }
 
     std::int32_t depth = 0;
     std::array<QvElement*, kElementKinds> stacks{};
 
 private:
     static std::size_t indexOf(QvElementKind kind) { return static_cast<std::size_t>(kind); }
+
+    std::array<std::int32_t, kElementKinds> counts_{};
 };
 
 /// The node of class `Node` that is on top of a stack, or null. Every kind but lights, cameras and
