@@ -1,4 +1,5 @@
 #include "tests/driver/scene_files.h"
+#include "tests/support/conversion.h"
 #include "tools/geomtool/decoder.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 // The program as a process: its pipes, its environment, its status.
 namespace {
@@ -36,35 +38,73 @@ std::vector<geom_stream::Object> objects(const std::string& stream) {
 
 const std::string kCube = "printf '#VRML V1.0 ascii\\nCube { }' | ";
 
+/// The program at work on a scene, between two pipes that stay open.
+struct Process {
+    explicit Process(const std::string& scene) {
+        std::array<int, 2> input{};
+        std::array<int, 2> output{};
+        EXPECT_EQ(pipe(input.data()) + pipe(output.data()), 0);
+        id = fork();
+        if (id == 0) {
+            dup2(input[0], 0);
+            dup2(output[1], 1);
+            close(input[1]);
+            close(output[0]);
+            for (const int inherited : {SIGPIPE, SIGINT, SIGTERM}) {
+                signal(inherited, SIG_DFL);
+            }
+            execl(MESHCAST, MESHCAST, static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        close(input[0]);
+        close(output[1]);
+        in = input[1];
+        out = output[0];
+        for (const char& c : scene) { // As slowly as can be.
+            EXPECT_EQ(write(in, &c, 1), 1);
+        }
+    }
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+    ~Process() {
+        close(in);
+        close(out);
+    }
+
+    int waitForStatus() const {
+        int status = -1;
+        alarm(60); // Ends the test, should the filter go on.
+        EXPECT_EQ(waitpid(id, &status, 0), id);
+        alarm(0);
+        return status;
+    }
+
+    pid_t id;
+    int in;
+    int out;
+};
+
 TEST(Filter, EndsWhileItsWriterKeepsThePipeOpen) {
-    const std::string scene = "#VRML V1.0 ascii\nSeparator { Cube { } }";
-    std::array<int, 2> in{};
-    std::array<int, 2> out{};
-    ASSERT_EQ(pipe(in.data()) + pipe(out.data()), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(in[0], 0);
-        dup2(out[1], 1);
-        close(in[1]);
-        execl(MESHCAST, MESHCAST, static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    close(out[1]);
-    for (const char& c : scene) { // As slowly as can be.
-        ASSERT_EQ(write(in[1], &c, 1), 1);
-    }
-    alarm(60); // Ends the test, should the filter wait for more.
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    alarm(0);
-    EXPECT_EQ(status, 0);
+    const Process filter("#VRML V1.0 ascii\nSeparator { Cube { } }");
+    EXPECT_EQ(filter.waitForStatus(), 0);
     std::string stream(4096, '\0');
-    stream.resize(
-        static_cast<std::size_t>(std::max<ssize_t>(read(out[0], stream.data(), stream.size()), 0)));
+    stream.resize(static_cast<std::size_t>(
+        std::max<ssize_t>(read(filter.out, stream.data(), stream.size()), 0)));
     EXPECT_EQ(objects(stream).size(), 1U);
-    close(in[0]);
-    close(in[1]);
-    close(out[0]);
+}
+
+TEST(Filter, EndsAtOnceWhenToldToOrLeftAlone) {
+    for (const int signal : {SIGPIPE, SIGINT, SIGTERM}) {
+        Process filter("#VRML V1.0 ascii\n" + meshcast::doubled("Cube { }", 30));
+        char c = 0;
+        EXPECT_EQ(read(filter.out, &c, 1), 1); // It is at work on a billion cubes.
+        if (signal == SIGPIPE) {
+            close(std::exchange(filter.out, -1));
+        } else {
+            kill(filter.id, signal);
+        }
+        EXPECT_EQ(filter.waitForStatus(), W_EXITCODE(0, signal));
+    }
 }
 
 TEST(Filter, WritesTheOlderVersionOnRequest) {

@@ -54,6 +54,15 @@ Conversion convert(std::string_view body) {
     return {std::move(decoded.objects), std::move(captured.out), std::move(captured.err)};
 }
 
+std::string doubled(const std::string& leaf, int levels) {
+    std::string text = "Group { Switch { DEF a0 " + leaf;
+    for (int i = 1; i <= levels; ++i) {
+        const std::string below = "USE a" + std::to_string(i - 1) + " ";
+        text += " DEF a" + std::to_string(i) + " Group { " + below + below + "}";
+    }
+    return text + " } USE a" + std::to_string(levels) + " }";
+}
+
 std::string readErrorText(std::string_view message, int line) {
     std::array<char, 64> where{};
     std::snprintf(where.data(), where.size(), "\n\tOccurred at line %3d\n", line);

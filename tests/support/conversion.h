@@ -43,6 +43,10 @@ Conversion convert(std::string_view body);
 /// The same for a text that brings its own header, and whatever comes out.
 Conversion convertRaw(std::string_view text);
 
+/// The text of nodes that use a leaf 2 to the power of `levels` times, each level the one below it
+/// twice.
+std::string doubled(const std::string& leaf, int levels);
+
 /// "VRML read error: MESSAGE" as it is printed for a line.
 std::string readErrorText(std::string_view message, int line);
 

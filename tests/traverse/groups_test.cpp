@@ -66,16 +66,27 @@ TEST(Groups, ScopeWhatTheirChildrenAdd) {
 }
 
 TEST(Groups, NodesInsideThemselvesAreReportedOnce) {
+    const auto contains = [](const std::string& name) {
+        return "VRML error in QvGroup::traverse(): Node \"" + name + "\" contains itself\n";
+    };
     const Conversion inSelf =
         convert("Group { DEF a Separator { Sphere { } USE a USE a Cube { } } Sphere { } }");
     EXPECT_EQ(inSelf.objects.size(), 3U);
-    EXPECT_EQ(inSelf.messages, "VRML error in QvGroup::traverse(): Node \"a\" contains itself\n");
+    EXPECT_EQ(inSelf.messages, contains("a"));
+    const char* const kinds[] = {"Group {", "TransformSeparator {", "Switch { whichChild 0",
+                                 "LOD {",   "Separator {",          "WWWAnchor {"};
+    for (const std::string outer : kinds) {
+        for (const std::string inner : kinds) {
+            const Conversion circle = convert("Group { DEF a " + outer + " DEF b " + inner +
+                                              " USE a } } USE b USE a Sphere { } }");
+            EXPECT_EQ(circle.messages, contains("a") + contains("b")) << outer << inner;
+            EXPECT_EQ(circle.objects.size(), 1U);
+        }
+    }
     const Conversion longer = convert("DEF a Group { DEF b LOD { DEF c Switch { whichChild -3 USE "
                                       "a USE b Sphere { } } } USE c }");
     EXPECT_EQ(longer.objects.size(), 2U);
-    EXPECT_EQ(longer.messages, "VRML error in QvGroup::traverse(): Node \"a\" contains itself\n"
-                               "VRML error in QvGroup::traverse(): Node \"b\" contains itself\n"
-                               "VRML error in QvGroup::traverse(): Node \"c\" contains itself\n");
+    EXPECT_EQ(longer.messages, contains("a") + contains("b") + contains("c"));
 }
 
 TEST(Groups, DepthMadeByUseIsBounded) {
@@ -94,6 +105,22 @@ TEST(Groups, DepthMadeByUseIsBounded) {
     const std::string message = "VRML error in QvGroup::traverse(): Nesting deeper than 10000 "
                                 "levels at node \"\"\n";
     EXPECT_EQ(deep.messages, message + message);
+}
+
+TEST(Groups, ElementsAddedByUseAreBounded) {
+    const std::string leaves = "Group { Material { } TransformSeparator { "
+                               "Scale { } } }";
+    const ReadScene scene(doubled(leaves, 17)); // 131,072 times.
+    QvState state;
+    scene.root->traverse(state);
+    for (const auto kind : {QvElementKind::Material, QvElementKind::Transformation}) {
+        EXPECT_EQ(state.count(kind), QvState::kMaxElements);
+    }
+    state.push();
+    state.addElement(QvElementKind::Material, std::make_unique<QvElement>());
+    EXPECT_EQ(state.count(QvElementKind::Material), QvState::kMaxElements + 1);
+    state.pop();
+    EXPECT_NE(state.getTopElement(QvElementKind::Material)->data, nullptr);
 }
 
 } // namespace

@@ -52,16 +52,21 @@ TEST(SceneReader, EveryFieldTypeCanBeDeclared) {
 }
 
 TEST(SceneReader, DepthIsBounded) {
-    const auto nested = [](int depth) {
+    const auto nested = [](int depth, const std::string& open = "Separator{") {
         std::string text;
         for (int i = 0; i < depth; ++i) {
-            text += "Separator{";
+            text += open;
         }
         return text.append(static_cast<std::size_t>(depth), '}');
     };
-    EXPECT_EQ(convert(nested(kMaxNestingDepth)).messages, "");
-    EXPECT_EQ(convert(nested(kMaxNestingDepth + 1)).messages,
-              readErrorText("Nesting deeper than 10000 levels", 2));
+    for (const char* const open :
+         {"DEF a Separator{", "Group{", "Switch{whichChild 0 ", "LOD{", "TransformSeparator{",
+          "WWWAnchor{", "WWWInline{", "X{fields [SFLong a] a 1 "}) {
+        EXPECT_EQ(convert(nested(kMaxNestingDepth, open)).messages, "") << open;
+        EXPECT_EQ(convert(nested(kMaxNestingDepth + 1, open)).messages,
+                  readErrorText("Nesting deeper than 10000 levels", 2))
+            << open;
+    }
     // Skipping what failed keeps no stack either.
     EXPECT_EQ(convert(std::string(1'000'000, '{')).messages,
               readErrorText("Extra characters ('{') found in input", 2));
