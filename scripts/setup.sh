@@ -4,6 +4,7 @@
 #   scripts/setup.sh              what building, testing and the tools need
 #   scripts/setup.sh --fuzz       besides, what fuzzing needs
 #   scripts/setup.sh --developer  besides, what the checks of CONTRIBUTING.md and the benchmarks need
+#   scripts/setup.sh --portability  besides, cross compilers and an emulator for scripts/portability.py
 set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
@@ -11,6 +12,9 @@ nlohmann-json3-dev libgtest-dev libgmock-dev"
 [ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then
     packages="$packages clang-format clang-tidy libbenchmark-dev python3 valgrind git"
+fi
+if [ "${1:-}" = "--portability" ]; then
+    packages="$packages clang python3 g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user"
 fi
 
 missing=""
