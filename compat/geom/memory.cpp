@@ -3,6 +3,7 @@
 #include "compat/geom/geom.h"
 
 #include <cinttypes>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -50,7 +51,9 @@ template <class Obtain>
 void* block_for(std::int64_t count, std::size_t size, const void* old, const AllocationSite& site,
                 Obtain obtain) {
     const std::int64_t bytes = block_bytes(count, size);
-    void* block = bytes == kTooLarge ? nullptr : obtain(static_cast<std::size_t>(bytes));
+    // A 32-bit machine has no block of the sizes that it can count.
+    const bool may_fit = bytes < std::numeric_limits<std::ptrdiff_t>::max();
+    void* block = may_fit ? obtain(static_cast<std::size_t>(bytes)) : nullptr;
     if (block == nullptr)
         give_up(bytes, old, site);
     return block;

@@ -348,7 +348,7 @@ std::vector<std::vector<std::int64_t>> Polyhedron::polygons() const {
     auto word = polygon_list.begin();
     while (word != polygon_list.end() && *word != 0) {
         const auto first = word + 1;
-        const auto past = first + *word;
+        const auto past = first + static_cast<std::ptrdiff_t>(*word);
         polygons.emplace_back(first, past);
         word = past;
     }
