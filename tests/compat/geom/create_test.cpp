@@ -113,7 +113,7 @@ TEST(Polygons, AreWidenedAndAppendedAndKeepTheirFlags) {
     const Object obj = make(GEOM_POLYHEDRON);
     const GEOMpolygon_list& list = obj->polyhedron.polygons;
     // a property of 3 bytes, as another writer of the array may leave it
-    obj->vals = block<unsigned char>({1, 0, 0, 0, 3, 0, 0, 0, 10, 0, 0, 0, 0xEE, 0xEE, 0xEE});
+    obj->vals = property(1, 10, {0xEE, 0xEE, 0xEE});
     obj->nvals = 1;
     GEOMadd_polygons(obj.get(), Ints{0}.data(), 0, GEOM_COPY);
     GEOMadd_polygons(obj.get(), Ints{3, 1, 2, 3, 0}.data(), 0xFF, GEOM_COPY);

@@ -34,6 +34,15 @@ T* block(const std::vector<T>& values) {
     return copy;
 }
 
+// The one property record of an object, words in the machine's own order, with bytes behind them.
+inline unsigned char* property(std::uint32_t kind, std::uint32_t value,
+                               std::vector<unsigned char> bytes) {
+    const std::uint32_t words[] = {kind, static_cast<std::uint32_t>(bytes.size()), value};
+    const auto* const first = reinterpret_cast<const unsigned char*>(words);
+    bytes.insert(bytes.begin(), first, first + sizeof words);
+    return block(bytes);
+}
+
 template <class T, int N>
 std::vector<T> values_of(const GEOMlist<T, N>& list) {
     return {list.data, list.data + list.used * N};

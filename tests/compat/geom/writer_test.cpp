@@ -63,14 +63,14 @@ TEST(Record, IsTheOneWrittenByHand) {
     obj = filled(GEOM_POLYHEDRON, 0xCE, 1, 2);
     obj->polyhedron.polygons = {5, 2, 2, block(std::vector<std::int64_t>{1, 1, 0, 0, 0})};
     obj->extent[0] = -1, obj->extent[3] = 1, obj->has_extent = 1;
-    obj->vals = block<unsigned char>({6, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0, 1, 2, 3});
+    obj->vals = property(6, 4, {1, 2, 3});
     obj->nvals = 1;
     obj->name = block<char>({'A', 'b', 0});
     expect_record("polyhedron 10", obj);
     obj = make(GEOM_POLYHEDRON);
     GEOMadd_vertices(obj.get(), Floats{0, 0, 0, NAN, INFINITY, -0.0F}.data(), 2, 0);
     GEOMadd_polygons(obj.get(), Ints{2, 2, -1, 0}.data(), 0, 0);
-    obj->vals = block<unsigned char>({6, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0, 255});
+    obj->vals = property(6, 2, {255});
     obj->nvals = 1;
     obj->name = block<char>({'N', 0});
     expect_record("polyhedron 7", obj);
