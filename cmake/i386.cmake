@@ -1,0 +1,6 @@
+# The 32-bit PC: small pointers, and a floating-point unit that rounds to its own width.
+set(processor i386)
+set(compiler_triplet i686-linux-gnu)
+set(library_triplet i386-linux-gnu)
+set(emulator qemu-i386)
+include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)
