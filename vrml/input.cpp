@@ -272,6 +272,25 @@ void VrmlInput::collectReal(std::string& text) {
     }
 }
 
+ScannedInteger VrmlInput::scanCutInteger() {
+    std::string text;
+    collectSign(text);
+    collectMagnitude(text);
+    return scanInteger(text.c_str());
+}
+
+ScannedMagnitude VrmlInput::scanCutMagnitude() {
+    std::string text;
+    collectMagnitude(text);
+    return scanMagnitude(text.c_str());
+}
+
+ScannedReal VrmlInput::scanCutReal() {
+    std::string text;
+    collectReal(text);
+    return scanReal(text.c_str());
+}
+
 bool VrmlInput::readInteger(std::int32_t& value) {
     if (!skipWhiteSpace()) {
         return false;
@@ -280,10 +299,7 @@ bool VrmlInput::readInteger(std::int32_t& value) {
     if (isWhole(scanned.end)) {
         next_ = scanned.end;
     } else {
-        std::string text;
-        collectSign(text);
-        collectMagnitude(text);
-        scanned = scanInteger(text.c_str());
+        scanned = scanCutInteger();
     }
     value = scanned.value;
     return scanned.ok;
@@ -301,9 +317,7 @@ bool VrmlInput::readUnsigned(std::uint32_t& value) {
     if (isWhole(scanned.end)) {
         next_ = scanned.end;
     } else {
-        std::string text;
-        collectMagnitude(text);
-        scanned = scanMagnitude(text.c_str());
+        scanned = scanCutMagnitude();
     }
     value = narrowUnsigned(scanned);
     return scanned.ok;
@@ -314,9 +328,7 @@ bool VrmlInput::readReal(double& value) {
     if (isWhole(scanned.end)) {
         next_ = scanned.end;
     } else {
-        std::string text;
-        collectReal(text);
-        scanned = scanReal(text.c_str());
+        scanned = scanCutReal();
     }
     value = scanned.value;
     return scanned.ok;

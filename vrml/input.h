@@ -2,6 +2,7 @@
 
 #include "vrml/byte_source.h"
 #include "vrml/names.h"
+#include "vrml/number_scan.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -136,6 +137,11 @@ private:
     void collectDigits(std::string& text, bool (*taken)(char));
     void collectMagnitude(std::string& text);
     void collectReal(std::string& text);
+    // Numbers that the block's end cuts, collected and scanned. Apart from the functions that read
+    // whole ones: the string here would cost each of those a checked frame.
+    [[gnu::noinline]] ScannedInteger scanCutInteger();
+    [[gnu::noinline]] ScannedMagnitude scanCutMagnitude();
+    [[gnu::noinline]] ScannedReal scanCutReal();
 
     NodePool& nodes_;
     ByteSource* source_;
