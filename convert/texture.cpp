@@ -204,7 +204,7 @@ void loadTexture(const QvState& state) {
     const std::string command = environment(converter.variable, converter.program) + " " +
                                 shellWord(sourcePath(name)) + " " + shellWord(convertedName(name));
     // Whether the converter has done its work shows in the copy, not in its exit status.
-    static_cast<void>(std::system(command.c_str()));
+    [[maybe_unused]] const int status = std::system(command.c_str());
 }
 
 std::optional<TextureUse> checkTexture(const QvState& state) {
