@@ -1,4 +1,5 @@
 #include "tests/driver/scene_files.h"
+#include "tests/support/capture.h"
 #include "tests/support/faults.h"
 #include "tools/geomtool/decoder.h"
 
@@ -27,13 +28,6 @@ struct Result {
     std::string messages;
 };
 
-std::string contentsOf(int file) {
-    std::string bytes(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
-    EXPECT_EQ(pread(file, bytes.data(), bytes.size(), 0), std::ssize(bytes));
-    close(file);
-    return bytes;
-}
-
 /// Runs the program on a scene, in a process of its own, where `prepare` is called first.
 Result run(
     const std::string& scene, const std::function<void()>& prepare,
@@ -54,7 +48,7 @@ Result run(
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     close(files[0]);
-    return {status, contentsOf(files[1]), contentsOf(files[2])};
+    return {status, takeContents(files[1]), takeContents(files[2])};
 }
 
 std::size_t wholeRecords(const std::string& stream) {
@@ -73,12 +67,8 @@ TEST(Faults, MemoryEndsTheRunWithItsWordsBetweenTwoRecords) {
             setenv("KRA_GEOM_WRITE_V2", "", 1);
             setenv("KRA_GEOM_VERIFY", "", 1);
         }
-        const auto failing = [&](int first) {
-            return [first, fromThereOn] {
-                allocation_to_fail = first;
-                all_later_fail = fromThereOn;
-            };
-        };
+        all_later_fail = fromThereOn;
+        const auto failing = [](int first) { return [first] { allocation_to_fail = first; }; };
         const Result whole = run(scene, [] {});
         ASSERT_EQ(whole.status, 0) << whole.messages;
         EXPECT_EQ(wholeRecords(whole.output), 13U);

@@ -9,4 +9,7 @@ struct Captured {
     std::string err;
 };
 
+/// All bytes of an open file, which is closed.
+std::string takeContents(int file);
+
 Captured capture(const std::function<void()>& code);
