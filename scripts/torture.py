@@ -93,7 +93,7 @@ SCENES = [
     Scene("mask", b"Cone { parts (", b"ALL|", b") }"),
     Scene("pixels", b"Texture2 { image 32767 32767 1 ", b"1 ", says=FIELD),
     Scene("pixels of 4 bytes", b"Texture2 { image 32767 32767 4 ", b"1 ", says=FIELD),
-    Scene("pixels of 4096 bytes", b"Texture2 { image 2048 2048 4096 ", b"1 ", b"}",
+    Scene("pixels of 4096 bytes", b"Texture2 { image 2049 2048 4096 ", b"1 ", b"}",
           says=FIELD, limit=8 << 20),
     Scene("pixels of 2 GiB", b"Texture2 { image 32767 32767 2147483647 ", b"1 ", says=FIELD),
     Scene("images", b"Texture2 {", b"image 32767 32767 4 1", says=FIELD),
