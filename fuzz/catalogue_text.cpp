@@ -104,22 +104,22 @@ const FieldType* typeOf(const QvField& field) {
 }
 
 std::vector<std::string> wordsOf(const QvField& field) {
+    const auto* const choice = dynamic_cast<const QvSFEnum*>(&field);
+    const EnumTable* const table = choice == nullptr ? nullptr : choice->words();
     std::vector<std::string> words;
-    if (const auto* const choice = dynamic_cast<const QvSFEnum*>(&field)) {
-        for (const InternedName name : choice->words()->names) {
-            words.emplace_back(name.view());
-        }
+    for (std::size_t i = 0; table != nullptr && i < table->names.size(); ++i) {
+        words.emplace_back(table->names[i].view());
     }
     return words;
 }
 
 CatalogueClass describe(const NodeClass& nodeClass) {
     NodePool nodes;
-    QvNode* const node = nodeClass.create(nodes);
-    CatalogueClass described{nodeClass.name, dynamic_cast<QvGroup*>(node) != nullptr, {}};
-    const FieldTable& table = node->getFieldTable();
+    QvNode& node = *nodeClass.create(nodes);
+    CatalogueClass described{nodeClass.name, dynamic_cast<QvGroup*>(&node) != nullptr, {}};
+    const FieldTable& table = node.getFieldTable();
     for (const FieldTable::FieldEntry& entry : table.fields()) {
-        const QvField& field = *table.findField(*node, entry.name);
+        const QvField& field = *table.findField(node, entry.name);
         described.fields.push_back({std::string(entry.name.view()), typeOf(field), wordsOf(field)});
     }
     return described;

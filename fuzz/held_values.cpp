@@ -4,7 +4,7 @@
 #include "compat/geom/prop.h"
 
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -19,20 +19,22 @@ using geom_stream::VertexArrays;
 
 constexpr std::uint32_t kAllFlags = 0x1FF;
 
-/// The first `count` elements of a list, each of as many values as an Element has.
-template <class Element, class T, int N>
+template <class T>
+T& component(T& element, std::size_t /*index*/) {
+    return element;
+}
+template <class T, std::size_t Width>
+T& component(std::array<T, Width>& element, std::size_t index) {
+    return element[index];
+}
+
+/// The first `count` elements of a list, each of `Width` values; zeros where the list has ended.
+template <class Element, std::size_t Width = std::size(Element{}), class T, int N>
 std::vector<Element> elements(const GEOMlist<T, N>* list, std::int64_t count) {
     std::vector<Element> result(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));
     const std::int64_t held = list == nullptr || list->data == nullptr ? 0 : list->used * N;
-    for (std::size_t i = 0; i < result.size() * sizeof(Element) / sizeof(T); ++i) {
-        if (std::cmp_less(i, held)) {
-            constexpr std::size_t kWidth = sizeof(Element) / sizeof(T);
-            if constexpr (kWidth == 1) {
-                result[i] = list->data[i];
-            } else {
-                result[i / kWidth][i % kWidth] = list->data[i];
-            }
-        }
+    for (std::size_t i = 0; i < result.size() * Width && std::cmp_less(i, held); ++i) {
+        component(result[i / Width], i % Width) = list->data[i];
     }
     return result;
 }
@@ -50,10 +52,11 @@ void fill(VertexArrays& arrays, const geom::ConstPart& part, std::uint32_t flags
     arrays.uvs = elements<Vec2>(part.uvs, countIf(GEOM_HAS_UVS, count));
     arrays.uvws = elements<Vec3>(part.uvs, countIf(GEOM_HAS_UVWS, count));
     arrays.vertex_data =
-        elements<std::int32_t>(part.vertex_data, countIf(GEOM_HAS_VERTEX_DATA, count));
-    arrays.primitive_data =
-        elements<std::int32_t>(part.primitive_data, countIf(GEOM_HAS_PRIMITIVE_DATA, primitives));
-    arrays.vertex_trans = elements<float>(part.vertex_trans, countIf(GEOM_HAS_VERTEX_TRANS, count));
+        elements<std::int32_t, 1>(part.vertex_data, countIf(GEOM_HAS_VERTEX_DATA, count));
+    arrays.primitive_data = elements<std::int32_t, 1>(part.primitive_data,
+                                                      countIf(GEOM_HAS_PRIMITIVE_DATA, primitives));
+    arrays.vertex_trans =
+        elements<float, 1>(part.vertex_trans, countIf(GEOM_HAS_VERTEX_TRANS, count));
 }
 
 geom_stream::Mesh meshOf(const GEOMobj& object) {
@@ -99,7 +102,7 @@ geom_stream::Sphere spheresOf(const GEOMobj& object) {
     const std::int64_t n = object.sphere.centers.used;
     geom_stream::Sphere sphere;
     fill(sphere, geom::part_of(object), object.flags & geom::kSphereFlags, n, 0);
-    sphere.radii = elements<float>(&object.sphere.radii, object.sphere.radii.used > 0 ? n : 0);
+    sphere.radii = elements<float, 1>(&object.sphere.radii, object.sphere.radii.used > 0 ? n : 0);
     return sphere;
 }
 
@@ -113,9 +116,9 @@ geom_stream::Label labelsOf(const GEOMobj& object) {
     label.texts.assign(labels.texts.data, labels.texts.data + n);
     label.positions = elements<Vec3>(&labels.positions, n);
     label.offsets = elements<Vec3>(&labels.offsets, n);
-    label.heights = elements<float>(&labels.heights, n);
+    label.heights = elements<float, 1>(&labels.heights, n);
     label.colours = elements<Vec3>(&labels.colors, countIf(GEOM_HAS_COLORS));
-    label.data = elements<std::int32_t>(&labels.label_data, countIf(GEOM_HAS_LABEL_DATA));
+    label.data = elements<std::int32_t, 1>(&labels.label_data, countIf(GEOM_HAS_LABEL_DATA));
     return label;
 }
 

@@ -14,6 +14,7 @@ extern "C" const char* __asan_default_options() {
 // Keeps standard error for reports, before the fuzzer or a run turns it elsewhere.
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
     const std::intptr_t descriptor = meshcast::fuzz::originalStandardError();
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the sanitizers take it.
     __sanitizer_set_report_fd(reinterpret_cast<void*>(descriptor));
     return 0;
 }
