@@ -116,12 +116,13 @@ std::vector<std::string> wordsOf(const QvField& field) {
 CatalogueClass describe(const NodeClass& nodeClass) {
     NodePool nodes;
     QvNode& node = *nodeClass.create(nodes);
-    CatalogueClass described{nodeClass.name, dynamic_cast<QvGroup*>(&node) != nullptr, {}};
     const FieldTable& table = node.getFieldTable();
+    CatalogueClass described{nodeClass.name, false, {}};
     for (const FieldTable::FieldEntry& entry : table.fields()) {
         const QvField& field = *table.findField(node, entry.name);
         described.fields.push_back({std::string(entry.name.view()), typeOf(field), wordsOf(field)});
     }
+    described.isGroup = dynamic_cast<const QvGroup*>(&node) != nullptr;
     return described;
 }
 

@@ -149,7 +149,9 @@ geom_stream::Object heldValues(const GEOMobj& object) {
         break;
     case GEOM_SPHERE:
         values.body = spheresOf(object);
-        values.flags |= object.sphere.radii.used > 0 ? 0 : GEOM_HAS_NO_RADII;
+        if (object.sphere.radii.used <= 0) {
+            values.flags |= GEOM_HAS_NO_RADII;
+        }
         break;
     default:
         values.body = labelsOf(object);
