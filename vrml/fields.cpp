@@ -64,33 +64,27 @@ bool readField(VrmlInput& input, QvField& field, InternedName name) {
     return true;
 }
 
+template <class Field>
+std::unique_ptr<QvField> createFieldOf() {
+    return std::make_unique<Field>();
+}
+
 std::unique_ptr<QvField> createField(std::string_view typeName) {
     using Create = std::unique_ptr<QvField> (*)();
     struct Type {
         std::string_view name;
         Create create;
     };
-    constexpr auto make = []<class Field>(std::type_identity<Field>) -> Create {
-        return [] { return std::unique_ptr<QvField>(std::make_unique<Field>()); };
-    };
     static constexpr Type kTypes[] = {
-        {"MFColor", make(std::type_identity<QvMFColor>{})},
-        {"MFFloat", make(std::type_identity<QvMFFloat>{})},
-        {"MFLong", make(std::type_identity<QvMFLong>{})},
-        {"MFVec2f", make(std::type_identity<QvMFVec2f>{})},
-        {"MFVec3f", make(std::type_identity<QvMFVec3f>{})},
-        {"SFBitMask", make(std::type_identity<QvSFBitMask>{})},
-        {"SFBool", make(std::type_identity<QvSFBool>{})},
-        {"SFColor", make(std::type_identity<QvSFColor>{})},
-        {"SFEnum", make(std::type_identity<QvSFEnum>{})},
-        {"SFFloat", make(std::type_identity<QvSFFloat>{})},
-        {"SFImage", make(std::type_identity<QvSFImage>{})},
-        {"SFLong", make(std::type_identity<QvSFLong>{})},
-        {"SFMatrix", make(std::type_identity<QvSFMatrix>{})},
-        {"SFRotation", make(std::type_identity<QvSFRotation>{})},
-        {"SFString", make(std::type_identity<QvSFString>{})},
-        {"SFVec2f", make(std::type_identity<QvSFVec2f>{})},
-        {"SFVec3f", make(std::type_identity<QvSFVec3f>{})},
+        {"MFColor", createFieldOf<QvMFColor>},   {"MFFloat", createFieldOf<QvMFFloat>},
+        {"MFLong", createFieldOf<QvMFLong>},     {"MFVec2f", createFieldOf<QvMFVec2f>},
+        {"MFVec3f", createFieldOf<QvMFVec3f>},   {"SFBitMask", createFieldOf<QvSFBitMask>},
+        {"SFBool", createFieldOf<QvSFBool>},     {"SFColor", createFieldOf<QvSFColor>},
+        {"SFEnum", createFieldOf<QvSFEnum>},     {"SFFloat", createFieldOf<QvSFFloat>},
+        {"SFImage", createFieldOf<QvSFImage>},   {"SFLong", createFieldOf<QvSFLong>},
+        {"SFMatrix", createFieldOf<QvSFMatrix>}, {"SFRotation", createFieldOf<QvSFRotation>},
+        {"SFString", createFieldOf<QvSFString>}, {"SFVec2f", createFieldOf<QvSFVec2f>},
+        {"SFVec3f", createFieldOf<QvSFVec3f>},
     };
     const Type* const found =
         std::find_if(std::begin(kTypes), std::end(kTypes),
