@@ -43,8 +43,10 @@ WAYS = list(product(({}, {"KRA_GEOM_WRITE_V2": ""}), ({}, {"KRA_GEOM_VERIFY": ""
 MOST_SHOWN = 5
 SECONDS_PER_SCENE = 300
 
-# These start programs, which for another machine would have to be known to the kernel.
-TESTS_OF_PROGRAMS = "Scenes|Filter|Readme|Geomtool"
+# The kernel would have to know the programs of another machine that the first of these tests start.
+# Prefixes converts each scene as often as it has bytes, which is much under emulation; ExhaustedMemory
+# expects the sizes of records with pointers of 64 bits.
+TESTS_LEFT_OUT = "Scenes|Filter|Readme|Geomtool|Prefixes|ExhaustedMemory"
 
 
 def quietly(*command):
@@ -111,7 +113,8 @@ def main():
             print(f"{'':10} {described(*run)}", flush=True)
         if tests:
             failed |= subprocess.run(["ctest", "--test-dir", directory, "--output-on-failure",
-                                      "--exclude-regex", TESTS_OF_PROGRAMS,
+                                      "--exclude-regex", TESTS_LEFT_OUT,
+                                      "--timeout", str(SECONDS_PER_SCENE),
                                       "--parallel", str(os.cpu_count())]).returncode != 0
     sys.exit(1 if failed else 0)
 
