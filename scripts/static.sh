@@ -1,0 +1,26 @@
+#!/bin/sh
+# Everything that looks for faults without a test to say what is right: scripts/lint.sh, then cppcheck,
+# then valgrind's memcheck over every scene of examples/ and tests/scenes/. Silent but for findings;
+# status 1 when there is one.
+#   scripts/static.sh
+set -eu
+cd "$(dirname "$0")/.."
+scripts/setup.sh --developer
+failed=0
+
+scripts/lint.sh || failed=1
+
+git ls-files '*.cpp' | grep -v -e '^bench/' -e '^fuzz/' -e '^tests/' |
+    xargs cppcheck --quiet -j "$(nproc)" --std=c++20 -I . --error-exitcode=1 \
+        --enable=warning,style,performance,portability --suppressions-list=scripts/cppcheck-exceptions.txt ||
+    failed=1
+
+# What nodes and names hold until the end is still reachable then, and no leak.
+scripts/build.sh release meshcast
+for scene in examples/*.wrl tests/scenes/*.wrl; do
+    messages=$(valgrind --quiet --leak-check=full --errors-for-leak-kinds=definite,possible \
+        --show-leak-kinds=definite,possible --error-exitcode=99 \
+        build/release/driver/meshcast <"$scene" 2>&1 >/dev/null) ||
+        { printf '%s:\n%s\n' "$scene" "$messages" >&2; failed=1; }
+done
+exit "$failed"
