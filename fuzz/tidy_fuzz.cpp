@@ -1,0 +1,139 @@
+#include "convert/context.h"
+#include "tools/vrmltidy/tidy.h"
+#include "traverse/state.h"
+#include "vrml/input.h"
+#include "vrml/node.h"
+#include "vrml/scene_reader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <sys/mman.h>
+#include <unistd.h>
+
+// Whatever goes into the tidier, what comes out is refused or read to its end without a word. To
+// tidy it again changes nothing, and a scene that could be read before has the same stream.
+
+namespace {
+
+/// Takes what is written to a descriptor for a while.
+class Captured {
+public:
+    explicit Captured(int descriptor)
+        : descriptor_(descriptor), saved_(dup(descriptor)), file_(memfd_create("captured", 0)) {
+        if (saved_ < 0 || file_ < 0 || dup2(file_, descriptor) < 0) {
+            std::abort();
+        }
+    }
+    Captured(const Captured&) = delete;
+    Captured& operator=(const Captured&) = delete;
+    ~Captured() { take(); }
+
+    std::string take() {
+        if (saved_ < 0) {
+            return {};
+        }
+        std::fflush(nullptr);
+        std::string text(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)), '\0');
+        if (pread(file_, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
+            std::abort();
+        }
+        dup2(saved_, descriptor_);
+        close(saved_);
+        close(file_);
+        saved_ = -1;
+        return text;
+    }
+
+private:
+    int descriptor_;
+    int saved_;
+    int file_;
+};
+
+struct Read {
+    bool ok;
+    bool atEnd; ///< Nothing but space and comments stands behind the node.
+    std::string messages;
+    std::string stream; ///< Of a scene that is walked.
+};
+
+Read read(std::string_view text, bool walks) {
+    using namespace meshcast;
+    Read result{};
+    Captured errors(STDERR_FILENO);
+    NodePool nodes;
+    MemorySource source(text);
+    VrmlInput input(nodes, source);
+    QvNode* root = nullptr;
+    result.ok = readScene(input, root);
+    char c = 0;
+    result.atEnd = input.skipWhiteSpace() && !input.get(c);
+    result.messages = errors.take();
+    if (walks && root != nullptr) {
+        Captured walkErrors(STDERR_FILENO);
+        Captured output(STDOUT_FILENO);
+        QvState state;
+        root->traverse(state);
+        result.stream = output.take();
+    }
+    return result;
+}
+
+[[noreturn]] void fail(const char* what, std::string_view text, const std::string& said) {
+    std::fprintf(stderr, "%s:\n%s\n----\n%.*s\n", what, said.c_str(), static_cast<int>(text.size()),
+                 text.data());
+    std::abort();
+}
+
+/// A few bytes of USE make any number of shapes.
+bool isQuicklyWalked(std::string_view text) {
+    std::size_t uses = 0;
+    for (std::size_t at = text.find("USE"); at != std::string_view::npos;
+         at = text.find("USE", at + 1)) {
+        ++uses;
+    }
+    return uses <= 4;
+}
+
+/// The filter takes a byte 255 for an end in places, and a `1.#INF` for a 1.
+bool isPlain(std::string_view text) {
+    return text.find('\xff') == std::string_view::npos && text.find(".#") == std::string_view::npos;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace meshcast;
+
+    const std::string scene(reinterpret_cast<const char*>(data), size);
+    tidy::Options options;
+    std::string reports;
+    options.report = [&reports](const tidy::Message& message) {
+        reports.append(std::to_string(message.line)).append(": ").append(message.what) += '\n';
+    };
+    const tidy::Result tidied = tidy::tidy(scene, options);
+    if (!tidied.text) {
+        return 0;
+    }
+    const bool walks = isQuicklyWalked(scene) && isPlain(scene);
+    const Read after = read(*tidied.text, walks);
+    if (!after.ok || !after.messages.empty() || !after.atEnd) {
+        fail("not read to its end", *tidied.text, reports + after.messages);
+    }
+    reports.clear();
+    const tidy::Result again = tidy::tidy(*tidied.text, options);
+    if (again.repairs != 0 || again.text != tidied.text) {
+        fail("changes once more", *tidied.text, reports);
+    }
+    if (walks) {
+        const Read before = read(scene, walks);
+        if (before.ok && before.atEnd && before.messages.empty() && before.stream != after.stream) {
+            fail("another stream", *tidied.text, scene);
+        }
+    }
+    return 0;
+}
