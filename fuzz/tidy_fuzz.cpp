@@ -70,11 +70,12 @@ Read read(std::string_view text, bool walks) {
     VrmlInput input(nodes, source);
     QvNode* root = nullptr;
     result.ok = readScene(input, root);
+    result.messages = errors.take();
+    // A comment behind the node may end without a newline.
+    Captured restErrors(STDERR_FILENO);
     char c = 0;
     result.atEnd = input.skipWhiteSpace() && !input.get(c);
-    result.messages = errors.take();
     if (walks && root != nullptr) {
-        Captured walkErrors(STDERR_FILENO);
         Captured output(STDOUT_FILENO);
         QvState state;
         root->traverse(state);

@@ -25,6 +25,10 @@ void EditedText::copyTo(const char* at) {
 
 void EditedText::insert(const char* at, std::string_view text) {
     copyTo(at);
+    if (!text_.empty() && !text.empty() && isNameCharacter(text_.back()) &&
+        isNameCharacter(text.front())) {
+        text_ += ' ';
+    }
     text_ += text;
 }
 

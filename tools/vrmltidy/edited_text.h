@@ -19,7 +19,7 @@ public:
     }
     /// Copies up to a place, unless that has been passed.
     void copyTo(const char* at);
-    /// Writes a text at a place of the source.
+    /// Writes a text at a place of the source, apart from a word that ends there.
     void insert(const char* at, std::string_view text);
     /// Writes a text instead of a part of the source.
     void replace(std::string_view part, std::string_view text);

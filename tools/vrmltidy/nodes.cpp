@@ -56,7 +56,7 @@ const ClassInfo* SceneTidier::declaredClass(std::string_view className) {
     Cursor body = cursor_;
     body.at = className.data() + className.size();
     body.skipSpace();
-    if (body.peek() != '{' || cutName(className) != className) {
+    if (body.peek() != '{' || !std::all_of(className.begin(), className.end(), isNameCharacter)) {
         return nullptr;
     }
     ++body.at;
@@ -126,14 +126,14 @@ void SceneTidier::close() {
     const Frame frame = top();
     frames_.pop_back();
     --job_.depth;
-    if (!declared_.empty() && declared_.back().get() == frame.info) {
-        declared_.pop_back();
-    }
     if (frame.info->isInline && frame.isInFields && job_.options.inlines != nullptr) {
         replaceInline(frame);
     }
     if (isAtTop()) {
         rootsEnd_ = text_.offsetAt(cursor_.at);
+    }
+    if (!declared_.empty() && declared_.back().get() == frame.info) {
+        declared_.pop_back();
     }
 }
 

@@ -40,7 +40,8 @@ bool isBlank(char c) {
 }
 
 void skipBlanks(std::string_view& text) {
-    text.remove_prefix(std::find_if_not(text.begin(), text.end(), isBlank) - text.begin());
+    text.remove_prefix(static_cast<std::size_t>(
+        std::find_if_not(text.begin(), text.end(), isBlank) - text.begin()));
 }
 
 /// The digit behind "#VRML V", in whatever spelling; 0 when it is not there.
@@ -147,19 +148,20 @@ void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
     std::size_t alone = 0;
     char* to = from;
     while (from != last) {
-        // `from` is at a carriage return.
-        const bool isPair = from + 1 != last && from[1] == '\n';
+        char* const behind = std::find_if(from, last, [](char c) { return c != '\r'; });
+        const auto count = static_cast<std::size_t>(behind - from);
+        // What programs make of a line end that they turned into CRLF twice is one line end.
+        const bool isPair = behind != last && *behind == '\n';
+        const std::size_t kept = !isPair ? count : (areAlone ? count - 1 : 0);
+        const bool areLineEnds = areAlone || behind == last;
+        to = std::fill_n(to, kept, areLineEnds ? '\n' : '\r');
         pairs += isPair ? 1 : 0;
-        alone += !isPair && areAlone ? 1 : 0;
-        if (!isPair) {
-            *to++ = areAlone ? '\n' : '\r';
-        }
-        ++from;
+        alone += areLineEnds ? kept : 0;
         auto* next = static_cast<char*>(
-            std::memchr(from, '\r', static_cast<std::size_t>(last - from)));
+            std::memchr(behind, '\r', static_cast<std::size_t>(last - behind)));
         next = next == nullptr ? last : next;
-        std::memmove(to, from, static_cast<std::size_t>(next - from));
-        to += next - from;
+        std::memmove(to, behind, static_cast<std::size_t>(next - behind));
+        to += next - behind;
         from = next;
     }
     text.resize(static_cast<std::size_t>(to - first));
