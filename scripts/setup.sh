@@ -8,7 +8,7 @@
 set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
-nlohmann-json3-dev libgtest-dev libgmock-dev"
+nlohmann-json3-dev zlib1g-dev libgtest-dev libgmock-dev"
 [ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then
     packages="$packages clang-format clang-tidy cppcheck libbenchmark-dev python3 valgrind git"
