@@ -1,9 +1,9 @@
 #!/bin/sh
 # Runs every command line that README.md shows, one code block after the other, with the programs of
 # a build first on PATH. Blocks that set up and build are left out: they run this.
-# Usage: readme_commands.sh FOLDER_OF_MESHCAST FOLDER_OF_GEOMTOOL, from the project's root.
+# Usage: readme_commands.sh FOLDER_OF_PROGRAMS..., from the project's root.
 set -eu
-PATH="$1:$2:$PATH"
+for folder; do PATH="$folder:$PATH"; done
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cp -r examples README.md "$scratch"
