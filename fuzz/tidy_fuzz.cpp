@@ -100,9 +100,26 @@ bool isQuicklyWalked(std::string_view text) {
     return uses <= 4;
 }
 
-/// The filter takes a byte 255 for an end in places, and a `1.#INF` for a 1.
+/// The filter takes a byte 255 for an end in places, `1.#INF` for a 1, and `a#b` or `a"b` for a
+/// name, where no braces are to be found; there the tidier may see another scene.
 bool isPlain(std::string_view text) {
-    return text.find('\xff') == std::string_view::npos && text.find(".#") == std::string_view::npos;
+    constexpr std::string_view kApart = " \t\r\n\f\v{}[](),;|";
+    for (std::size_t at = text.find_first_of("#\"\xff"); at != std::string_view::npos;
+         at = text.find_first_of("#\"\xff", at + 1)) {
+        if (text[at] == '\xff' ||
+            (at > 0 && text[at] == '#' && kApart.find(text[at - 1]) == std::string_view::npos)) {
+            return false;
+        }
+    }
+    for (std::size_t at = text.find('{'); at != std::string_view::npos;
+         at = text.find('{', at + 1)) {
+        const std::size_t space = text.find_last_of(" \t\r\n\f\v", at);
+        const std::size_t word = space == std::string_view::npos ? 0 : space + 1;
+        if (text.substr(word, at - word).find('"') != std::string_view::npos) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -120,14 +137,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!tidied.text) {
         return 0;
     }
-    const bool walks = isQuicklyWalked(scene) && isPlain(scene);
+    const bool isCompared = isPlain(scene);
+    const bool walks = isCompared && isQuicklyWalked(scene);
     const Read after = read(*tidied.text, walks);
     if (!after.ok || !after.messages.empty() || !after.atEnd) {
         fail("not read to its end", *tidied.text, reports + after.messages);
     }
     reports.clear();
     const tidy::Result again = tidy::tidy(*tidied.text, options);
-    if (again.repairs != 0 || again.text != tidied.text) {
+    if (isCompared && (again.repairs != 0 || again.text != tidied.text)) {
         fail("changes once more", *tidied.text, reports);
     }
     if (walks) {

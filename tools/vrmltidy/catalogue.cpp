@@ -214,9 +214,8 @@ std::string_view meantWord(const EnumTable* words, std::string_view written) {
 }
 
 bool equalInAnyCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-        return lower(x) == lower(y);
-    });
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                              [](char x, char y) { return lower(x) == lower(y); });
 }
 
 } // namespace meshcast::tidy

@@ -26,7 +26,7 @@ std::string StringToken::value() const {
         return std::string(text);
     }
     std::string value;
-    const std::string_view inner = text.substr(1, text.size() - (isClosed ? 2 : 1));
+    const std::string_view inner = isClosed ? text.substr(1, text.size() - 2) : "";
     for (std::size_t i = 0; i < inner.size(); ++i) {
         if (inner[i] == '\\' && i + 1 < inner.size() && inner[i + 1] == '"') {
             ++i;
@@ -34,6 +34,19 @@ std::string StringToken::value() const {
         value += inner[i];
     }
     return value;
+}
+
+Cursor::Cursor(const char* first, const char* last) : at(first), end(last), lastQuote_(nullptr) {
+    for (const char* behind = last; lastQuote_ == nullptr && behind != first;) {
+        const void* const quote = memrchr(first, '"', static_cast<std::size_t>(behind - first));
+        if (quote == nullptr) {
+            break;
+        }
+        behind = static_cast<const char*>(quote);
+        if (behind == first || behind[-1] != '\\') {
+            lastQuote_ = behind;
+        }
+    }
 }
 
 char Cursor::peekBehindSpace() const {
@@ -72,29 +85,39 @@ std::string_view Cursor::name() const {
 
 std::string_view Cursor::word() const {
     const char* last = at;
-    while (last != end && (!endsWord(*last) ||
-                           (*last == '#' && last != at && isPrintedNonNumber(last, end)))) {
+    while (last != end &&
+           (!endsWord(*last) || (*last == '#' && last != at && isPrintedNonNumber(last, end)))) {
         ++last;
     }
     return {at, static_cast<std::size_t>(last - at)};
 }
 
-StringToken Cursor::string() const {
+template <class EndsWord>
+StringToken Cursor::stringUpTo(const char* last, EndsWord endsWord) const {
     StringToken token;
     token.isQuoted = peek() == '"';
-    const char* last = at;
-    if (token.isQuoted) {
-        // A quote behind a backslash never ends the string, whatever is before the backslash.
-        do {
-            last = find(last + 1, end, '"');
-        } while (last != nullptr && last[-1] == '\\' && last - 1 != at);
-        token.isClosed = last != nullptr;
-        last = last == nullptr ? end : last + 1;
+    if (!token.isQuoted) {
+        token.text = {at, static_cast<std::size_t>(std::find_if(at, last, endsWord) - at)};
+    } else if (lastQuote_ == nullptr || at >= lastQuote_) {
+        token.text = {at, 1};
+        token.isClosed = false;
     } else {
-        last = std::find_if(at, end, isSpace);
+        // A quote behind a backslash never ends the string, whatever is before the backslash.
+        const char* quote = at;
+        do {
+            quote = find(quote + 1, end, '"');
+        } while (quote[-1] == '\\');
+        token.text = {at, static_cast<std::size_t>(quote + 1 - at)};
     }
-    token.text = {at, static_cast<std::size_t>(last - at)};
     return token;
+}
+
+StringToken Cursor::string(std::size_t longest) const {
+    return stringUpTo(at + std::min(longest, static_cast<std::size_t>(end - at)), isSpace);
+}
+
+StringToken Cursor::stringBeforeBrace() const {
+    return stringUpTo(end, [](char c) { return isSpace(c) || c == '{' || c == '}'; });
 }
 
 std::string_view cutName(std::string_view name) {
@@ -104,9 +127,8 @@ std::string_view cutName(std::string_view name) {
 bool isPrintedNonNumber(const char* hash, const char* end) {
     static constexpr std::array<std::string_view, 4> kNames = {"INF", "IND", "QNAN", "SNAN"};
     const std::string_view rest(hash + 1, static_cast<std::size_t>(end - hash - 1));
-    return hash[-1] == '.' && std::any_of(kNames.begin(), kNames.end(), [rest](auto name) {
-               return rest.starts_with(name);
-           });
+    return hash[-1] == '.' && std::any_of(kNames.begin(), kNames.end(),
+                                          [rest](auto name) { return rest.starts_with(name); });
 }
 
 } // namespace meshcast::tidy

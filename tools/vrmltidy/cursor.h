@@ -2,6 +2,7 @@
 
 #include "vrml/characters.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,12 +15,14 @@ struct StringToken {
 
     std::string_view text; ///< As written, with its quotes.
     bool isQuoted = false;
-    bool isClosed = true; ///< False for an opening quote that no other one follows.
+    bool isClosed = true; ///< False for a quote that no other one follows; it is all of the text.
 };
 
-/// A place in a text and where the text ends. Tokens are cut as the reader cuts them. Behind the
-/// end stands a character that belongs to no number: a zero, or the brace that ends a node.
+/// A place in a text and where the text ends. Tokens are cut as the reader cuts them. The text ends
+/// in a brace, or stands before a zero, so that numbers can be scanned without regard to its end.
 struct Cursor {
+    Cursor(const char* first, const char* last);
+
     bool atEnd() const { return at == end; }
     /// The character at hand, or a zero at the end.
     char peek() const { return at == end ? '\0' : *at; }
@@ -40,16 +43,24 @@ struct Cursor {
     /// The characters from here to the next white space, bracket, quote, comma, semicolon or bar.
     /// A number's `.#INF` belongs to the word though it looks like a comment.
     std::string_view word() const;
-    /// The string that begins here.
-    StringToken string() const;
+    /// The string that begins here, as the reader takes it. A word is cut behind `longest`
+    /// characters, for those who only look whether it is a short one.
+    StringToken string(std::size_t longest = std::string_view::npos) const;
+    /// The string that begins here, where a word also ends in front of a brace.
+    StringToken stringBeforeBrace() const;
 
-    const char* at = nullptr;
-    const char* end = nullptr;
+    const char* at;
+    const char* end;
     /// Set when a comment ran into the end: what is appended needs a line of its own.
     bool endsInComment = false;
 
 private:
     void skipLongSpace();
+    template <class EndsWord>
+    StringToken stringUpTo(const char* last, EndsWord endsWord) const;
+
+    /// The last quote that no backslash stands before: none behind it begins a string.
+    const char* lastQuote_;
 };
 
 /// Names are compared up to the length at which the reader cuts them.

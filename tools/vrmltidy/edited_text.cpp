@@ -18,6 +18,11 @@ bool isBlank(char c) {
 
 void EditedText::copyTo(const char* at) {
     if (at > next_) {
+        if (text_.capacity() < static_cast<std::size_t>(at - next_)) {
+            // Room for the rest too, and for what is put in: memory that is not used costs nothing.
+            const auto rest = static_cast<std::size_t>(end_ - next_);
+            text_.reserve(text_.size() + rest + rest / 8);
+        }
         text_.append(next_, at);
         next_ = at;
     }

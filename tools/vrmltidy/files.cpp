@@ -186,7 +186,7 @@ std::variant<InlineSource::Scene, std::string> FolderScenes::open(const std::str
         return error.message();
     }
     if (!isInside(root_, file)) {
-        return "it is outside of " + root_.string();
+        return std::string("it is outside of the root folder");
     }
     if (!std::filesystem::is_regular_file(file, error)) {
         return std::string("it is no file");

@@ -1,9 +1,8 @@
 #include "tools/vrmltidy/inflate.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <memory>
+#include <zlib.h>
 
 namespace meshcast::tidy {
 

@@ -156,7 +156,7 @@ public:
     /// Writes the items to the end of the list. Commas mean nothing when `isFlat`; a list that
     /// `isSingle` gets none.
     void write(Items& items, const Grouping& grouping, bool isFlat, bool isSingle);
-    void report(const FieldPlace& place, Reporter& reporter) const;
+    void report(const FieldPlace& place, bool hadBrackets, Reporter& reporter) const;
 
 private:
     void number(const Item& item);
@@ -269,8 +269,8 @@ void ListWriter::write(Items& items, const Grouping& grouping, bool isFlat, bool
     }
 }
 
-void ListWriter::report(const FieldPlace& place, Reporter& reporter) const {
-    const std::string field = " of " + quoted(place.fieldName);
+void ListWriter::report(const FieldPlace& place, bool hadBrackets, Reporter& reporter) const {
+    const std::string field = " in " + quoted(place.fieldName);
     const auto tell = [&reporter](const Tally& tally, const std::string& what) {
         if (tally.count != 0) {
             reporter.repaired(tally.first, what);
@@ -282,11 +282,10 @@ void ListWriter::report(const FieldPlace& place, Reporter& reporter) const {
     tell(missing_, "set " + counted(missing_.count, "missing comma") + field);
     tell(stray_, "removed " + counted(stray_.count, "stray item") + field);
     tell(none_, "put 0 for " + quoted(firstNone_) + other(none_) + field);
-    tell(rewritten_, "wrote " + quoted(firstRewritten_) + other(rewritten_) +
-                         " as numbers are written" + field);
+    tell(rewritten_, "rewrote " + quoted(firstRewritten_) + other(rewritten_) + field);
     tell(padded_, "filled " + counted(padded_.count, "short value") + " up with 0" + field);
     tell(incomplete_, "dropped the incomplete last value" + field);
-    tell(unclosed_, "set the missing bracket" + field);
+    tell(unclosed_, (hadBrackets ? "set the missing bracket" : "set both brackets") + field);
 }
 
 } // namespace
@@ -310,7 +309,7 @@ bool tidyList(Cursor& cursor, const ValueType& type, const FieldPlace& place, Ed
         text.insert(inside.at, "[ ");
     }
     writer.write(items, grouping, isFlat, isSingle);
-    writer.report(place, reporter);
+    writer.report(place, inBrackets, reporter);
     cursor.at = items.at();
     return true;
 }

@@ -27,6 +27,43 @@ struct CommandLine {
     bool inlines = false;
 };
 
+/// Lines for standard error, of which a bad scene can have a million: they are written in pieces.
+class Lines {
+public:
+    explicit Lines(bool areQuiet) : areQuiet_(areQuiet) {}
+    Lines(const Lines&) = delete;
+    Lines& operator=(const Lines&) = delete;
+    ~Lines() { flush(); }
+
+    void add(const tidy::Message& message) {
+        if (areQuiet_) {
+            return;
+        }
+        text_.append(message.file).append(":").append(std::to_string(message.line)).append(": ");
+        text_.append(message.what).append("\n");
+        if (text_.size() > kPieceSize) {
+            flush();
+        }
+    }
+    void addCount(const std::string& file, std::size_t repairs) {
+        if (!areQuiet_ && repairs != 0) {
+            text_.append(file).append(": ").append(tidy::counted(repairs, "repair")).append("\n");
+        }
+        flush();
+    }
+
+private:
+    static constexpr std::size_t kPieceSize = std::size_t(64) * 1024;
+
+    void flush() {
+        std::cerr << text_ << std::flush;
+        text_.clear();
+    }
+
+    bool areQuiet_;
+    std::string text_;
+};
+
 ExitStatus fail(const std::string& file, const std::string& message) {
     std::cerr << "vrmltidy: " << file << ": " << message << '\n';
     return kNotRepaired;
@@ -50,11 +87,8 @@ ExitStatus run(const CommandLine& line) {
 
     tidy::Options options;
     options.path = shown;
-    options.report = [&line](const tidy::Message& message) {
-        if (!line.quiet) {
-            std::cerr << message.file << ':' << message.line << ": " << message.what << '\n';
-        }
-    };
+    Lines lines(line.quiet);
+    options.report = [&lines](const tidy::Message& message) { lines.add(message); };
     std::optional<tidy::FolderScenes> scenes;
     if (line.inlines) {
         std::error_code error;
@@ -67,9 +101,7 @@ ExitStatus run(const CommandLine& line) {
     }
 
     const tidy::Result result = tidy::tidy(std::get<std::string>(std::move(input)), options);
-    if (result.repairs != 0 && !line.quiet) {
-        std::cerr << shown << ": " << tidy::counted(result.repairs, "repair") << '\n';
-    }
+    lines.addCount(shown, result.repairs);
     if (!result.text) {
         return fail(shown, result.refusal);
     }
@@ -94,17 +126,20 @@ ExitStatus run(int argc, char** argv) {
                "Exit status: 0 converted, 1 cannot be repaired, 2 wrong usage.");
 
     CommandLine line;
-    app.add_option("FILE", line.file, "The scene, as text or gzip-compressed; standard input when "
-                                      "absent or -");
-    app.add_option("-o", line.output, "Write to this file instead of standard output; it appears "
-                                      "when it is whole")
+    app.add_option("FILE", line.file,
+                   "The scene, as text or gzip-compressed; standard input when "
+                   "absent or -");
+    app.add_option("-o", line.output,
+                   "Write to this file instead of standard output; it appears "
+                   "when it is whole")
         ->type_name("FILE");
     app.add_flag("--quiet", line.quiet, "Do not report repairs");
     app.add_flag("--strict", line.strict, "Make any repair an error: no output, status 1");
     CLI::Option* const inlines = app.add_flag(
         "--inline", line.inlines, "Put the scenes that WWWInline nodes name in their places");
-    app.add_option("--root", line.root, "With --inline, read no file outside of this folder; that "
-                                        "of the scene when absent")
+    app.add_option("--root", line.root,
+                   "With --inline, read no file outside of this folder; that "
+                   "of the scene when absent")
         ->type_name("DIR")
         ->needs(inlines);
 

@@ -11,8 +11,6 @@ namespace meshcast::tidy {
 
 namespace {
 
-constexpr std::string_view kBraces = "{}";
-
 std::string_view between(const char* first, const char* last) {
     return {first, static_cast<std::size_t>(last - first)};
 }
@@ -61,12 +59,15 @@ const ClassInfo* SceneTidier::declaredClass(std::string_view className) {
     }
     ++body.at;
     body.skipSpace();
-    const StringToken word = body.string();
-    const bool isGlued = !word.isQuoted && word.value() != kFields && body.name() == kFields;
-    if (word.value() != kFields && !isGlued) {
+    const bool isQuoted = body.peek() == '"';
+    const std::string_view word = isQuoted ? body.string().text : body.name();
+    if (word.substr(isQuoted ? 1 : 0, kFields.size()) != kFields ||
+        word.size() != kFields.size() + (isQuoted ? 2 : 0)) {
         return nullptr;
     }
-    const char* const behind = body.at + (isGlued ? kFields.size() : word.text.size());
+    // The reader takes a whole word here.
+    const char* const behind = word.data() + word.size();
+    const bool isGlued = !isQuoted && behind != body.end && !isSpace(*behind);
     auto made = std::make_unique<ClassInfo>();
     made->name = className;
     made->isGroup = true;
@@ -101,18 +102,17 @@ void SceneTidier::open(const ClassInfo& info, const Beginning& beginning) {
     ++cursor_.at;
     const std::size_t place = text_.offsetAt(cursor_.at);
     const auto kind = info.isGroup ? Frame::Kind::kGroup : Frame::Kind::kLeaf;
-    frames_.push_back(
-        {kind, true, static_cast<std::uint32_t>(frames_.size()), &info, beginning.classOffset,
-         place});
+    frames_.push_back({kind, true, static_cast<std::uint32_t>(frames_.size()), &info,
+                       beginning.classOffset, place});
     inlineName_.clear();
     // A group of the catalogue has children in the place of a declaration.
     if (isDeclared || !info.isGroup) {
         Cursor inside = cursor_;
         inside.skipSpace();
-        const StringToken word = inside.string();
-        const std::string_view name = inside.name();
-        if (isDeclared || name == "fields") {
-            cursor_.at = inside.at + (word.isQuoted ? word.text.size() : name.size());
+        const std::string_view word =
+            isDeclared && inside.peek() == '"' ? inside.string().text : inside.name();
+        if (isDeclared || word == "fields") {
+            cursor_.at = inside.at + word.size();
             if (!passDeclaration(nullptr)) {
                 cursor_.at = inside.at;
             }
@@ -216,7 +216,7 @@ std::string SceneTidier::nameToWrite(const std::string& name) const {
     std::string written = name;
     std::replace_if(
         written.begin(), written.end(), [](char c) { return !isNameCharacter(c); }, '_');
-    written += "_" + std::to_string(job_.inlinedScenes);
+    written.append("_").append(std::to_string(job_.inlinedScenes));
     while (isTaken(written)) {
         written += '_';
     }
@@ -227,27 +227,42 @@ bool SceneTidier::isTaken(std::string_view name) const {
     return names_.find(name) != names_.end() || (parent_ != nullptr && parent_->isTaken(name));
 }
 
+/// The name behind DEF or USE. A brace belongs to it, as it does to the reader, if the braces of
+/// the scene do not match without it.
+StringToken SceneTidier::nameAt(const Cursor& place, bool isDefinition) {
+    constexpr std::size_t kLongestBracedName = 256;
+    const StringToken name = place.stringBeforeBrace();
+    const char* const brace = name.text.data() + name.text.size();
+    if (name.isQuoted || brace == place.end || isSpace(*brace) ||
+        !(isDefinition ? !bracesMatchCheck_() : hasBracedNames_)) {
+        return name;
+    }
+    const StringToken whole = place.string(kLongestBracedName);
+    const bool isKnown = isDefinition || names_.find(whole.text) != names_.end();
+    return whole.text.size() < kLongestBracedName && isKnown ? whole : name;
+}
+
 /// Takes DEF, its name, and the node behind it as far as its opening brace.
 void SceneTidier::define() {
     Beginning beginning = beginHere();
     Cursor place = cursor_;
     place.at += 3;
     place.skipSpace();
-    const StringToken name = place.string();
+    const StringToken name = nameAt(place, true);
     Cursor behind = place;
     behind.at += name.text.size();
     behind.skipSpace();
     const std::string_view className = behind.name();
     const std::string value = name.value();
-    const bool isGlued = !name.isQuoted && name.text.find_first_of(kBraces) != std::string_view::npos;
-    if (value.empty() || !isBraceBehind(className) || (isGlued && bracesMatchCheck_())) {
-        mendDefinition(beginning, name);
+    if (value.empty() || !isBraceBehind(className)) {
+        mendDefinition(beginning, place.stringBeforeBrace());
         return;
     }
+    hasBracedNames_ = hasBracedNames_ || value.find_first_of("{}") != std::string::npos;
     beginning.name = value;
     beginning.writtenName = nameToWrite(value);
-    const bool unquotes = name.isQuoted && isPlainName(value) &&
-                          findClassInAnyCase(className) != nullptr;
+    const bool unquotes =
+        name.isQuoted && isPlainName(value) && findClassInAnyCase(className) != nullptr;
     if (unquotes || !beginning.writtenName.empty()) {
         const bool isGluedToDef = place.at == beginning.source + 3;
         const bool isGluedToClass = behind.at == place.at + name.text.size();
@@ -266,12 +281,9 @@ void SceneTidier::define() {
 /// Makes something of a DEF that no node with a class follows as it should.
 void SceneTidier::mendDefinition(Beginning beginning, const StringToken& name) {
     const char* const first = name.text.data();
-    const char* const last = first + name.text.size();
-    const std::size_t brace = name.isQuoted ? std::string_view::npos
-                                            : name.text.find_first_of(kBraces);
-    const std::string_view head = name.text.substr(0, std::min(brace, name.text.size()));
+    const std::string_view head = name.text;
     Cursor behind = cursor_;
-    behind.at = brace == std::string_view::npos ? last : first + brace;
+    behind.at = first + head.size();
     behind.skipSpace();
     const bool isClass = findClassInAnyCase(head) != nullptr;
     if (behind.peek() == '{' && !isClass && !head.empty() && name.isClosed &&
@@ -287,11 +299,10 @@ void SceneTidier::mendDefinition(Beginning beginning, const StringToken& name) {
     }
     // "DEF Cube {" has no name; of anything else nothing but the name can be told.
     const bool keepsWord = behind.peek() == '{' && isClass;
-    const std::size_t unclosed = name.isClosed ? head.size() : 1;
-    cursor_.at = keepsWord ? first : first + unclosed;
+    cursor_.at = keepsWord ? first : first + head.size();
     text_.drop(since(beginning.source));
-    reporter_.repaired(beginning.source, keepsWord ? "dropped a DEF without a name"
-                                                   : "dropped a DEF without a node");
+    reporter_.repaired(beginning.source,
+                       keepsWord ? "dropped a DEF without a name" : "dropped a DEF without a node");
 }
 
 void SceneTidier::use() {
@@ -300,12 +311,12 @@ void SceneTidier::use() {
     Cursor place = cursor_;
     place.at += 3;
     place.skipSpace();
-    const StringToken token = place.string();
-    std::string_view written = token.isClosed ? token.text : token.text.substr(0, 1);
+    const StringToken token = nameAt(place, false);
+    std::string_view written = token.text;
     std::string name = token.value();
     auto found = names_.find(name);
     if (found == names_.end() && !token.isQuoted) {
-        written = written.substr(0, written.find_first_of("{}[](),;\""));
+        written = written.substr(0, written.find_first_of("[](),;\""));
         name = written;
         found = names_.find(name);
     }
@@ -331,7 +342,7 @@ void SceneTidier::use() {
     if (isAtTop()) {
         rootsEnd_ = text_.offsetAt(cursor_.at);
     }
-    if (written.size() != token.text.size()) {
+    if (!token.isQuoted && cursor_.at != cursor_.end && !isSpace(*cursor_.at)) {
         text_.insert(cursor_.at, " ");
         reporter_.repaired(begin, "separated the name " + quoted(name) + " from what follows it");
     }
@@ -340,10 +351,11 @@ void SceneTidier::use() {
 /// Goes on in a definition that was dropped, to write it in place of a USE. False when its node
 /// would only be dropped again.
 bool SceneTidier::restore(std::string_view use, std::string_view name, const char* definition) {
-    Cursor part{definition, body_.data() + body_.size()};
+    Cursor part = whole_;
+    part.at = definition;
     part.at += 3;
     part.skipSpace();
-    part.at += part.string().text.size();
+    part.at += part.stringBeforeBrace().text.size();
     part.skipSpace();
     const std::string_view className = part.name();
     if (findClassInAnyCase(className) == nullptr || !isBraceBehind(className)) {
@@ -358,8 +370,7 @@ bool SceneTidier::restore(std::string_view use, std::string_view name, const cha
         return true;
     }
     job_.mayStillRepeat -= source.size();
-    reporter_.repaired(use.data(),
-                       "put " + quoted(name) + " here, which was in something dropped");
+    reporter_.repaired(use.data(), "put " + quoted(name) + " here, which was in something dropped");
     text_.replace(use, "");
     parts_.push_back({cursor_, frames_.size()});
     cursor_ = {definition, part.at};
@@ -389,8 +400,7 @@ void SceneTidier::replaceInline(const Frame& frame) {
         return;
     }
     if (outer.size() >= kDeepestInline) {
-        leave("scenes name one another to more than " + std::to_string(kDeepestInline) +
-              " levels");
+        leave("scenes name one another to more than " + std::to_string(kDeepestInline) + " levels");
         return;
     }
     job_.inlinedBytes += scene.bytes.size();
@@ -403,7 +413,7 @@ void SceneTidier::replaceInline(const Frame& frame) {
         job_.refusal = "names scenes of more than " + std::to_string(kMostInlinedBytes) + " bytes";
         return;
     }
-    reporter_.repaired(cursor_.at, "put " + scene.path + " in the place of " + shown);
+    reporter_.note(cursor_.at, "put " + scene.path + " in the place of " + shown);
     Reporter inner(scene.bytes, scene.path, job_.options.report, job_.repairs);
     for (const std::string& repair : preamble.repairs) {
         inner.repaired(scene.bytes.data(), repair);

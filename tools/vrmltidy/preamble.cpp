@@ -124,9 +124,8 @@ std::string refusalOf(std::string_view text, std::string_view line) {
 bool isOtherFormat(std::string_view line) {
     const char version = headerVersion(line);
     return (version != 0 && version != '1') || beginsWith(line, "#inventor") ||
-           std::any_of(std::begin(kOthers), std::end(kOthers), [line](const Beginning& other) {
-               return beginsWith(line, other.text);
-           });
+           std::any_of(std::begin(kOthers), std::end(kOthers),
+                       [line](const Beginning& other) { return beginsWith(line, other.text); });
 }
 
 /// Makes line ends LF. Lone carriage returns are line ends only where the first line ends in one:
@@ -139,9 +138,8 @@ void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
         return;
     }
     const char* const content = std::find_if_not(first, last, isSpace);
-    const char* const lineEnd =
-        std::find_if(content, static_cast<const char*>(last),
-                     [](char c) { return c == '\r' || c == '\n'; });
+    const char* const lineEnd = std::find_if(content, static_cast<const char*>(last),
+                                             [](char c) { return c == '\r' || c == '\n'; });
     const bool areAlone =
         lineEnd != last && *lineEnd == '\r' && (lineEnd + 1 == last || lineEnd[1] != '\n');
     std::size_t pairs = 0;
@@ -157,8 +155,8 @@ void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
         to = std::fill_n(to, kept, areLineEnds ? '\n' : '\r');
         pairs += isPair ? 1 : 0;
         alone += areLineEnds ? kept : 0;
-        auto* next = static_cast<char*>(
-            std::memchr(behind, '\r', static_cast<std::size_t>(last - behind)));
+        auto* next =
+            static_cast<char*>(std::memchr(behind, '\r', static_cast<std::size_t>(last - behind)));
         next = next == nullptr ? last : next;
         std::memmove(to, behind, static_cast<std::size_t>(next - behind));
         to += next - behind;
@@ -186,8 +184,8 @@ void mendEndMarks(std::string& text, std::vector<std::string>& repairs) {
 
 std::string inflateInPlace(std::string& bytes) {
     std::string inflated;
-    std::string failure = inflate(
-        bytes, std::max(kFreeInflation, kLargestInflation * bytes.size()), inflated);
+    std::string failure =
+        inflate(bytes, std::max(kFreeInflation, kLargestInflation * bytes.size()), inflated);
     bytes = std::move(inflated);
     return failure;
 }

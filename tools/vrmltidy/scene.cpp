@@ -10,8 +10,9 @@ namespace meshcast::tidy {
 
 SceneTidier::SceneTidier(Job& job, std::string_view body, std::string path, Reporter& reporter,
                          const SceneTidier* parent)
-    : job_(job), text_(job.text), reporter_(reporter), body_(body), path_(std::move(path)),
-      parent_(parent), cursor_{body.data(), body.data() + body.size()} {
+    : job_(job), text_(job.text), reporter_(reporter),
+      whole_(body.data(), body.data() + body.size()), path_(std::move(path)), parent_(parent),
+      cursor_(whole_) {
     onDroppedDefinition_ = [this](std::string_view name, const char* definition) {
         Definition& known = names_[std::string(name)];
         // A node that has been fetched out of what is dropped once more is still there.
@@ -21,7 +22,7 @@ SceneTidier::SceneTidier(Job& job, std::string_view body, std::string path, Repo
     };
     bracesMatchCheck_ = [this] {
         if (!bracesMatch_) {
-            bracesMatch_ = bracesMatch({body_.data(), body_.data() + body_.size()});
+            bracesMatch_ = bracesMatch(whole_);
         }
         return *bracesMatch_;
     };
@@ -171,7 +172,7 @@ void SceneTidier::stray() {
     reporter_.repaired(first, "dropped " +
                                   (tokens == 1 ? "stray " + quoted(shown)
                                                : counted(tokens, "stray word") + " from " +
-                                                     quoted(shown)) +
+                                                     quoted(shown) + " on") +
                                   where);
 }
 

@@ -106,6 +106,7 @@ private:
     void close();
     void closeLeafEarly();
     void dropNode(const Beginning& beginning, std::string_view className);
+    StringToken nameAt(const Cursor& place, bool isDefinition);
     void define();
     void mendDefinition(Beginning beginning, const StringToken& name);
     void use();
@@ -137,7 +138,7 @@ private:
     Job& job_;
     EditedText& text_;
     Reporter& reporter_;
-    std::string_view body_;
+    const Cursor whole_; ///< At the body's beginning.
     std::string path_;
     const SceneTidier* parent_;
     Cursor cursor_;
@@ -157,6 +158,7 @@ private:
     std::optional<bool> bracesMatch_;
     std::function<bool()> bracesMatchCheck_;
 
+    bool hasBracedNames_ = false;
     std::string inlineName_; ///< Of the inline node at hand.
     std::size_t roots_ = 0;
     const char* secondRoot_ = nullptr;

@@ -52,9 +52,8 @@ void SceneTidier::lateField(const FieldInfo& known) {
     std::string moved = text_.cutTo(length);
     if (!moved.empty()) {
         text_.drop(since(cursor_.at));
-        text_.insertAtOffset(target, " " + std::move(moved) + " ");
-        reporter_.repaired(begin,
-                           "moved the field " + quoted(known.name) + " before the children");
+        text_.insertAtOffset(target, moved.insert(0, 1, ' ').append(" "));
+        reporter_.repaired(begin, "moved the field " + quoted(known.name) + " before the children");
     }
 }
 
@@ -100,7 +99,7 @@ void SceneTidier::skipValue(bool mayBeNode) {
         if (word == "USE" || word == "DEF") {
             const char* const definition = word.data();
             cursor_.skipSpace();
-            const StringToken name = cursor_.string();
+            const StringToken name = cursor_.stringBeforeBrace();
             cursor_.at += name.text.size();
             if (word == "DEF") {
                 onDroppedDefinition_(name.value(), definition);

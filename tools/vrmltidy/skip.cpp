@@ -26,7 +26,7 @@ void skipBalanced(Cursor& cursor, std::int64_t braces, std::int64_t brackets,
             const char* const definition = cursor.at;
             cursor.at += 3;
             cursor.skipSpace();
-            onDefinition(cursor.string().value(), definition);
+            onDefinition(cursor.stringBeforeBrace().value(), definition);
             continue;
         }
         skipToken(cursor);

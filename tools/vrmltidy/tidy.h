@@ -56,8 +56,8 @@ struct Result {
 /// room for each than the scene itself has.
 inline constexpr std::size_t kLargestScene = std::size_t(4) << 30;
 /// Named nodes that are fetched out of what was dropped may make a text longer by this many times
-/// what was read, and scenes put in place of WWWInline nodes by this many bytes, so that a few names
-/// that name one another do not fill the memory.
+/// what was read, and scenes put in place of WWWInline nodes by this many bytes, so that a few
+/// names that name one another do not fill the memory.
 inline constexpr std::size_t kLargestGrowth = 4;
 inline constexpr std::size_t kMostInlinedBytes = std::size_t(1) << 30;
 /// Scenes may name one another to this depth.

@@ -20,9 +20,20 @@ NumberKind numberKind(const ValueType& type) {
     return type.kind == Kind::kReal ? NumberKind::kReal : NumberKind::kInteger;
 }
 
+/// The string in quotes or else the word at a place.
+StringToken quotedOrWord(const Cursor& place) {
+    return place.peek() == '"' ? place.string() : StringToken{place.word(), false, true};
+}
+
 /// The part of the source between two places.
 std::string_view between(const char* first, const char* last) {
     return {first, static_cast<std::size_t>(last - first)};
+}
+
+/// Where the brackets end that a value stands in which is none of a list.
+const char* endOfBrackets(Cursor inside) {
+    skipToBracket(inside);
+    return inside.at;
 }
 
 /// A value in the making.
@@ -37,9 +48,8 @@ public:
         switch (type_.kind) {
         case Kind::kReal:
         case Kind::kInteger:
-            return passNumbers() ||
-                   (type_.isList ? tidyList(cursor_, type_, place_, text_, reporter_)
-                                 : mendNumbers());
+            return passNumbers() || mendNumbers() ||
+                   (type_.isList && tidyList(cursor_, type_, place_, text_, reporter_));
         case Kind::kBool:
             return passBool() || mendBool();
         case Kind::kEnum:
@@ -60,6 +70,7 @@ private:
     bool passEnum();
     bool passMask();
     bool passString();
+    bool keepFirstString();
     bool passImage();
     bool mendNumbers();
     bool mendBool();
@@ -71,9 +82,6 @@ private:
     bool accept(const char* end);
     /// Writes `meant` for everything up to `end`.
     bool rewrite(const char* end, std::string_view meant);
-    /// Passes over what else stands in the brackets of a value that is none of a list.
-    const char* endOfBrackets(const Cursor& inside) const;
-
     Cursor& cursor_;
     const ValueType& type_;
     const FieldPlace& place_;
@@ -102,16 +110,9 @@ bool Value::accept(const char* end) {
 bool Value::rewrite(const char* end, std::string_view meant) {
     const std::string_view written = between(cursor_.at, end);
     text_.replace(written, meant);
-    reporter_.repaired(cursor_.at,
-                       "wrote " + quoted(written) + " as " + std::string(meant));
+    reporter_.repaired(cursor_.at, "wrote " + quoted(written) + " as " + std::string(meant));
     cursor_.at = end;
     return true;
-}
-
-const char* Value::endOfBrackets(const Cursor& inside) const {
-    Cursor rest = inside;
-    skipToBracket(rest);
-    return rest.at;
 }
 
 // ---- numbers
@@ -124,7 +125,8 @@ bool Value::passOne(const char*& p) const {
         }
         const char* end = isReal ? skipReal(p) : skipInteger(p);
         if (end == nullptr) {
-            Cursor ahead{p, cursor_.end};
+            Cursor ahead = cursor_;
+            ahead.at = p;
             ahead.skipSpace();
             end = isReal ? skipReal(ahead.at) : skipInteger(ahead.at);
             if (end == nullptr || ahead.atEnd()) {
@@ -145,7 +147,8 @@ bool Value::passNumbers() {
     if (!type_.isList || *p != '[') {
         return passOne(p) && accept(p);
     }
-    Cursor place{p + 1, cursor_.end};
+    Cursor place = cursor_;
+    ++place.at;
     place.skipSpace();
     while (*place.at != ']') {
         if (!passOne(place.at)) {
@@ -166,7 +169,8 @@ bool Value::passNumbers() {
     return true;
 }
 
-/// One value that is written as words that may be no numbers, with commas or in brackets.
+/// One value that is written as words that may be no numbers, with commas or in brackets. Of lists,
+/// only a bare value in which commas stand for points.
 bool Value::mendNumbers() {
     struct Word {
         std::string_view text;
@@ -174,6 +178,9 @@ bool Value::mendNumbers() {
     };
     constexpr std::size_t kMostWords = 40;
     const bool inBrackets = cursor_.peek() == '[';
+    if (type_.isList && (inBrackets || type_.kind != Kind::kReal)) {
+        return false;
+    }
     Cursor place = cursor_;
     place.at += inBrackets ? 1 : 0;
     std::vector<Word> words;
@@ -210,9 +217,14 @@ bool Value::mendNumbers() {
                 joined.push_back(word);
             }
         }
+        if (type_.isList && joined.size() != width) {
+            return false;
+        }
         if (joined.size() >= width) {
             words = std::move(joined);
         }
+    } else if (type_.isList) {
+        return false;
     }
     std::string meant;
     std::string_view none;
@@ -227,7 +239,7 @@ bool Value::mendNumbers() {
     const std::size_t left = inBrackets ? 0 : words.size() - width;
     const std::string_view last = words[width - 1].text;
     end = inBrackets ? endOfBrackets(place) : (left == 0 ? end : last.data() + last.size());
-    const std::string field = " of " + quoted(place_.fieldName);
+    const std::string field = " in " + quoted(place_.fieldName);
     if (!none.empty()) {
         reporter_.repaired(none.data(), "put 0 for " + quoted(none) + field);
     } else if (inBrackets) {
@@ -266,9 +278,9 @@ bool Value::mendBool() {
         std::string_view written;
         bool isTrue;
     };
-    static constexpr Meaning kMeanings[] = {{"true", true},  {"yes", true}, {"on", true},
+    static constexpr Meaning kMeanings[] = {{"true", true},   {"yes", true}, {"on", true},
                                             {"false", false}, {"no", false}, {"off", false}};
-    const StringToken string = cursor_.string();
+    const StringToken string = quotedOrWord(cursor_);
     const std::string_view word = string.isQuoted ? string.text : numberWord(cursor_);
     const std::string inner = string.isQuoted ? string.value() : std::string(word);
     for (const Meaning& meaning : kMeanings) {
@@ -303,10 +315,9 @@ bool Value::mendEnum() {
         ++place.at;
         place.skipSpace();
     }
-    const StringToken string = place.string();
-    const std::string_view word = string.isQuoted ? string.text : place.word();
-    const std::string_view meant =
-        meantWord(type_.words, string.isQuoted ? string.value() : std::string(word));
+    const StringToken string = quotedOrWord(place);
+    const std::string_view word = string.text;
+    const std::string_view meant = meantWord(type_.words, string.value());
     if (meant.empty()) {
         return false;
     }
@@ -351,14 +362,12 @@ bool Value::mendMask() {
             isNext = true;
             continue;
         }
-        const StringToken string = place.string();
-        const std::string_view word =
-            string.isQuoted && string.isClosed ? string.text : place.word();
-        if (word.empty() || !(isNext || inBrackets)) {
+        const StringToken string = quotedOrWord(place);
+        const std::string_view word = string.text;
+        if (word.empty() || !string.isClosed || !(isNext || inBrackets)) {
             break;
         }
-        const std::string_view meant =
-            meantWord(type_.words, string.isQuoted ? string.value() : std::string(word));
+        const std::string_view meant = meantWord(type_.words, string.value());
         // Outside brackets, what is no word of the mask may be the next field.
         if (meant.empty() && (!inBrackets || place_.mayFollow(word))) {
             break;
@@ -376,68 +385,73 @@ bool Value::mendMask() {
     if (inBrackets) {
         end = place.peek() == ')' || place.peek() == ']' ? place.at + 1 : end;
     }
-    return rewrite(end, "(" + words + ")");
+    const bool isOne = words.find('|') == std::string::npos;
+    return rewrite(end, isOne ? words : "(" + words + ")");
 }
 
 // ---- strings
 
 bool Value::passString() {
-    const StringToken string = cursor_.string();
-    if (string.text.empty()) {
+    const StringToken beforeBrace = cursor_.stringBeforeBrace();
+    const char* const brace = beforeBrace.text.data() + beforeBrace.text.size();
+    if (!beforeBrace.isClosed) {
+        const char* const line = std::find(cursor_.at, cursor_.end, '\n');
+        text_.insert(line, "\"");
+        reporter_.repaired(cursor_.at, "closed the string in " + quoted(place_.fieldName));
+        cursor_.at = line;
+        return true;
+    }
+    if (beforeBrace.isQuoted) {
+        cursor_.at = brace;
+        return true;
+    }
+    // To the reader a brace is part of a word.
+    const bool isCut = brace != cursor_.end && *brace == '}' && place_.bracesMatch();
+    const std::string_view word = isCut ? beforeBrace.text : cursor_.string().text;
+    if (word.empty()) {
         return false;
     }
-    const char* const end = string.text.data() + string.text.size();
-    if (string.isQuoted) {
-        if (!string.isClosed) {
-            const char* const line = std::find(cursor_.at, end, '\n');
-            text_.insert(line, "\"");
-            reporter_.repaired(cursor_.at,
-                               "closed the string of " + quoted(place_.fieldName));
-            cursor_.at = line;
+    Cursor behind = cursor_;
+    behind.at = word.data() + word.size();
+    if (!isCut) {
+        const char* const end = behind.at;
+        // A bracket and, in a node without children, a brace are part of a word if the node goes
+        // on well behind it.
+        const bool hasBrace = !place_.owner.isGroup && word.find('}') != std::string_view::npos;
+        behind.skipSpace();
+        if ((word.front() != '[' && !hasBrace) || behind.peek() == '}' || behind.peek() == '~' ||
+            place_.mayFollow(behind.name())) {
+            cursor_.at = end;
             return true;
         }
-        cursor_.at = end;
-        return true;
     }
-    // A word with brackets and braces is a string to the reader, if all goes on well behind it.
-    const std::size_t brace = string.text.find('}');
-    const bool beginsList = string.text.front() == '[';
-    const bool isBrace = brace != std::string_view::npos && place_.bracesMatch();
-    if (!beginsList && !isBrace && (brace == std::string_view::npos || place_.owner.isGroup)) {
-        cursor_.at = end;
-        return true;
+    if (word.front() == '[') {
+        return keepFirstString();
     }
-    Cursor behind = cursor_;
-    behind.at = end;
-    behind.skipSpace();
-    const std::string_view next = behind.name();
-    if (!isBrace && (behind.peek() == '}' || behind.peek() == '~' ||
-                     (!next.empty() && place_.mayFollow(next)))) {
-        cursor_.at = end;
-        return true;
+    const std::size_t size = std::min(word.find('}'), word.size());
+    if (size == 0) {
+        return false;
     }
-    if (!beginsList || isBrace) {
-        if (brace == 0) {
-            return false;
-        }
-        text_.insert(cursor_.at + brace, " ");
-        reporter_.repaired(cursor_.at,
-                           "separated " + quoted(string.text.substr(0, brace)) + " from its brace");
-        cursor_.at += brace;
-        return true;
-    }
+    text_.insert(cursor_.at + size, " ");
+    reporter_.repaired(cursor_.at, "separated " + quoted(word.substr(0, size)) + " from its brace");
+    cursor_.at += size;
+    return true;
+}
+
+/// Of a list of strings the first.
+bool Value::keepFirstString() {
     Cursor inside = cursor_;
     ++inside.at;
     inside.skipSpace();
-    const StringToken first = inside.string();
-    std::string_view kept = first.isQuoted && first.isClosed ? first.text : inside.word();
-    if (kept.empty()) {
+    const StringToken first = quotedOrWord(inside);
+    if (first.text.empty() || !first.isClosed) {
         return false;
     }
-    inside.at = kept.data() + kept.size();
+    inside.at = first.text.data() + first.text.size();
     const char* const bracket = endOfBrackets(inside);
-    reporter_.repaired(cursor_.at, "kept the first value of " + quoted(place_.fieldName));
-    text_.replace(between(cursor_.at, bracket), std::string(kept).append(first.isQuoted ? "" : " "));
+    reporter_.repaired(cursor_.at, "kept the first value in " + quoted(place_.fieldName));
+    text_.replace(between(cursor_.at, bracket),
+                  std::string(first.text).append(first.isQuoted ? "" : " "));
     cursor_.at = bracket;
     return true;
 }
@@ -500,9 +514,8 @@ bool Value::mendImage() {
         const std::string_view word = numberWord(place);
         if (found < 3) {
             const MendedNumber mended = mendNumber(word, NumberKind::kInteger);
-            head[found] = scanInteger(mended.how == MendedNumber::How::kAsIs
-                                          ? word.data()
-                                          : mended.text.c_str())
+            head[found] = scanInteger(mended.how == MendedNumber::How::kAsIs ? word.data()
+                                                                             : mended.text.c_str())
                               .value;
         }
         place.at += word.size();
@@ -529,7 +542,7 @@ bool Value::mendImage() {
         }
         place.at += word.size();
     }
-    reporter_.repaired(cursor_.at, "mended the numbers of " + quoted(place_.fieldName));
+    reporter_.repaired(cursor_.at, "mended the numbers in " + quoted(place_.fieldName));
     cursor_.at = end;
     return true;
 }
@@ -538,8 +551,8 @@ bool Value::mendImage() {
 
 bool FieldPlace::mayFollow(std::string_view word) const {
     return owner.field(cutName(word)) != nullptr ||
-           (owner.isGroup && (word == "DEF" || word == "USE" || word == "NULL" ||
-                              findClass(word) != nullptr));
+           (owner.isGroup &&
+            (word == "DEF" || word == "USE" || word == "NULL" || findClass(word) != nullptr));
 }
 
 bool tidyValue(Cursor& cursor, const ValueType& type, const FieldPlace& place, EditedText& text,
