@@ -63,13 +63,14 @@ ValueType typeOf(const QvField& field) {
 }
 
 ClassInfo describe(const NodeClass& nodeClass) {
-    const std::unique_ptr<QvNode> node = nodeClass.create();
+    NodePool nodes;
+    QvNode* const node = nodeClass.create(nodes);
     ClassInfo info;
     info.name = nodeClass.name;
-    info.isGroup = dynamic_cast<const QvGroup*>(node.get()) != nullptr;
-    info.picksChild = dynamic_cast<const QvSwitch*>(node.get()) != nullptr ||
-                      dynamic_cast<const QvLevelOfDetail*>(node.get()) != nullptr;
-    info.isInline = dynamic_cast<const QvWWWInline*>(node.get()) != nullptr;
+    info.isGroup = dynamic_cast<const QvGroup*>(node) != nullptr;
+    info.picksChild = dynamic_cast<const QvSwitch*>(node) != nullptr ||
+                      dynamic_cast<const QvLevelOfDetail*>(node) != nullptr;
+    info.isInline = dynamic_cast<const QvWWWInline*>(node) != nullptr;
     const FieldTable& table = node->getFieldTable();
     for (const FieldTable::FieldEntry& entry : table.fields()) {
         info.addField(entry.name.view(), typeOf(*table.findField(*node, entry.name)));
