@@ -99,8 +99,13 @@ TEST_F(Geomtool, ListsObjectsAsText) {
 TEST_F(Geomtool, ListsObjectsAsJson) {
     const auto stream = records::all();
     const auto json = nlohmann::json::parse(run("info --json --values <stream", stream.bytes).out);
-    EXPECT_EQ(json["total"],
-              (nlohmann::json{{"objects", 10}, {"bytes", 1667}, {"stream_bytes", 1667}}));
+    EXPECT_EQ(json["total"], (nlohmann::json{{"objects", 10},
+                                             {"vertices", 18},
+                                             {"polygons", 3},
+                                             {"bytes", 1667},
+                                             {"stream_bytes", 1667}}));
+    const auto totals = nlohmann::json::parse(run("info --json --totals stream", stream.bytes).out);
+    EXPECT_EQ(totals, (nlohmann::json{{"total", json["total"]}, {"error", nullptr}}));
     EXPECT_EQ(json["error"], nullptr);
     const auto& polyhedron = json["objects"].at(5);
     EXPECT_EQ(polyhedron["kind"], "polyhedron");
@@ -121,6 +126,8 @@ TEST_F(Geomtool, SaysByItsStatusHowItWent) {
     const Outcome empty = run("info <stream");
     EXPECT_EQ(empty.status, 0);
     EXPECT_EQ(empty.out, "0 objects, 0 bytes\n");
+    EXPECT_EQ(run("info --totals stream").out,
+              "objects   0\nvertices  0\npolygons  0\nbytes     0\n");
 
     auto cut = records::named("label 7").bytes;
     cut.insert(cut.end(), 3, std::byte{0});

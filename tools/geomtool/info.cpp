@@ -2,6 +2,7 @@
 
 #include "tools/geomtool/decoder.h"
 #include "tools/geomtool/listing.h"
+#include "tools/geomtool/summary.h"
 
 #include <array>
 #include <cerrno>
@@ -52,6 +53,12 @@ Totals list_objects(std::span<const std::byte> stream, Listing& listing) {
         }
         const auto& object = std::get<geom_stream::Object>(record);
         listing.add(++totals.objects, object);
+        for (const Count& count : counts(object)) {
+            if (count.name == "vertices")
+                totals.vertices += count.value;
+            else if (count.name == "polygons")
+                totals.polygons += count.value;
+        }
         totals.bytes += object.size;
     }
     return totals;
@@ -67,8 +74,11 @@ ExitStatus run_info(const InfoOptions& options) {
         return status_failed;
     }
 
-    const auto listing = options.json ? make_json_listing(std::cout, options.values)
-                                      : make_text_listing(std::cout, options.values);
+    const Coverage coverage = options.totals   ? Coverage::none
+                              : options.values ? Coverage::values
+                                               : Coverage::objects;
+    const auto listing = options.json ? make_json_listing(std::cout, coverage)
+                                      : make_text_listing(std::cout, coverage);
     const Totals totals = list_objects(std::get<std::vector<std::byte>>(input), *listing);
     listing->finish(totals);
     if (!std::cout.flush()) {

@@ -14,6 +14,7 @@ enum ExitStatus : int {
 struct InfoOptions {
     std::string file = "-"; ///< "-": standard input
     bool json = false;
+    bool totals = false; ///< nothing but the totals
     bool values = false;
 };
 

@@ -120,12 +120,14 @@ Json json_of(std::size_t number, const Object& object, bool with_values) {
 
 class JsonListing final : public Listing {
 public:
-    JsonListing(std::ostream& out, bool with_values) : out_(out), with_values_(with_values) {
-        out_ << R"({"objects":[)";
+    JsonListing(std::ostream& out, Coverage coverage) : out_(out), coverage_(coverage) {
+        out_ << (coverage == Coverage::none ? "{" : R"({"objects":[)");
     }
 
     void add(std::size_t number, const Object& object) override {
-        out_ << (number == 1 ? "\n" : ",\n") << line(json_of(number, object, with_values_));
+        if (coverage_ != Coverage::none)
+            out_ << (number == 1 ? "\n" : ",\n")
+                 << line(json_of(number, object, coverage_ == Coverage::values));
     }
 
     void finish(const Totals& totals) override {
@@ -133,9 +135,12 @@ public:
         if (totals.error)
             error = {{"offset", totals.error->offset}, {"message", totals.error->message}};
         const Json total{{"objects", totals.objects},
+                         {"vertices", totals.vertices},
+                         {"polygons", totals.polygons},
                          {"bytes", totals.bytes},
                          {"stream_bytes", totals.stream_bytes}};
-        out_ << "\n],\n\"total\":" << line(total) << ",\n\"error\":" << line(error) << "}\n";
+        out_ << (coverage_ == Coverage::none ? "" : "\n],\n") << "\"total\":" << line(total)
+             << ",\n\"error\":" << line(error) << "}\n";
     }
 
 private:
@@ -145,13 +150,13 @@ private:
     }
 
     std::ostream& out_;
-    bool with_values_;
+    Coverage coverage_;
 };
 
 } // namespace
 
-std::unique_ptr<Listing> make_json_listing(std::ostream& out, bool with_values) {
-    return std::make_unique<JsonListing>(out, with_values);
+std::unique_ptr<Listing> make_json_listing(std::ostream& out, Coverage coverage) {
+    return std::make_unique<JsonListing>(out, coverage);
 }
 
 } // namespace geomtool

@@ -3,6 +3,7 @@
 #include "tools/geomtool/decoder.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -12,9 +13,18 @@ namespace geomtool {
 /// What a listing closes with.
 struct Totals {
     std::size_t objects = 0;
+    std::int64_t vertices = 0; ///< of the objects listed, as their counts name them
+    std::int64_t polygons = 0;
     std::size_t bytes = 0;        ///< of the objects listed
     std::size_t stream_bytes = 0; ///< of the whole stream; more than `bytes` when it is broken
     std::optional<geom_stream::Error> error;
+};
+
+/// How much a listing tells before its totals.
+enum class Coverage {
+    none,    ///< the totals are all
+    objects, ///< every object
+    values   ///< every object and the elements of its arrays
 };
 
 /// A listing of a stream in the making: one object at a time, then the totals.
@@ -31,10 +41,10 @@ public:
 };
 
 /// Lines for people: a heading per object and indented details. Floats have the shortest form that
-/// reads back as the same value. `with_values` adds the elements of every array.
-std::unique_ptr<Listing> make_text_listing(std::ostream& out, bool with_values);
+/// reads back as the same value. Totals alone are a line each, name and number.
+std::unique_ptr<Listing> make_text_listing(std::ostream& out, Coverage coverage);
 
 /// One JSON document with one line per object; a float that is not finite is a string.
-std::unique_ptr<Listing> make_json_listing(std::ostream& out, bool with_values);
+std::unique_ptr<Listing> make_json_listing(std::ostream& out, Coverage coverage);
 
 } // namespace geomtool

@@ -17,7 +17,9 @@ int run(int argc, char** argv) {
     CLI::App* info = app.add_subcommand("info", "List the objects of a stream");
     info->add_option("FILE", options.file, "The stream; standard input when absent or -");
     info->add_flag("--json", options.json, "Print one JSON document instead of lines");
-    info->add_flag("--values", options.values, "Print the elements of every array too");
+    info->add_flag("--totals", options.totals, "Print only what the objects add up to");
+    info->add_flag("--values", options.values, "Print the elements of every array too")
+        ->excludes("--totals");
 
     try {
         app.parse(argc, argv);

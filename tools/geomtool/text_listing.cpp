@@ -96,21 +96,28 @@ std::string hexadecimal(std::uint32_t number) {
 
 class TextListing final : public Listing {
 public:
-    TextListing(std::ostream& out, bool with_values) : out_(out), with_values_(with_values) {}
+    TextListing(std::ostream& out, Coverage coverage) : out_(out), coverage_(coverage) {}
 
     void add(std::size_t number, const Object& object) override {
+        if (coverage_ == Coverage::none)
+            return;
         text_ = "object " + std::to_string(number) + ": ";
         text_ += kind_name(object.kind());
         text_ += ", version " + std::to_string(object.version) + ", offset " +
                  std::to_string(object.offset) + ", " + counted(object.size, "byte") + "\n";
         add_names(object);
         add_details(object);
-        if (with_values_)
+        if (coverage_ == Coverage::values)
             add_values(object);
         out_ << text_;
     }
 
     void finish(const Totals& totals) override {
+        if (coverage_ == Coverage::none) {
+            out_ << "objects   " << totals.objects << "\nvertices  " << totals.vertices
+                 << "\npolygons  " << totals.polygons << "\nbytes     " << totals.bytes << '\n';
+            return;
+        }
         out_ << counted(totals.objects, "object") << ", ";
         if (totals.error)
             out_ << totals.bytes << " of ";
@@ -204,14 +211,14 @@ private:
     }
 
     std::ostream& out_;
-    bool with_values_;
+    Coverage coverage_;
     std::string text_; ///< of the object at hand
 };
 
 } // namespace
 
-std::unique_ptr<Listing> make_text_listing(std::ostream& out, bool with_values) {
-    return std::make_unique<TextListing>(out, with_values);
+std::unique_ptr<Listing> make_text_listing(std::ostream& out, Coverage coverage) {
+    return std::make_unique<TextListing>(out, coverage);
 }
 
 } // namespace geomtool
