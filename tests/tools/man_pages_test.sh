@@ -1,0 +1,26 @@
+#!/bin/bash
+# Renders the manual pages without a warning, and holds their options to those that the programs name.
+# Usage: man_pages_test.sh FOLDER_OF_PAGES PROGRAM...
+set -euo pipefail
+pages=$1
+shift
+
+# The options that begin the lines of a text which begin with N blanks and a hyphen.
+options() {
+    sed -n "s/^ \{$1\}\(-.*\)/\1/p" | sed 's/, /,/; s/ .*//' | tr , '\n' | sort -u
+}
+
+for page in "$pages"/*.1; do
+    groff -man -Tascii -ww -z "$page" 2>&1 | { ! grep .; } || exit 1
+done
+for program in "$@"; do
+    page=$pages/${program##*/}.1
+    subcommands=$("$program" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\).*/\1/p')
+    diff <(for command in "" $subcommands; do
+        "$program" ${command:+"$command"} --help
+    done | options 2) \
+        <(groff -man -Tascii -P-cbou "$page" | sed -n '/^OPTIONS/,/^[A-Z]/p' | options 7) || {
+        echo "$page differs from $program --help" >&2
+        exit 1
+    }
+done
