@@ -8,10 +8,10 @@
 set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
-nlohmann-json3-dev zlib1g-dev libgtest-dev libgmock-dev"
+nlohmann-json3-dev zlib1g-dev libgtest-dev libgmock-dev parallel groff-base"
 [ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then
-    packages="$packages clang-format clang-tidy cppcheck libbenchmark-dev python3 valgrind git"
+    packages="$packages clang-format clang-tidy cppcheck shellcheck libbenchmark-dev python3 valgrind git"
 fi
 if [ "${1:-}" = "--portability" ]; then
     packages="$packages clang python3 g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user"
