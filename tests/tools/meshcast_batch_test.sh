@@ -31,11 +31,15 @@ printf 'neither\n' >in/bad.wrl
 ln -s nowhere in/dangling.wrl
 mkfifo in/pipe.wrl
 {
-    printf '%s\nSeparator { Coordinate3 { point [ ' "$header"
-    seq -f '%.0f 0.25 -1.5,' 200000
-    printf '] } IndexedFaceSet { coordIndex [ '
-    seq -f '%.0f, 0, 1, -1,' 2 199999
-    printf '] } }\n'
+    printf '%s\nGroup {\n' "$header"
+    for _ in {1..200}; do
+        printf 'Separator { Coordinate3 { point [ '
+        seq -f '%.0f 0.25 -1.5,' 1000
+        printf '] } IndexedFaceSet { coordIndex [ '
+        seq -f '%.0f, 0, 1, -1,' 2 999
+        printf '] } }\n'
+    done
+    printf '}\n'
 } >in/huge.wrl
 
 cat >expected <<'END'
@@ -45,7 +49,7 @@ bad.wrl	refused	0	0	0	0
 dangling.wrl	unreadable	0	0	0	0	not a file that can be read
 dirty.wrl	ok	1	24	6	1	
 empty.wrl	empty	0	0	0	0	
-huge.wrl	ok	1	200000	199998	0	
+huge.wrl	ok	200	200000	199600	0	
 in side/a 'b" $(touch pwned) {1} `touch pwned`.wrl	ok	1	24	6	0	
 new\nline\t\\.WRL	ok	1	24	6	0	
 packed.wrz	ok	1	24	6	1	
