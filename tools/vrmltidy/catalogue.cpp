@@ -155,6 +155,17 @@ const FieldInfo* ClassInfo::field(std::string_view fieldName) const {
     return found == fields_.end() ? nullptr : &*found;
 }
 
+const FieldInfo* ClassInfo::fieldInAnyCase(std::string_view fieldName) const {
+    if (!places_.empty()) {
+        return nullptr; // Too many to be searched for each unknown word.
+    }
+    const auto found =
+        std::find_if(fields_.begin(), fields_.end(), [fieldName](const FieldInfo& field) {
+            return equalInAnyCase(field.name, fieldName);
+        });
+    return found == fields_.end() ? nullptr : &*found;
+}
+
 void ClassInfo::addField(std::string_view fieldName, ValueType type) {
     constexpr std::size_t kLongestSearched = 16;
     fields_.push_back({std::string(fieldName), type});

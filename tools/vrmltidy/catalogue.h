@@ -37,6 +37,8 @@ struct FieldInfo {
 struct ClassInfo {
     /// The field of that name, or null. Of two fields of one name the first is found.
     const FieldInfo* field(std::string_view fieldName) const;
+    /// The field of that name in whatever letter case, or null.
+    const FieldInfo* fieldInAnyCase(std::string_view fieldName) const;
     void addField(std::string_view fieldName, ValueType type);
 
     std::string name;

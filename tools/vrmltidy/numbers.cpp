@@ -70,6 +70,13 @@ MendedNumber mendNumber(std::string_view word, NumberKind kind) {
         isWhole(stem, kind)) {
         return {How::kRewritten, std::string(stem)};
     }
+    // Fortran writes 1.5D+02.
+    std::string exponent(number);
+    std::replace_if(
+        exponent.begin(), exponent.end(), [](char c) { return c == 'd' || c == 'D'; }, 'e');
+    if (isWhole(exponent, kind)) {
+        return {How::kRewritten, std::move(exponent)};
+    }
     if (kind != NumberKind::kReal && !(isSigned && kind == NumberKind::kUnsigned)) {
         if (std::string text = truncated(number); !text.empty()) {
             return {How::kRewritten, std::move(text)};

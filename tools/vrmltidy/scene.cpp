@@ -154,6 +154,10 @@ void SceneTidier::stray() {
     for (;;) {
         const char* const token = cursor_.at;
         skipToken(cursor_);
+        if (*token == '"' && since(token).find('\n') != std::string_view::npos) {
+            // More likely the end of a string with a quote in it than one over several lines.
+            cursor_.at = token + 1;
+        }
         text_.drop(since(token));
         shown = tokens++ == 0 ? since(token) : shown;
         cursor_.skipSpace();

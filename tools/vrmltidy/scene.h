@@ -99,25 +99,30 @@ private:
     void finish();
     void stray();
 
-    // nodes.cpp: nodes and their names.
+    // nodes.cpp: nodes.
     void node(Beginning beginning, std::string_view className);
     const ClassInfo* declaredClass(std::string_view className);
     void open(const ClassInfo& info, const Beginning& beginning);
     void close();
     void closeLeafEarly();
     void dropNode(const Beginning& beginning, std::string_view className);
+    void dropChild(std::string_view part);
+    void null();
+    void addChild(std::size_t begin);
+
+    // names.cpp: DEF and USE.
+    Beginning beginHere() const;
     StringToken nameAt(const Cursor& place, bool isDefinition);
     void define();
     void mendDefinition(Beginning beginning, const StringToken& name);
+    std::string_view classBehindWords(Cursor place) const;
     void use();
     bool restore(std::string_view use, std::string_view name, const char* definition);
-    void null();
-    void dropChild(std::string_view part);
-    void addChild(std::size_t begin);
-    void replaceInline(const Frame& frame);
-    Beginning beginHere() const;
     std::string nameToWrite(const std::string& name) const;
     bool isTaken(std::string_view name) const;
+
+    // inlines.cpp
+    void replaceInline(const Frame& frame);
 
     // scene_fields.cpp: fields of the node at hand.
     bool field(const FieldInfo& known);

@@ -28,8 +28,9 @@ bool SceneTidier::field(const FieldInfo& known) {
         return false;
     }
     if (info.isInline && known.name == "name") {
-        Cursor text = cursor_;
-        text.at = value;
+        Cursor text(value, cursor_.at);
+        text.at += text.peek() == '[' ? 1 : 0;
+        text.skipSpace();
         inlineName_ = text.string().value();
     }
     Cursor behind = cursor_;
@@ -61,6 +62,19 @@ void SceneTidier::unknownField(std::string_view word) {
     const char* const begin = cursor_.at;
     cursor_.at += word.size();
     const bool isLeaf = top().kind == Frame::Kind::kLeaf;
+    const FieldInfo* const meant = (isLeaf ? top() : container()).info->fieldInAnyCase(word);
+    if (meant != nullptr && (isLeaf || top().isInFields)) {
+        const std::size_t length = text_.offsetAt(begin);
+        text_.replace(word, meant->name);
+        reporter_.repaired(begin, "wrote " + quoted(word) + " as " + meant->name);
+        cursor_.at = begin;
+        if (!field(*meant)) {
+            text_.cutTo(length);
+        } else if (!isLeaf) {
+            top().fieldsEnd = text_.offsetAt(cursor_.at);
+        }
+        return;
+    }
     if (findClass(word) != nullptr) {
         text_.drop(since(begin));
         reporter_.repaired(begin, "dropped the word " + quoted(word) + ", which no brace follows");
