@@ -10,11 +10,6 @@ namespace meshcast::tidy {
 
 namespace {
 
-bool endsWord(char c) {
-    static constexpr std::string_view kEnds = "{}[]()\",;#|~";
-    return isSpace(c) || kEnds.find(c) != std::string_view::npos;
-}
-
 const char* find(const char* first, const char* last, char c) {
     return static_cast<const char*>(std::memchr(first, c, static_cast<std::size_t>(last - first)));
 }

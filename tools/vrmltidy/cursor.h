@@ -2,11 +2,25 @@
 
 #include "vrml/characters.h"
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace meshcast::tidy {
+
+/// White space, brackets, and what else separates words in whatever dialect.
+inline constexpr std::array<bool, 256> kWordEnds = [] {
+    std::array<bool, 256> table{};
+    for (const char c : std::string_view("{}[]()\",;#|~ \t\n\v\f\r")) {
+        table[static_cast<unsigned char>(c)] = true;
+    }
+    return table;
+}();
+
+constexpr bool endsWord(char c) {
+    return kWordEnds[static_cast<unsigned char>(c)];
+}
 
 /// A string as the reader takes it: in double quotes, or a word that runs to the next white space.
 struct StringToken {

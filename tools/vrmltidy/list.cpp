@@ -27,13 +27,14 @@ struct Item {
     enum class Kind { kNumber, kComma, kStray, kClose, kEnd };
     Kind kind;
     std::string_view text;
+    bool isSound = false; ///< A number as the reader takes it.
 };
 
 /// Cuts the text of a list into numbers, commas and what does not belong there.
 class Items {
 public:
-    Items(const Cursor& cursor, bool inBrackets)
-        : place_(cursor), behindLast_(cursor.at), inBrackets_(inBrackets) {}
+    Items(const Cursor& cursor, NumberKind kind, bool inBrackets)
+        : place_(cursor), behindLast_(cursor.at), kind_(kind), inBrackets_(inBrackets) {}
 
     Item next();
     /// Behind the last item that was taken.
@@ -44,7 +45,7 @@ private:
     bool isClosedLater();
     bool isNumber();
     Item take(Item::Kind kind, std::size_t size) {
-        const Item item{kind, {place_.at, size}};
+        const Item item{kind, {place_.at, size}, false};
         place_.at += size;
         behindLast_ = size == 0 ? behindLast_ : place_.at;
         return item;
@@ -52,6 +53,7 @@ private:
 
     Cursor place_;
     const char* behindLast_;
+    NumberKind kind_;
     bool inBrackets_;
     int depth_ = 0;
     const char* closedAt_ = nullptr; ///< What isClosedLater has found.
@@ -91,6 +93,13 @@ Item Items::next() {
     }
     if (c == ',' || c == ';') {
         return take(Item::Kind::kComma, 1);
+    }
+    // Nearly all that lists hold.
+    const char* const end = skipNumber(place_.at, kind_);
+    if (end != nullptr && endsWord(*end) && *end != '#') {
+        Item item = take(Item::Kind::kNumber, static_cast<std::size_t>(end - place_.at));
+        item.isSound = true;
+        return item;
     }
     if (!inBrackets_) {
         return isNumber() ? take(Item::Kind::kNumber, numberWord(place_).size())
@@ -149,9 +158,8 @@ Grouping groupingOf(Items items, std::size_t width) {
 /// Writes a list.
 class ListWriter {
 public:
-    ListWriter(const ValueType& type, EditedText& text, const char* first)
-        : kind_(type.kind == ValueType::Kind::kReal ? NumberKind::kReal : NumberKind::kInteger),
-          width_(type.width), text_(text), last_(first) {}
+    ListWriter(NumberKind kind, std::size_t width, EditedText& text, const char* first)
+        : kind_(kind), width_(width), text_(text), last_(first) {}
 
     /// Writes the items to the end of the list. Commas mean nothing when `isFlat`; a list that
     /// `isSingle` gets none.
@@ -192,7 +200,8 @@ void ListWriter::number(const Item& item) {
         missing_.add(last_);
     }
     needsComma_ = false;
-    const MendedNumber mended = mendNumber(item.text, kind_);
+    const MendedNumber mended =
+        item.isSound ? MendedNumber{MendedNumber::How::kAsIs, {}} : mendNumber(item.text, kind_);
     if (mended.how == MendedNumber::How::kNone) {
         firstNone_ = none_.count == 0 ? item.text : firstNone_;
         none_.add(item.text.data());
@@ -204,7 +213,7 @@ void ListWriter::number(const Item& item) {
         text_.replace(item.text, mended.text);
     }
     last_ = item.text.data() + item.text.size();
-    inValue_ = (inValue_ + 1) % width_;
+    inValue_ = inValue_ + 1 == width_ ? 0 : inValue_ + 1;
     needsComma_ = inValue_ == 0;
 }
 
@@ -295,7 +304,9 @@ bool tidyList(Cursor& cursor, const ValueType& type, const FieldPlace& place, Ed
     const bool inBrackets = cursor.peek() == '[';
     Cursor inside = cursor;
     inside.at += inBrackets ? 1 : 0;
-    Items items(inside, inBrackets);
+    const NumberKind kind =
+        type.kind == ValueType::Kind::kReal ? NumberKind::kReal : NumberKind::kInteger;
+    Items items(inside, kind, inBrackets);
     const std::size_t width = type.width;
     const Grouping grouping = groupingOf(items, width);
     if (!inBrackets && grouping.numbers < width) {
@@ -304,7 +315,7 @@ bool tidyList(Cursor& cursor, const ValueType& type, const FieldPlace& place, Ed
     const bool isSingle = !inBrackets && grouping.numbers == width;
     const bool isFlat = (grouping.groups > 1 && grouping.largest == 1) ||
                         (grouping.hasBroken && grouping.numbers % width == 0);
-    ListWriter writer(type, text, inside.at);
+    ListWriter writer(kind, width, text, inside.at);
     if (!inBrackets && !isSingle) {
         text.insert(inside.at, "[ ");
     }
