@@ -46,7 +46,8 @@ SECONDS_PER_SCENE = 300
 # The kernel would have to know the programs of another machine that the first of these tests start.
 # Prefixes converts each scene as often as it has bytes, which is much under emulation; ExhaustedMemory
 # expects the sizes of records with pointers of 64 bits.
-TESTS_LEFT_OUT = "Scenes|Filter|Readme|Geomtool|Prefixes|ExhaustedMemory"
+TESTS_LEFT_OUT = ("Scenes|Filter|Readme|Geomtool|VrmlTidy|ManPages|MeshcastBatch|"
+                  "Prefixes|ExhaustedMemory")
 
 
 def quietly(*command):
