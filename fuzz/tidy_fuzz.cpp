@@ -1,4 +1,5 @@
 #include "convert/context.h"
+#include "fuzz/catalogue_text.h"
 #include "tools/vrmltidy/tidy.h"
 #include "traverse/state.h"
 #include "vrml/input.h"
@@ -65,6 +66,7 @@ Read read(std::string_view text, bool walks) {
     using namespace meshcast;
     Read result{};
     Captured errors(STDERR_FILENO);
+    const NameScope names;
     NodePool nodes;
     MemorySource source(text);
     VrmlInput input(nodes, source);
@@ -82,6 +84,18 @@ Read read(std::string_view text, bool walks) {
         result.stream = output.take();
     }
     return result;
+}
+
+/// What a process does once: the names that every scene shares have to be there before those of the
+/// first are forgotten.
+bool prepare() {
+    using namespace meshcast;
+    fuzz::catalogue();
+    NodePool nodes;
+    MemorySource source("#VRML V1.0 ascii\nGroup { }");
+    VrmlInput input(nodes, source);
+    QvNode* root = nullptr;
+    return readScene(input, root);
 }
 
 [[noreturn]] void fail(const char* what, std::string_view text, const std::string& said) {
@@ -126,6 +140,9 @@ bool isPlain(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace meshcast;
+
+    static const bool isPrepared = prepare();
+    static_cast<void>(isPrepared);
 
     const std::string scene(reinterpret_cast<const char*>(data), size);
     tidy::Options options;
