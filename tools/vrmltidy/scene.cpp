@@ -62,12 +62,12 @@ void SceneTidier::stepInLeaf() {
         } else {
             stray();
         }
-    } else if (word == "DEF" || word == "USE" ||
+    } else if (name == "DEF" || name == "USE" ||
                (isBraceBehind(word) && findClassInAnyCase(word) != nullptr)) {
         closeLeafEarly();
     } else if (isBraceBehind(word)) {
         dropNode(beginHere(), word);
-    } else if (word == "NULL") {
+    } else if (name == "NULL") {
         null();
     } else {
         unknownField(word);
@@ -92,11 +92,11 @@ void SceneTidier::stepInGroup() {
         return;
     }
     const std::string_view word = cursor_.word();
-    if (word == "NULL") {
+    if (name == "NULL") {
         null();
-    } else if (word == "USE") {
+    } else if (name == "USE") {
         use();
-    } else if (word == "DEF") {
+    } else if (name == "DEF") {
         define();
     } else if (isBraceBehind(word)) {
         node(beginHere(), word);
@@ -167,7 +167,8 @@ void SceneTidier::stray() {
         }
         if (isNameStart(c)) {
             const std::string_view word = cursor_.word();
-            if (!isTopLevel || word == "DEF" || word == "USE" || isBraceBehind(word)) {
+            const std::string_view name = cursor_.name();
+            if (!isTopLevel || name == "DEF" || name == "USE" || isBraceBehind(word)) {
                 break;
             }
         }
