@@ -125,11 +125,12 @@ bool isPlain(std::string_view text) {
             return false;
         }
     }
-    for (std::size_t at = text.find('{'); at != std::string_view::npos;
-         at = text.find('{', at + 1)) {
-        const std::size_t space = text.find_last_of(" \t\r\n\f\v", at);
-        const std::size_t word = space == std::string_view::npos ? 0 : space + 1;
-        if (text.substr(word, at - word).find('"') != std::string_view::npos) {
+    constexpr std::string_view kSpace = " \t\r\n\f\v";
+    for (std::size_t at = text.find_first_of("{}"); at != std::string_view::npos;
+         at = text.find_first_of("{}", at + 1)) {
+        const std::size_t word = text.find_last_of(kSpace, at) + 1; // 0 behind npos.
+        const std::size_t end = std::min(text.find_first_of(kSpace, at), text.size());
+        if (text.substr(word, end - word).find_first_of("\"\\") != std::string_view::npos) {
             return false;
         }
     }

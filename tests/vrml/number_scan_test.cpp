@@ -59,7 +59,7 @@ TEST(NumberScan, RealsAreTheNearestDouble) {
 }
 
 TEST(NumberScan, RandomRealsAreTheNearestDouble) {
-    std::mt19937_64 random(7);
+    std::mt19937_64 random(7); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same texts in every run
     const auto below = [&random](unsigned n) { return static_cast<unsigned>(random() % n); };
     const auto digits = [&](unsigned most) {
         return std::to_string(random()).substr(0, below(most + 1));
