@@ -67,6 +67,7 @@ bool isConverting = false;
 
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
 extern "C" int __real_system(const char* command);
 
 /// Stands in for the shell that runs image converters. (The fuzzer uses the shell for itself.)
@@ -80,6 +81,7 @@ extern "C" int __wrap_system(const char* command) {
     }
     return 0;
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace meshcast::fuzz {
 
