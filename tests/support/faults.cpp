@@ -36,6 +36,7 @@ ssize_t move_bytes(ssize_t (*real)(int, Bytes, std::size_t), std::deque<IoFault>
 
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
 extern "C" {
 void* __real_malloc(std::size_t bytes);
 void* __real_calloc(std::size_t count, std::size_t bytes);
@@ -95,3 +96,4 @@ void operator delete(void* block, std::size_t /*bytes*/) noexcept {
 void operator delete[](void* block, std::size_t /*bytes*/) noexcept {
     std::free(block);
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
