@@ -29,7 +29,7 @@ TEST_P(Prefixes, EndWithADocumentedMessageOrNone) {
         ")\n\tOccurred at line +\\d+\n)|(Error: .*\n)|(VRML error in .*\n))*");
     const std::string scene = contents(GetParam());
     const Conversion whole = convertRaw(scene);
-    if (scene.size() > 64 * 1024) {
+    if (scene.size() > std::size_t(64) * 1024) {
         return; // Too long to be cut everywhere.
     }
     for (std::size_t length = 0; length < scene.size(); ++length) {
