@@ -65,13 +65,13 @@ ValueType typeOf(const QvField& field) {
 ClassInfo describe(const NodeClass& nodeClass) {
     NodePool nodes;
     QvNode& node = *nodeClass.create(nodes);
+    const FieldTable& table = node.getFieldTable();
     ClassInfo info;
     info.name = nodeClass.name;
     info.isGroup = dynamic_cast<const QvGroup*>(&node) != nullptr;
     info.picksChild = dynamic_cast<const QvSwitch*>(&node) != nullptr ||
                       dynamic_cast<const QvLevelOfDetail*>(&node) != nullptr;
     info.isInline = dynamic_cast<const QvWWWInline*>(&node) != nullptr;
-    const FieldTable& table = node.getFieldTable();
     for (const FieldTable::FieldEntry& entry : table.fields()) {
         info.addField(entry.name.view(), typeOf(*table.findField(node, entry.name)));
     }

@@ -115,6 +115,12 @@ StringToken Cursor::stringBeforeBrace() const {
     return stringUpTo(end, [](char c) { return isSpace(c) || c == '{' || c == '}'; });
 }
 
+std::string inQuotes(std::string_view word) {
+    const bool isNeeded = word.find_first_of("{}") != std::string_view::npos;
+    const bool isPossible = word.find('"') == std::string_view::npos && !word.ends_with('\\');
+    return isNeeded && isPossible ? std::string("\"").append(word).append("\"") : "";
+}
+
 std::string_view cutName(std::string_view name) {
     return name.substr(0, VrmlInput::kMaxNameLength);
 }

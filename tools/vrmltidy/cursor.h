@@ -77,6 +77,10 @@ private:
     const char* lastQuote_;
 };
 
+/// A word with braces in quotes, so that all see the braces as the reader does; empty for other
+/// words and for those that quotes would change.
+std::string inQuotes(std::string_view word);
+
 /// Names are compared up to the length at which the reader cuts them.
 std::string_view cutName(std::string_view name);
 

@@ -64,6 +64,32 @@ StringToken SceneTidier::nameAt(const Cursor& place, bool isDefinition) {
     return whole.text.size() < kLongestBracedName && isKnown ? whole : name;
 }
 
+/// Names a node, and writes the name as it is to be: with quotes only where braces or blanks need
+/// them, and not as one of those that are taken.
+void SceneTidier::writeName(Beginning& beginning, const StringToken& name, bool mayUnquote) {
+    beginning.name = name.value();
+    beginning.writtenName = nameToWrite(beginning.name);
+    const char* const first = name.text.data();
+    const char* const last = first + name.text.size();
+    if (beginning.writtenName.empty() && !name.isQuoted) {
+        beginning.writtenName = inQuotes(name.text);
+        if (!beginning.writtenName.empty()) {
+            reporter_.repaired(first, "put quotes around the name " + quoted(beginning.name));
+        }
+    }
+    const bool unquotes = mayUnquote && name.isQuoted && isPlainName(beginning.name);
+    if (!unquotes && beginning.writtenName.empty()) {
+        return;
+    }
+    std::string written = beginning.writtenName.empty() ? beginning.name : beginning.writtenName;
+    written.insert(0, first == beginning.source + 3 ? 1 : 0, ' ');
+    written.append(last != cursor_.end && !isSpace(*last) ? 1 : 0, ' ');
+    text_.replace(name.text, written);
+    if (unquotes) {
+        reporter_.repaired(first, "took the name " + quoted(beginning.name) + " out of its quotes");
+    }
+}
+
 /// Takes DEF, its name, and the node behind it as far as its opening brace.
 void SceneTidier::define() {
     Beginning beginning = beginHere();
@@ -81,21 +107,7 @@ void SceneTidier::define() {
         return;
     }
     hasBracedNames_ = hasBracedNames_ || value.find_first_of("{}") != std::string::npos;
-    beginning.name = value;
-    beginning.writtenName = nameToWrite(value);
-    const bool unquotes =
-        name.isQuoted && isPlainName(value) && findClassInAnyCase(className) != nullptr;
-    if (unquotes || !beginning.writtenName.empty()) {
-        const bool isGluedToDef = place.at == beginning.source + 3;
-        const bool isGluedToClass = behind.at == place.at + name.text.size();
-        text_.replace(name.text,
-                      (isGluedToDef ? " " : "") +
-                          (beginning.writtenName.empty() ? value : beginning.writtenName) +
-                          (isGluedToClass ? " " : ""));
-    }
-    if (unquotes) {
-        reporter_.repaired(place.at, "took the name " + quoted(value) + " out of its quotes");
-    }
+    writeName(beginning, name, findClassInAnyCase(className) != nullptr);
     cursor_.at = behind.at;
     node(std::move(beginning), className);
 }
@@ -129,9 +141,7 @@ void SceneTidier::mendDefinition(Beginning beginning, const StringToken& name) {
     if (behind.peek() == '{' && !isClass && !head.empty() && name.isClosed &&
         !name.value().empty()) {
         reporter_.repaired(first, "put \"Group\" behind the name " + quoted(head));
-        beginning.name = name.isQuoted ? name.value() : std::string(head);
-        beginning.writtenName = nameToWrite(beginning.name);
-        text_.replace(head, beginning.writtenName.empty() ? head : beginning.writtenName);
+        writeName(beginning, name, true);
         text_.insert(first + head.size(), " Group ");
         cursor_ = behind;
         open(*findClass("Group"), beginning);
@@ -140,11 +150,10 @@ void SceneTidier::mendDefinition(Beginning beginning, const StringToken& name) {
     const std::string_view className =
         name.value().empty() ? std::string_view() : classBehindWords(behind);
     if (!className.empty()) {
+        writeName(beginning, name, true);
         cursor_.at = className.data();
         text_.drop(since(first + head.size()));
         reporter_.repaired(first, "cut the name at " + quoted(head));
-        beginning.name = name.value();
-        beginning.writtenName = nameToWrite(beginning.name);
         node(std::move(beginning), className);
         return;
     }

@@ -148,6 +148,7 @@ void SceneTidier::dropNode(const Beginning& beginning, std::string_view classNam
     cursor_.skipSpace();
     skipBody(cursor_, onDroppedDefinition_);
     names_.erase(beginning.name);
+    text_.cutTo(beginning.offset); // A name that has been written.
     if (top().kind == Frame::Kind::kLeaf) {
         text_.drop(since(beginning.source));
     } else {

@@ -114,6 +114,7 @@ private:
     Beginning beginHere() const;
     StringToken nameAt(const Cursor& place, bool isDefinition);
     void define();
+    void writeName(Beginning& beginning, const StringToken& name, bool mayUnquote);
     void mendDefinition(Beginning beginning, const StringToken& name);
     std::string_view classBehindWords(Cursor place) const;
     void use();

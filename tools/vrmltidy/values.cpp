@@ -273,6 +273,10 @@ bool Value::passString() {
         behind.skipSpace();
         if ((word.front() != '[' && !hasBrace) || behind.peek() == '}' || behind.peek() == '~' ||
             place_.mayFollow(behind.name())) {
+            if (const std::string clearly = inQuotes(word); !clearly.empty()) {
+                text_.replace(word, clearly);
+                reporter_.repaired(cursor_.at, "put quotes around the word " + quoted(word));
+            }
             cursor_.at = end;
             return true;
         }
