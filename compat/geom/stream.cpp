@@ -17,6 +17,7 @@
 #include <cstring>
 #include <new>
 #include <poll.h>
+#include <type_traits>
 #include <unistd.h>
 
 namespace {
@@ -143,42 +144,24 @@ bool is_raw(const GEOMstream& stream, bool forced) {
     return stream.version < GEOM_FIRST_XDR_VERSION || forced;
 }
 
-constexpr std::uint32_t swap_bytes(std::uint32_t word) {
-    return __builtin_bswap32(word);
-}
-
-constexpr std::uint64_t swap_bytes(std::uint64_t word) {
-    return __builtin_bswap64(word);
-}
+// The unsigned word with the size of T.
+template <class T>
+using WordOf = std::conditional_t<sizeof(T) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
 
 // The word whose bytes in memory lie in the given order.
 template <std::endian Order, class Word>
 constexpr Word ordered(Word word) {
     if constexpr (Order == std::endian::native)
         return word;
+    else if constexpr (sizeof(Word) == sizeof(std::uint32_t))
+        return __builtin_bswap32(word);
     else
-        return swap_bytes(word);
+        return __builtin_bswap64(word);
 }
 
 template <class T>
-struct WordOf;
-template <>
-struct WordOf<std::int32_t> {
-    using Type = std::uint32_t;
-};
-template <>
-struct WordOf<float> {
-    using Type = std::uint32_t;
-};
-template <>
-struct WordOf<std::int64_t> {
-    using Type = std::uint64_t;
-};
-
-template <class T>
 void put_raw(GEOMstream* stream, T value) {
-    using Word = typename WordOf<T>::Type;
-    const Word word = ordered<std::endian::little>(std::bit_cast<Word>(value));
+    const auto word = ordered<std::endian::little>(std::bit_cast<WordOf<T>>(value));
     stream->sink(stream, &word, sizeof word);
 }
 
@@ -186,9 +169,8 @@ void put_raw(GEOMstream* stream, T value) {
 // means.
 template <std::endian Order, class T>
 [[gnu::always_inline]] inline void encode(unsigned char* out, const T* values, std::size_t n) {
-    using Word = typename WordOf<T>::Type;
     for (std::size_t i = 0; i < n; ++i) {
-        const Word word = ordered<Order>(std::bit_cast<Word>(values[i]));
+        const auto word = ordered<Order>(std::bit_cast<WordOf<T>>(values[i]));
         std::memcpy(out + i * sizeof word, &word, sizeof word);
     }
 }
