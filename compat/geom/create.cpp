@@ -3,7 +3,6 @@
 #include "compat/geom/create_sites.h"
 #include "compat/geom/environment.h"
 #include "compat/geom/geom.h"
-#include "compat/geom/label.h"
 #include "compat/geom/list.h"
 #include "compat/geom/memory.h"
 #include "compat/geom/parts.h"
@@ -74,7 +73,12 @@ void clear_kind(GEOMobj& obj) {
         geom::clear(obj.sphere.radii);
         break;
     case GEOM_LABEL:
-        geom::clear_labels(obj.label);
+        for (std::int64_t i = 0; i < obj.label.texts.used; ++i)
+            geom::release(obj.label.texts.data[i]);
+        geom::clear(obj.label.texts);
+        geom::clear(obj.label.offsets);
+        geom::clear(obj.label.heights);
+        geom::clear(obj.label.label_data);
         break;
     default:
         break;

@@ -1,8 +1,7 @@
 // Label objects. Each label is one element in every list that it has data for.
 
-#include "compat/geom/label.h"
-
 #include "compat/geom/create_sites.h"
+#include "compat/geom/geom.h"
 #include "compat/geom/list.h"
 #include "compat/geom/memory.h"
 
@@ -65,13 +64,4 @@ std::uint32_t GEOMlabel_flags(int font, int title, int drop_shadow, int stroke,
     return (static_cast<std::uint32_t>(font) & GEOM_LABEL_FONT_MASK) |
            bit(title, GEOM_LABEL_TITLE) | bit(drop_shadow, GEOM_LABEL_DROP_SHADOW) |
            bit(stroke, GEOM_LABEL_STROKE) | alignment | bit(extra, GEOM_LABEL_EXTRA);
-}
-
-void geom::clear_labels(GEOMlabels& labels) {
-    for (std::int64_t i = 0; i < labels.texts.used; ++i)
-        release(labels.texts.data[i]);
-    clear(labels.texts);
-    clear(labels.offsets);
-    clear(labels.heights);
-    clear(labels.label_data);
 }
