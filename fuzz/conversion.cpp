@@ -1,6 +1,6 @@
 #include "fuzz/conversion.h"
 
-#include "compat/geom/environment.h"
+#include "compat/geom/settings.h"
 #include "convert/context.h"
 #include "convert/text_switch.h"
 #include "convert/texture_switch.h"
@@ -132,6 +132,7 @@ private:
 
 struct Road {
     bool raw; ///< Version 7 rather than 10.
+    bool verified;
     std::size_t pieceSize;
 };
 
@@ -139,10 +140,6 @@ struct Outcome {
     std::vector<geom_stream::Object> objects;
     std::string messages;
 };
-
-void setEnvironment(const char* variable, bool on) {
-    check((on ? setenv(variable, "", 1) : unsetenv(variable)) == 0, "no environment");
-}
 
 /// Reads the scene, and walks it unless that would take long.
 void readAndWalk(std::string_view scene, std::size_t pieceSize) {
@@ -170,7 +167,10 @@ Outcome run(std::string_view scene, const Road& road) {
     static const int buffered = std::setvbuf(stdout, nullptr, _IOFBF, std::size_t(1) << 20);
     check(buffered == 0, "standard output cannot be buffered");
 
-    setEnvironment("KRA_GEOM_WRITE_V2", road.raw);
+    GEOMsettings settings;
+    settings.version = road.raw ? GEOM_VERSION_RAW : GEOM_VERSION_XDR;
+    settings.verify = road.verified;
+    const GEOMscope scope(settings);
     output.clear();
     errors.clear();
     dup2(output.descriptor(), STDOUT_FILENO);
@@ -225,15 +225,13 @@ void convertAndCheck(std::string_view scene) {
 
     const std::size_t choice = std::hash<std::string_view>()(scene);
     const bool verified = (choice & 1) != 0;
-    setEnvironment("KRA_GEOM_VERIFY", verified);
-    geom::forget_environment();
     textSwitch = (choice & 2) != 0 ? 1 : 0;
     const std::int32_t textures = (choice & 12) == 12 ? 1 : 0;
 
     textureSwitch = textures;
-    const Outcome atOnce = run(scene, {false, std::string_view::npos});
+    const Outcome atOnce = run(scene, {false, verified, std::string_view::npos});
     textureSwitch = textures;
-    const Outcome inPieces = run(scene, {true, choice / 16 % 40 + 1});
+    const Outcome inPieces = run(scene, {true, verified, choice / 16 % 40 + 1});
     compare(atOnce, inPieces);
 }
 

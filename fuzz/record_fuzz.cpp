@@ -1,5 +1,5 @@
-#include "compat/geom/environment.h"
 #include "compat/geom/geom.h"
+#include "compat/geom/settings.h"
 #include "fuzz/finding.h"
 #include "fuzz/held_values.h"
 #include "fuzz/memory_file.h"
@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <span>
 #include <string>
@@ -23,9 +22,8 @@ using namespace meshcast::fuzz;
 
 int findings = 0;
 
-void setVariable(const char* variable, bool on) {
-    check((on ? setenv(variable, "", 1) : unsetenv(variable)) == 0, "no environment");
-}
+/// Those of the current input, but for the version.
+GEOMsettings settings;
 
 void verify(const RandomObject& object) {
     findings = 0;
@@ -36,7 +34,8 @@ void verify(const RandomObject& object) {
 
 std::string written(const std::vector<RandomObject>& objects, bool raw, int flags) {
     static const MemoryFile file;
-    setVariable("KRA_GEOM_WRITE_V2", raw);
+    settings.version = raw ? GEOM_VERSION_RAW : GEOM_VERSION_XDR;
+    const GEOMscope scope(settings);
     file.clear();
     for (const RandomObject& object : objects) {
         GEOMwrite_obj(object.object.get(), file.descriptor(), flags);
@@ -74,9 +73,10 @@ void checkDroppedBits(const std::vector<RandomObject>& objects, std::string stre
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedDataProvider choices(data, size);
-    setVariable("KRA_GEOM_VERIFY", choices.ConsumeBool());
-    setVariable("KRA_GEOM_DEBUG", choices.ConsumeBool());
-    geom::forget_environment();
+    settings.verify = choices.ConsumeBool();
+    const auto ignore = [](void*, GEOMmessage, const char*) {};
+    settings.receiver = choices.ConsumeBool() ? +ignore : nullptr;
+    const GEOMscope scope(settings); // until the objects are destroyed
 
     std::vector<RandomObject> objects;
     do {

@@ -4,6 +4,7 @@
 #include "compat/geom/geom.h"
 #include "compat/geom/list.h"
 #include "compat/geom/parts.h"
+#include "compat/geom/settings.h"
 
 #include <array>
 #include <cinttypes>
@@ -36,7 +37,7 @@ public:
         if (m_reporter != nullptr)
             m_reporter(text.data());
         else
-            static_cast<void>(std::fprintf(stderr, "GEOMcheck_obj error: %s\n", text.data()));
+            geom::report(GEOMmessage::finding, text.data());
         return false;
     }
 

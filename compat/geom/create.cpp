@@ -1,12 +1,12 @@
 // Objects from creation to destruction, and what is added to them per vertex.
 
 #include "compat/geom/create_sites.h"
-#include "compat/geom/environment.h"
 #include "compat/geom/geom.h"
 #include "compat/geom/list.h"
 #include "compat/geom/memory.h"
 #include "compat/geom/parts.h"
 #include "compat/geom/polytri.h"
+#include "compat/geom/settings.h"
 
 #include <algorithm>
 #include <cstring>

@@ -17,7 +17,8 @@
 // - A request that an object of that kind cannot take is reported through GEOMerror() and leaves
 //   the object as it was. A failed allocation prints its source path, line and size and ends the
 //   process through GEOMfatal_error(). No function throws.
-// - Objects are not null unless a function says so. One thread at a time.
+// - Objects are not null unless a function says so. Threads may work at the same time, each on
+//   objects of its own; settings.h says what they can choose.
 
 inline constexpr int GEOM_COPY = 0;
 inline constexpr int GEOM_TAKE = 1;
@@ -234,8 +235,9 @@ unsigned char* GEOMadd_property(GEOMobj* obj, std::uint32_t kind, std::uint32_t 
 int GEOMfont_number(const char* family, int bold, int italic);
 
 // Print "GEOM error: ...\n" and "GEOM fatal error: ...\n" to standard error with a text formatted
-// as by printf, whatever its length. The second ends the process with status 1; nothing of a record
-// that is being written is flushed.
+// as by printf, whatever its length. The first goes to the receiver of a GEOMscope instead, if it
+// has one. The second ends the process with status 1; nothing of a record that is being written is
+// flushed.
 [[gnu::format(printf, 1, 2)]] void GEOMerror(const char* format, ...);
 [[noreturn, gnu::format(printf, 1, 2)]] void GEOMfatal_error(const char* format, ...);
 
@@ -245,15 +247,13 @@ int GEOMfont_number(const char* family, int bold, int italic);
 using GEOMreporter = void (*)(const char* text);
 
 // Checks counts, flags, NaN and ranges; returns 1 when the object passes, 0 at the first failure.
-// Values out of range are reported but pass. Findings go to `reporter`, or, when it is null, to
-// standard error as "GEOMcheck_obj error: ...\n". `obj` may be null (a finding); `options` is not
-// looked at and should be 0.
+// Values out of range are reported but pass. Findings go to `reporter`, or, when it is null, where
+// GEOMerror() sends its messages, as "GEOMcheck_obj error: ...\n". `obj` may be null (a finding);
+// `options` is not looked at and should be 0.
 int GEOMcheck_obj(const GEOMobj* obj, int options, GEOMreporter reporter);
 
 // Writes the object as one record to `fd`. Bits 0x1 and 0x2 of `flags` drop the normals and colours
 // bits from the record's header, not the arrays from its body. Write errors cut the record short
-// and are not reported.
-// KRA_GEOM_WRITE_V2 set: little-endian raw records; read on every call.
-// KRA_GEOM_VERIFY set: the object is checked first; findings do not stop the write.
-// KRA_GEOM_DEBUG set: a trace goes to standard output. Both are read once per process.
+// and are not reported. The version, whether the object is checked first, and the trace are as
+// settings.h says; findings do not stop the write.
 void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags);

@@ -1,13 +1,10 @@
-// Property records, font numbers and messages.
+// Property records and font numbers.
 
 #include "compat/geom/prop.h"
 
 #include "compat/geom/memory.h"
 
 #include <array>
-#include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -27,14 +24,6 @@ constexpr int kFontBase = 128;
 constexpr int kFontPerFamily = 4;
 constexpr int kFontBold = 2;
 constexpr int kFontUpright = 1;
-
-// Printed piece by piece: no buffer, so no message is cut and none needs memory when there is none.
-[[gnu::format(printf, 2, 0)]] void print_message(const char* head, const char* format,
-                                                 std::va_list arguments) {
-    static_cast<void>(std::fputs(head, stderr));
-    static_cast<void>(std::vfprintf(stderr, format, arguments));
-    static_cast<void>(std::fputs("\n", stderr));
-}
 
 } // namespace
 
@@ -91,19 +80,4 @@ int GEOMfont_number(const char* family, int bold, int italic) {
     }
     return kFontBase + kFontPerFamily * static_cast<int>(index) + (bold != 0 ? kFontBold : 0) +
            (italic != 0 ? 0 : kFontUpright);
-}
-
-void GEOMerror(const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    print_message("GEOM error: ", format, arguments);
-    va_end(arguments);
-}
-
-void GEOMfatal_error(const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    print_message("GEOM fatal error: ", format, arguments);
-    va_end(arguments);
-    std::exit(EXIT_FAILURE);
 }

@@ -10,16 +10,15 @@
 #include "compat/geom/writer.h"
 
 #include "compat/geom/bytecount.h"
-#include "compat/geom/environment.h"
 #include "compat/geom/list.h"
 #include "compat/geom/parts.h"
 #include "compat/geom/prop.h"
+#include "compat/geom/settings.h"
 
 #include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -314,10 +313,8 @@ void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags) {
         std::printf("GEOMwrite_obj (obj=0x%" PRIx32 ", fd=%d, flags=%d)\n", low_word(obj), fd,
                     flags);
     }
-    const bool raw = std::getenv("KRA_GEOM_WRITE_V2") != nullptr;
     GEOMstream* const stream = geom::create_stream(fd);
-    GEOMserialize_obj(GEOMstream_write, obj, stream, flags,
-                      raw ? GEOM_VERSION_RAW : GEOM_VERSION_XDR);
+    GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::record_version());
     geom::close_stream(stream);
     if (trace)
         std::printf("return from GEOMwrite_obj\n\n");

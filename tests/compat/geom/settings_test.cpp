@@ -1,0 +1,94 @@
+#include "compat/geom/settings.h"
+#include "tests/compat/geom/harness.h"
+
+#include <gtest/gtest.h>
+
+#include <barrier>
+#include <cstdlib>
+#include <thread>
+
+namespace {
+
+GEOMsettings noting(std::string& messages) {
+    GEOMsettings settings;
+    settings.context = &messages;
+    settings.receiver = [](void* context, GEOMmessage kind, const char* text) {
+        const char* word = kind == GEOMmessage::error ? "error: " : "finding: ";
+        *static_cast<std::string*>(context) += std::string(word) + text + "\n";
+    };
+    return settings;
+}
+
+// The records of many faulty objects, and after them the messages about them. Those who share
+// `pace` make each object at the same time.
+std::string faulty(int version, bool verify, std::barrier<>& pace) {
+    std::string messages;
+    GEOMsettings settings = noting(messages);
+    settings.version = version;
+    settings.verify = verify;
+    const GEOMscope scope(settings);
+    return written([&](int fd) {
+               for (int i = 0; i < 100; ++i) {
+                   pace.arrive_and_wait();
+                   const Object obj = make(GEOM_MESH);
+                   GEOMadd_radii(obj.get(), nullptr, 0, 0);
+                   obj->mesh.v = -i;
+                   GEOMwrite_obj(obj.get(), fd, 0);
+               }
+           }) +
+           messages;
+}
+
+std::string faulty_alone(int version, bool verify) {
+    std::barrier pace(1);
+    return faulty(version, verify, pace);
+}
+
+} // namespace
+
+TEST(Settings, DecideOnTheirThreadUntilTheirScopeEnds) {
+    std::string outer;
+    std::string inner;
+    const std::string longer(100'000, 'x');
+    const std::string err = capture([&] {
+                                const GEOMscope scope(noting(outer));
+                                GEOMerror("%s", longer.c_str());
+                                {
+                                    const GEOMscope nested(noting(inner));
+                                    GEOMcheck_obj(nullptr, 0, nullptr);
+                                    const GEOMscope innermost{GEOMsettings()};
+                                    GEOMerror("no receiver");
+                                }
+                                std::thread([] { GEOMerror("another thread"); }).join();
+                                GEOMerror("outer again");
+                            }).err;
+    EXPECT_EQ(err, "GEOM error: no receiver\nGEOM error: another thread\n");
+    EXPECT_EQ(inner, "finding: NULL object received\n");
+    EXPECT_EQ(outer, "error: " + longer + "\nerror: outer again\n");
+    const GEOMscope scope(noting(outer)); // not told of what ends the process
+    EXPECT_EXIT(GEOMfatal_error("end"), testing::ExitedWithCode(1), "^GEOM fatal error: end\n$");
+}
+
+TEST(Settings, ServeThreadsThatWriteAtTheSameTime) {
+    const std::string plain = faulty_alone(GEOM_VERSION_RAW, false);
+    const std::string verified = faulty_alone(GEOM_VERSION_XDR, true);
+    EXPECT_TRUE(plain.starts_with("46MG") && verified.starts_with("GM64"));
+    EXPECT_EQ(plain.find("finding"), plain.npos);
+    EXPECT_TRUE(verified.ends_with("error: GEOMadd_radii: can't add radii to obj type\n"
+                                   "finding: mesh object has negative dims\n"    // when written
+                                   "finding: mesh object has negative dims\n")); // when destroyed
+    std::barrier pace(2);
+    std::string other;
+    std::thread thread([&] { other = faulty(GEOM_VERSION_RAW, false, pace); });
+    EXPECT_EQ(faulty(GEOM_VERSION_XDR, true, pace), verified);
+    thread.join();
+    EXPECT_EQ(other, plain);
+}
+
+TEST(Settings, TakeThePlaceOfTheEnvironment) {
+    setenv("KRA_GEOM_WRITE_V2", "", 1);
+    EXPECT_EQ(GEOMenvironment_settings().version, GEOM_VERSION_RAW);
+    EXPECT_TRUE(faulty_alone(GEOM_VERSION_XDR, false).starts_with("GM64"));
+    unsetenv("KRA_GEOM_WRITE_V2");
+    EXPECT_EQ(GEOMenvironment_settings().version, GEOM_VERSION_XDR);
+}
