@@ -4,10 +4,10 @@
 #include "bench/scenes.h"
 #include "compat/geom/geom.h"
 #include "vrml/byte_source.h"
+#include "vrml/diagnostics.h"
 #include "vrml/fields.h"
 #include "vrml/input.h"
-#include "vrml/names.h"
-#include "vrml/node.h"
+#include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
 #include <benchmark/benchmark.h>
@@ -48,9 +48,10 @@ template <typename ReadToken>
 void readTokens(benchmark::State& state, std::string_view piece, ReadToken readToken) {
     const std::string text = repeated(piece);
     for ([[maybe_unused]] const auto _ : state) {
-        NodePool nodes;
+        Scene scene;
         MemorySource source(text);
-        VrmlInput input(nodes, source);
+        StandardErrorDiagnostics messages;
+        VrmlInput input(scene, source, messages);
         while (readToken(input)) {
         }
     }
@@ -100,24 +101,25 @@ BENCHMARK(readReals);
 
 // ---- Fields
 
-/// Reads a field of the type named, one list of about 1 MB.
-void readList(benchmark::State& state, std::string_view type, std::string_view value) {
+/// Reads a field of a type, one list of about 1 MB.
+void readList(benchmark::State& state, FieldType type, std::string_view value) {
     const std::string text = repeated(value, "[") + "]";
     for ([[maybe_unused]] const auto _ : state) {
-        NodePool nodes;
+        Scene scene;
         MemorySource source(text);
-        VrmlInput input(nodes, source);
+        StandardErrorDiagnostics messages;
+        VrmlInput input(scene, source, messages);
         const std::unique_ptr<QvField> field = createField(type);
-        if (!readField(input, *field, InternedName("list"))) {
+        if (!readField(input, *field, scene.intern("list"))) {
             state.SkipWithError("the list cannot be read");
             return;
         }
     }
     countBytes(state, text.size());
 }
-BENCHMARK_CAPTURE(readList, points, "MFVec3f", "\n        12.731 -0.5 2531.007,");
-BENCHMARK_CAPTURE(readList, colours, "MFColor", "\n        0.8 0.25 1,");
-BENCHMARK_CAPTURE(readList, indices, "MFLong", "\n        1044, 1045, 2089, 2088, -1,");
+BENCHMARK_CAPTURE(readList, points, FieldType::kMFVec3f, "\n        12.731 -0.5 2531.007,");
+BENCHMARK_CAPTURE(readList, colours, FieldType::kMFColor, "\n        0.8 0.25 1,");
+BENCHMARK_CAPTURE(readList, indices, FieldType::kMFLong, "\n        1044, 1045, 2089, 2088, -1,");
 
 // ---- Whole scenes
 
@@ -129,11 +131,10 @@ void readWholeScene(benchmark::State& state, std::string_view kind) {
     (void)std::fclose(memory);
     const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
     for ([[maybe_unused]] const auto _ : state) {
-        NodePool nodes;
+        Scene scene;
         MemorySource source(std::string_view(text, size));
-        VrmlInput input(nodes, source);
-        QvNode* root = nullptr;
-        if (!readScene(input, root) || root == nullptr) {
+        StandardErrorDiagnostics messages;
+        if (!readScene(scene, source, messages) || scene.root == nullptr) {
             state.SkipWithError("the scene cannot be read");
             return;
         }

@@ -1,23 +1,15 @@
 #include "convert/context.h"
 
-#include "traverse/state.h"
-#include "vrml/nodes.h"
+#include "traverse/transforms.h"
 
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <new>
 #include <utility>
 
 namespace meshcast {
 
-TransformRecord* TransformStack = nullptr;
-
-std::array<char, 9> programTag{};
-
 namespace {
-
-std::array<char, programTag.size()> objectNameBuffer{};
 
 std::array<float, 3> normalised(const std::array<float, 3>& v) {
     constexpr double kTooShort = 1e-10;
@@ -36,14 +28,26 @@ Matrix4 matrixOf(const QvSFRotation& rotation, float sign = 1) {
     return rotationMatrix({x, y, z}, sign * angle);
 }
 
-Matrix4 matrixOf(const QvMatrixTransform& node) {
+void fold(Matrix4& m, const QvMatrixTransform& node) {
     Matrix4 matrix;
     for (std::size_t i = 0; i < 4; ++i) {
         for (std::size_t j = 0; j < 4; ++j) {
             matrix[i][j] = node.matrix.value[4 * i + j];
         }
     }
-    return matrix;
+    multiply(m, matrix);
+}
+
+void fold(Matrix4& m, const QvRotation& node) {
+    multiply(m, matrixOf(node.rotation));
+}
+
+void fold(Matrix4& m, const QvScale& node) {
+    multiply(m, scaleMatrix(node.scaleFactor.value));
+}
+
+void fold(Matrix4& m, const QvTranslation& node) {
+    multiply(m, translationMatrix(node.translation.value));
 }
 
 void fold(Matrix4& m, const QvTransform& node) {
@@ -55,29 +59,6 @@ void fold(Matrix4& m, const QvTransform& node) {
     multiply(m, matrixOf(node.rotation));
     multiply(m, translationMatrix(center));
     multiply(m, translationMatrix(node.translation.value));
-}
-
-void fold(Matrix4& m, const QvElement& element) {
-    switch (element.type) {
-    case QvElementType::MatrixTransform:
-        multiply(m, matrixOf(static_cast<const QvMatrixTransform&>(*element.data)));
-        break;
-    case QvElementType::Rotation:
-        multiply(m, matrixOf(static_cast<const QvRotation&>(*element.data).rotation));
-        break;
-    case QvElementType::Scale:
-        multiply(m, scaleMatrix(static_cast<const QvScale&>(*element.data).scaleFactor.value));
-        break;
-    case QvElementType::Transform:
-        fold(m, static_cast<const QvTransform&>(*element.data));
-        break;
-    case QvElementType::Translation:
-        multiply(m, translationMatrix(
-                        static_cast<const QvTranslation&>(*element.data).translation.value));
-        break;
-    default: // Such as the marker of a TransformSeparator.
-        break;
-    }
 }
 
 } // namespace
@@ -125,52 +106,26 @@ Matrix4 rotationMatrix(const std::array<float, 3>& axis, float angle) {
     return matrix;
 }
 
-void gatherTransforms(const QvState& state) {
-    TransformRecord* const top = topRecord();
-    if (top == nullptr) {
-        return;
-    }
-    for (const QvElement* element = state.getTopElement(QvElementKind::Transformation);
-         element != nullptr; element = element->next) {
-        fold(top->matrix, *element);
-    }
-}
-
-TransformRecord* topRecord() {
-    TransformRecord* record = TransformStack;
-    while (record != nullptr && record->next != nullptr) {
-        record = record->next;
-    }
-    return record;
-}
-
-// Without memory for its record a shape is converted all the same; so no operator new, which would
-// end the process.
-ShapeContext::ShapeContext(const QvState& state) : state_(state) {
-    void* const memory = std::malloc(sizeof(TransformRecord));
-    TransformStack = memory == nullptr ? nullptr : new (memory) TransformRecord;
-}
-
 ShapeContext::~ShapeContext() {
     while (TransformStack != nullptr) {
-        std::free(std::exchange(TransformStack, TransformStack->next));
+        delete std::exchange(TransformStack, TransformStack->next);
     }
 }
 
 TransformRecord* ShapeContext::top() {
-    if (!isGathered_) {
-        gatherTransforms(state_);
-        isGathered_ = true;
+    if (TransformStack == nullptr) {
+        TransformStack = new (std::nothrow) TransformRecord;
+        if (TransformStack == nullptr) {
+            return nullptr;
+        }
+        Matrix4& matrix = TransformStack->matrix;
+        forEachTransform(state_, [&matrix](const auto& node) { fold(matrix, node); });
     }
-    return topRecord();
-}
-
-void initialiseConversion() {
-    objectNameBuffer = programTag;
-}
-
-std::string_view objectName() {
-    return objectNameBuffer.data();
+    TransformRecord* record = TransformStack;
+    while (record->next != nullptr) {
+        record = record->next;
+    }
+    return record;
 }
 
 } // namespace meshcast

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <string_view>
 
 namespace meshcast {
 
@@ -20,10 +19,6 @@ struct TransformRecord {
     TransformRecord* next = nullptr;
 };
 
-/// The first record of the stack of the shape being converted; the last is the top. Null between
-/// shapes.
-extern TransformRecord* TransformStack;
-
 /// M := M B. Every element is a sum from 0 over k = 0 to 3, in float.
 void multiply(Matrix4& m, const Matrix4& b);
 
@@ -32,41 +27,25 @@ Matrix4 translationMatrix(const std::array<float, 3>& offset);
 /// The rotation about an axis, which is normalised first, by `angle` radians.
 Matrix4 rotationMatrix(const std::array<float, 3>& axis, float angle);
 
-/// Folds every transform in force, newest first, into the top record's matrix: the innermost
-/// transform acts on a point first.
-void gatherTransforms(const QvState& state);
-
-/// The top of the stack; null when there is none.
-TransformRecord* topRecord();
-
-/// What every shape opens before it converts and closes after: the transform stack, and the
-/// transforms in force. Nothing is transformed by them: the stream holds every shape in its own
-/// local space.
+/// The transform stack of the shape being converted. Nothing is transformed by it: the stream holds
+/// every shape in its own local space.
 class ShapeContext {
 public:
     /// `state` must outlive the context.
-    explicit ShapeContext(const QvState& state);
+    explicit ShapeContext(const QvState& state) : state_(state) {}
     ShapeContext(const ShapeContext&) = delete;
     ShapeContext& operator=(const ShapeContext&) = delete;
     ~ShapeContext();
 
-    /// The record that holds the transforms in force; null when there was no memory for it. They
-    /// are gathered when it is asked for: a scene may put any number of transforms before each of
-    /// its shapes, and no shape asks yet.
+    /// The last record of the stack, into whose matrix every transform in force has been folded,
+    /// newest first: the innermost transform acts on a point first. Null when there was no memory
+    /// for it. Made when it is first asked for: a scene may put any number of transforms before
+    /// each of its shapes, and no shape asks yet.
     TransformRecord* top();
 
 private:
     const QvState& state_;
-    bool isGathered_ = false;
+    TransformRecord* TransformStack = nullptr; ///< The first record.
 };
-
-/// The tag of the program, set by whoever starts it: 8 characters and a zero.
-extern std::array<char, 9> programTag;
-
-/// Takes the program tag, which must be set, as the name that objects get.
-void initialiseConversion();
-
-/// The name of objects whose scene gives them none; empty before initialiseConversion.
-std::string_view objectName();
 
 } // namespace meshcast

@@ -1,15 +1,11 @@
-#include "compat/geom/geom.h"
 #include "convert/context.h"
-#include "convert/object_output.h"
-#include "convert/texture.h"
+#include "convert/converter.h"
 #include "convert/texture_coordinates.h"
-#include "convert/texture_switch.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 #include <optional>
 #include <span>
@@ -35,43 +31,6 @@ std::span<const std::int32_t> entries(const QvMFLong& field) {
 /// Whether `index` lies in a list of `count` values.
 bool isInside(std::int32_t index, std::int32_t count) {
     return index >= 0 && index < count;
-}
-
-// ---- polygons
-
-/// Faces as GEOMadd_polygons takes them: each its count and its vertex numbers, which start at 1;
-/// a count of 0 ends the list. Each face stands where it stands in `coordIndex`, its count one
-/// entry ahead. Reports the indices that name no point.
-std::vector<std::int32_t> polygonList(std::span<const std::int32_t> coordIndex,
-                                      std::int32_t points) {
-    std::vector<std::int32_t> list(coordIndex.size() + 2);
-    std::size_t faceStart = 0;
-    std::size_t count = 0;
-    const auto closeFace = [&] {
-        list[faceStart] = static_cast<std::int32_t>(count);
-        for (std::size_t i = faceStart; i < faceStart + count; ++i) {
-            // Wraps: an index that names no point may be the largest integer.
-            list[i + 1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(coordIndex[i]) + 1U);
-        }
-    };
-    for (std::size_t i = 0; i < coordIndex.size(); ++i) {
-        const std::int32_t index = coordIndex[i];
-        if (index == kEndOfFace) {
-            closeFace();
-            faceStart = i + 1;
-            count = 0;
-        } else if (isInside(index, points)) {
-            ++count;
-        } else {
-            // Only not counted: the face keeps its first entries, this one among them if it is not
-            // the last. Kept, the stream's readers know such faces.
-            std::fprintf(stderr, "Error: IndexedFaceSet: Out of Index: %d\n", index);
-        }
-    }
-    if (count != 0) {
-        closeFace();
-    }
-    return list;
 }
 
 // ---- normals
@@ -181,8 +140,8 @@ void colorFaces(VertexColors& colors, std::span<const std::int32_t> coordIndex,
 /// diffuse colour make them.
 std::optional<VertexColors> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
                                          std::int32_t points) {
-    const auto* const binding = topNode<QvMaterialBinding>(state, QvElementKind::MaterialBinding);
-    const auto* const material = topNode<QvMaterial>(state, QvElementKind::Material);
+    const auto* const binding = state.materialBinding();
+    const auto* const material = state.material();
     if (binding == nullptr || material == nullptr || material->diffuseColor.num <= 1 ||
         binding->value.value < Binding::PER_FACE ||
         binding->value.value > Binding::PER_VERTEX_INDEXED) {
@@ -215,18 +174,52 @@ std::optional<VertexColors> vertexColors(const QvState& state, const QvIndexedFa
     return colors;
 }
 
-// ---- texture coordinates
+} // namespace
+
+/// Faces as GEOMadd_polygons takes them: each its count and its vertex numbers, which start at 1;
+/// a count of 0 ends the list. Each face stands where it stands in `coordIndex`, its count one
+/// entry ahead. Reports the indices that name no point.
+std::vector<std::int32_t> Converter::polygonList(std::span<const std::int32_t> coordIndex,
+                                                 std::int32_t points) {
+    std::vector<std::int32_t> list(coordIndex.size() + 2);
+    std::size_t faceStart = 0;
+    std::size_t count = 0;
+    const auto closeFace = [&] {
+        list[faceStart] = static_cast<std::int32_t>(count);
+        for (std::size_t i = faceStart; i < faceStart + count; ++i) {
+            // Wraps: an index that names no point may be the largest integer.
+            list[i + 1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(coordIndex[i]) + 1U);
+        }
+    };
+    for (std::size_t i = 0; i < coordIndex.size(); ++i) {
+        const std::int32_t index = coordIndex[i];
+        if (index == kEndOfFace) {
+            closeFace();
+            faceStart = i + 1;
+            count = 0;
+        } else if (isInside(index, points)) {
+            ++count;
+        } else {
+            // Only not counted: the face keeps its first entries, this one among them if it is not
+            // the last. Kept, the stream's readers know such faces.
+            reportBadIndex("IndexedFaceSet", index);
+        }
+    }
+    if (count != 0) {
+        closeFace();
+    }
+    return list;
+}
 
 /// Two floats per point, or nothing where the shape has no texture.
-std::vector<float> textureCoordinates(const QvState& state, const QvIndexedFaceSet& shape,
-                                      const QvMFVec3f& points) {
-    const std::optional<TextureUse> texture =
-        textureSwitch != 0 ? checkTexture(state) : std::nullopt;
+std::vector<float> Converter::textureCoordinates(const QvState& state,
+                                                 const QvIndexedFaceSet& shape,
+                                                 const QvMFVec3f& points) const {
+    const std::optional<TextureUse> texture = textureInForce(state);
     if (!texture) {
         return {};
     }
-    const auto* const given =
-        topNode<QvTextureCoordinate2>(state, QvElementKind::TextureCoordinate2);
+    const auto* const given = state.textureCoordinate2();
     std::vector<float> uvs =
         shape.textureCoordIndex.num > 1 && given != nullptr
             ? spreadIndexed(given->point, entries(shape.textureCoordIndex),
@@ -236,34 +229,32 @@ std::vector<float> textureCoordinates(const QvState& state, const QvIndexedFaceS
     return uvs;
 }
 
-} // namespace
-
-void QvIndexedFaceSet::traverse(QvState& state) {
+void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
     const ShapeContext context(state);
-    const auto* const coordinates = topNode<QvCoordinate3>(state, QvElementKind::Coordinate3);
+    const auto* const coordinates = state.coordinate3();
     if (coordinates == nullptr) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    const auto* const binding = topNode<QvNormalBinding>(state, QvElementKind::NormalBinding);
-    const auto* const normal = topNode<QvNormal>(state, QvElementKind::Normal);
-    const NormalMode mode = normalMode(binding, normal, *this, points.num);
+    const auto* const binding = state.normalBinding();
+    const auto* const normal = state.normal();
+    const NormalMode mode = normalMode(binding, normal, shape, points.num);
     // The messages about bad indices come before any that building the object may print.
-    std::vector<std::int32_t> polygons = polygonList(entries(coordIndex), points.num);
+    std::vector<std::int32_t> polygons = polygonList(entries(shape.coordIndex), points.num);
 
     std::vector<float> spreadNormals;
     const float* normals = nullptr;
     if (mode == NormalMode::kPerVertex) {
         normals = normal->vector.values;
     } else if (mode == NormalMode::kIndexed) {
-        spreadNormals =
-            spreadIndexed(normal->vector, entries(normalIndex), entries(coordIndex), points.num);
+        spreadNormals = spreadIndexed(normal->vector, entries(shape.normalIndex),
+                                      entries(shape.coordIndex), points.num);
         // An array made for no points is still one that was given.
         spreadNormals.reserve(1);
         normals = spreadNormals.data();
     }
-    const std::optional<VertexColors> colors = vertexColors(state, *this, points.num);
-    const std::vector<float> uvs = textureCoordinates(state, *this, points);
+    const std::optional<VertexColors> colors = vertexColors(state, shape, points.num);
+    const std::vector<float> uvs = textureCoordinates(state, shape, points);
 
     ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
     GEOMadd_vertices_with_data(object.get(), points.values, normals,
@@ -277,7 +268,7 @@ void QvIndexedFaceSet::traverse(QvState& state) {
     if (!uvs.empty()) {
         GEOMadd_uvs(object.get(), uvs.data(), points.num, GEOM_COPY);
     }
-    writeObject(std::move(object));
+    write(std::move(object));
 }
 
 } // namespace meshcast

@@ -1,12 +1,10 @@
-#include "compat/geom/geom.h"
 #include "convert/context.h"
-#include "convert/object_output.h"
+#include "convert/converter.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -28,8 +26,8 @@ struct LineColors {
 
 std::optional<LineColors> lineColors(const QvState& state, const QvIndexedLineSet& shape,
                                      std::int32_t points) {
-    const auto* const binding = topNode<QvMaterialBinding>(state, QvElementKind::MaterialBinding);
-    const auto* const material = topNode<QvMaterial>(state, QvElementKind::Material);
+    const auto* const binding = state.materialBinding();
+    const auto* const material = state.material();
     if (binding == nullptr || material == nullptr) {
         return std::nullopt;
     }
@@ -57,29 +55,29 @@ void copyNamed(const QvMFieldOf<float, 3>& values, const QvMFLong& indices, std:
 
 } // namespace
 
-void QvIndexedLineSet::traverse(QvState& state) {
+void Converter::visit(const QvIndexedLineSet& shape, const QvState& state) {
     const ShapeContext context(state);
-    const auto* const coordinates = topNode<QvCoordinate3>(state, QvElementKind::Coordinate3);
+    const auto* const coordinates = state.coordinate3();
     if (coordinates == nullptr) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    const std::optional<LineColors> coloring = lineColors(state, *this, points.num);
+    const std::optional<LineColors> coloring = lineColors(state, shape, points.num);
 
     ObjectOwner object(GEOMcreate_obj(GEOM_POLYTRIANGLE, nullptr));
     std::vector<float> vertices;
     std::vector<float> colors;
     std::int32_t runStart = 0;
     std::int32_t length = 0;
-    for (std::int32_t i = 0; i < coordIndex.num; ++i) {
-        const std::int32_t index = coordIndex.values[i];
-        const bool isLast = i == coordIndex.num - 1;
+    for (std::int32_t i = 0; i < shape.coordIndex.num; ++i) {
+        const std::int32_t index = shape.coordIndex.values[i];
+        const bool isLast = i == shape.coordIndex.num - 1;
         if (index != kEndOfRun && !isLast) {
             if (index >= 0 && index < points.num) {
                 ++length;
             } else {
                 // Only not counted, so that the run's end is cut rather than this entry: kept.
-                std::fprintf(stderr, "Error: IndexedLineSet: Out of Index: %d\n", index);
+                reportBadIndex("IndexedLineSet", index);
             }
             continue;
         }
@@ -91,7 +89,7 @@ void QvIndexedLineSet::traverse(QvState& state) {
         colors.resize(coloring ? vertices.size() : 0);
         for (std::int32_t k = 0; k < length; ++k) {
             const std::size_t offset = static_cast<std::size_t>(k) * 3;
-            copyNamed(points, coordIndex, runStart + k, &vertices[offset]);
+            copyNamed(points, shape.coordIndex, runStart + k, &vertices[offset]);
             if (coloring) {
                 copyNamed(*coloring->values, *coloring->indices, runStart + k, &colors[offset]);
             }
@@ -101,7 +99,7 @@ void QvIndexedLineSet::traverse(QvState& state) {
         runStart = i + 1;
         length = 0;
     }
-    writeObject(std::move(object));
+    write(std::move(object));
 }
 
 } // namespace meshcast

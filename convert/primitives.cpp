@@ -1,9 +1,6 @@
-#include "compat/geom/geom.h"
 #include "convert/box.h"
 #include "convert/context.h"
-#include "convert/object_output.h"
-#include "convert/texture.h"
-#include "convert/texture_switch.h"
+#include "convert/converter.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
@@ -32,10 +29,6 @@ constexpr std::size_t kSegments = 12;
 /// Points of a ring that ends where it began.
 constexpr std::size_t kClosedRing = kSegments + 1;
 
-bool isTextured(const QvState& state) {
-    return textureSwitch != 0 && checkTexture(state).has_value();
-}
-
 float half(float value) {
     return static_cast<float>(static_cast<double>(value) * 0.5);
 }
@@ -49,8 +42,8 @@ using SegmentPolygons = std::array<std::int32_t, kSegments*(Corners + 1)>;
 enum class Ring { kShared, kClosed };
 enum class Turn { kForward, kBackward };
 
-/// The point behind point `i` of a ring whose points start at `first`.
-constexpr std::int32_t behind(std::int32_t first, std::size_t i, Ring ring) {
+/// The point after point `i` of a ring whose points start at `first`.
+constexpr std::int32_t after(std::int32_t first, std::size_t i, Ring ring) {
     const std::size_t next = ring == Ring::kShared ? (i + 1) % kSegments : i + 1;
     return first + static_cast<std::int32_t>(next);
 }
@@ -61,7 +54,7 @@ constexpr SegmentPolygons<3> fan(std::int32_t center, std::int32_t first, Ring r
     auto* entry = list.begin();
     for (std::size_t i = 0; i < kSegments; ++i) {
         const std::int32_t here = first + static_cast<std::int32_t>(i);
-        const std::int32_t next = behind(first, i, ring);
+        const std::int32_t next = after(first, i, ring);
         for (const std::int32_t value : {3, center, turn == Turn::kForward ? here : next,
                                          turn == Turn::kForward ? next : here}) {
             *entry++ = value;
@@ -77,14 +70,14 @@ constexpr SegmentPolygons<4> band(std::int32_t lower, std::int32_t upper, Ring r
     for (std::size_t i = 0; i < kSegments; ++i) {
         const auto offset = static_cast<std::int32_t>(i);
         for (const std::int32_t value :
-             {4, lower + offset, upper + offset, behind(upper, i, ring), behind(lower, i, ring)}) {
+             {4, lower + offset, upper + offset, after(upper, i, ring), after(lower, i, ring)}) {
             *entry++ = value;
         }
     }
     return list;
 }
 
-/// Polygons behind one another, with the closing 0.
+/// Polygons one after another, with the closing 0.
 template <std::size_t... Sizes>
 constexpr auto polygonList(const std::array<std::int32_t, Sizes>&... parts) {
     std::array<std::int32_t, (Sizes + ... + 1)> list{};
@@ -234,12 +227,12 @@ constexpr std::size_t kSphereRows = 11;
 
 /// What all textured spheres share.
 struct SphereTables {
+    std::array<double, kSphereColumns> printedSine; ///< Of single precision.
     std::array<float, kSphereColumns> sine;
     std::array<float, kSphereColumns> cosine;
     std::array<float, kSphereColumns * kSphereRows * 2> uvs;
 };
 
-/// Filled on first use, which prints the sines.
 const SphereTables& sphereTables() {
     static const SphereTables tables = [] {
         // Not pi / 10: a digit is off, and has to stay so.
@@ -247,10 +240,9 @@ const SphereTables& sphereTables() {
         SphereTables filled{};
         for (std::size_t i = 0; i < kSphereColumns; ++i) {
             const auto angle = static_cast<float>(static_cast<double>(i) * kStep);
+            filled.printedSine[i] = static_cast<double>(std::sin(angle));
             filled.sine[i] = static_cast<float>(std::sin(static_cast<double>(angle)));
             filled.cosine[i] = static_cast<float>(std::cos(static_cast<double>(angle)));
-            // In the stream, among the objects: kept.
-            std::printf(" sin = %f\n", static_cast<double>(std::sin(angle)));
         }
         for (std::size_t vertex = 0; vertex < kSphereColumns * kSphereRows; ++vertex) {
             const std::size_t column = vertex % kSphereColumns;
@@ -263,8 +255,22 @@ const SphereTables& sphereTables() {
     return tables;
 }
 
-void writeTexturedSphere(float radius) {
+void printSine(ObjectSink& sink, double sine) {
+    std::array<char, 32> line{};
+    const int length = std::snprintf(line.data(), line.size(), " sin = %f\n", sine);
+    sink.print({line.data(), static_cast<std::size_t>(length)});
+}
+
+} // namespace
+
+void Converter::writeTexturedSphere(float radius) {
     const SphereTables& tables = sphereTables();
+    // In the stream, among the objects, and once: kept.
+    if (!std::exchange(sinesPrinted_, true)) {
+        for (const double sine : tables.printedSine) {
+            printSine(sink_, sine);
+        }
+    }
     std::array<float, kSphereColumns * kSphereRows * 3> vertices{};
     auto* next = vertices.begin();
     for (std::size_t j = 0; j < kSphereRows; ++j) {
@@ -277,15 +283,13 @@ void writeTexturedSphere(float radius) {
     ObjectOwner object(
         GEOMcreate_mesh(kNoExtent.data(), vertices.data(), kSphereColumns, kSphereRows, GEOM_COPY));
     GEOMadd_uvs(object.get(), tables.uvs.data(), kSphereColumns * kSphereRows, GEOM_COPY);
-    writeObject(std::move(object));
+    write(std::move(object));
 }
 
-} // namespace
-
-void QvCube::traverse(QvState& state) {
+void Converter::visit(const QvCube& shape, const QvState& state) {
     const ShapeContext context(state);
-    const std::array<float, 3> size = {width.value, height.value, depth.value};
-    if (!isTextured(state)) {
+    const std::array<float, 3> size = {shape.width.value, shape.height.value, shape.depth.value};
+    if (!textureInForce(state)) {
         writePolyhedron(boxVertices(kBoxCorners, size), kBoxPolygons, Normals::kFacet);
         return;
     }
@@ -297,11 +301,11 @@ void QvCube::traverse(QvState& state) {
                     uvs);
 }
 
-void QvCone::traverse(QvState& state) {
+void Converter::visit(const QvCone& shape, const QvState& state) {
     const ShapeContext context(state);
-    const float top = half(height.value);
-    const bool textured = isTextured(state);
-    AxialVertices vertices(bottomRadius.value, textured ? 28 : 14);
+    const float top = half(shape.height.value);
+    const bool textured = textureInForce(state).has_value();
+    AxialVertices vertices(shape.bottomRadius.value, textured ? 28 : 14);
     vertices.addCenter(-top);
     if (!textured) {
         vertices.addRing(-top);
@@ -310,8 +314,7 @@ void QvCone::traverse(QvState& state) {
         writePolyhedron(vertices.span(), kConeSide, Normals::kSmooth);
         return;
     }
-    // In the stream, among the objects: kept.
-    std::printf(" sin = %f\n", std::sin(1.0));
+    printSine(sink_, std::sin(1.0)); // In the stream, among the objects: kept.
     vertices.addTexturedRing(-top);
     vertices.addTexturedRing(-top);
     vertices.addCenter(top);
@@ -323,11 +326,11 @@ void QvCone::traverse(QvState& state) {
     writePolyhedron(vertices.span(), kTexturedCone, Normals::kSmooth, uvs.span());
 }
 
-void QvCylinder::traverse(QvState& state) {
+void Converter::visit(const QvCylinder& shape, const QvState& state) {
     const ShapeContext context(state);
-    const float top = half(height.value);
-    const bool textured = isTextured(state);
-    AxialVertices vertices(radius.value, textured ? 54 : 26);
+    const float top = half(shape.height.value);
+    const bool textured = textureInForce(state).has_value();
+    AxialVertices vertices(shape.radius.value, textured ? 54 : 26);
     vertices.addCenter(-top);
     if (!textured) {
         vertices.addRing(-top);
@@ -353,15 +356,15 @@ void QvCylinder::traverse(QvState& state) {
     writePolyhedron(vertices.span(), kTexturedCylinder, Normals::kSmooth, uvs.span());
 }
 
-void QvSphere::traverse(QvState& state) {
+void Converter::visit(const QvSphere& shape, const QvState& state) {
     const ShapeContext context(state);
-    if (isTextured(state)) {
-        writeTexturedSphere(radius.value);
+    if (textureInForce(state)) {
+        writeTexturedSphere(shape.radius.value);
         return;
     }
     constexpr std::array<float, 3> kCenter = {0, 0, 0};
-    writeObject(ObjectOwner(GEOMcreate_sphere(kNoExtent.data(), kCenter.data(), &radius.value,
-                                              nullptr, nullptr, 1, GEOM_COPY)));
+    write(ObjectOwner(GEOMcreate_sphere(kNoExtent.data(), kCenter.data(), &shape.radius.value,
+                                        nullptr, nullptr, 1, GEOM_COPY)));
 }
 
 } // namespace meshcast

@@ -1,7 +1,5 @@
-#include "compat/geom/geom.h"
 #include "convert/context.h"
-#include "convert/object_output.h"
-#include "convert/text_switch.h"
+#include "convert/converter.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
@@ -37,24 +35,24 @@ std::uint32_t alignment(std::int32_t justification) {
 } // namespace
 
 // Text becomes one label at the origin.
-void QvAsciiText::traverse(QvState& state) {
+void Converter::visit(const QvAsciiText& shape, const QvState& state) {
     constexpr float kOrigin[3] = {0, 0, 0};
     constexpr float kHeight = 0.15F;
 
     const QvFontStyle defaultStyle;
-    if (textSwitch == 0) {
+    if (!options_.text) {
         return;
     }
     const ShapeContext context(state);
-    const auto* const given = topNode<QvFontStyle>(state, QvElementKind::FontStyle);
+    const auto* const given = state.fontStyle();
     const QvFontStyle& font = given != nullptr ? *given : defaultStyle;
     const int fontNumber =
         GEOMfont_number(fontName(font.family.value), font.style.value & QvFontStyle::BOLD,
                         font.style.value & QvFontStyle::ITALIC);
     ObjectOwner object(GEOMcreate_label(
-        nullptr, GEOMlabel_flags(fontNumber, 0, 0, 0, alignment(justification.value), 0)));
-    GEOMadd_label(object.get(), string.value.c_str(), kOrigin, kOrigin, kHeight, nullptr, -1);
-    writeObject(std::move(object));
+        nullptr, GEOMlabel_flags(fontNumber, 0, 0, 0, alignment(shape.justification.value), 0)));
+    GEOMadd_label(object.get(), shape.string.value.c_str(), kOrigin, kOrigin, kHeight, nullptr, -1);
+    write(std::move(object));
 }
 
 } // namespace meshcast

@@ -1,7 +1,4 @@
-#include "convert/texture.h"
-
-#include "convert/context.h"
-#include "convert/texture_switch.h"
+#include "convert/converter.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
@@ -17,15 +14,6 @@ namespace meshcast {
 
 namespace {
 
-struct Converter {
-    const char* variable; ///< The environment variable that names another program.
-    const char* program;
-};
-
-/// By image type.
-constexpr std::array<Converter, 4> kConverters = {
-    {{nullptr, nullptr}, {"RGBCONV", "rgb2kra"}, {"GIFCONV", "gif2kra"}, {"JPGCONV", "jpg2kra"}}};
-
 struct Extension {
     std::string_view text;
     ImageType type;
@@ -40,13 +28,8 @@ constexpr std::array<Extension, 5> kExtensions = {{{"rgb", ImageType::kRgb},
 /// A file name shorter than this names no file.
 constexpr std::size_t kShortestName = 2;
 
-/// The scene comes from standard input, which lies nowhere: its relative names start here.
+/// The scene may come from anywhere: its relative names start here.
 constexpr std::string_view kSceneDirectory = "./";
-
-std::string environment(const char* variable, const char* otherwise) {
-    const char* const value = std::getenv(variable);
-    return value != nullptr ? value : otherwise;
-}
 
 std::string_view afterLastSlash(std::string_view path) {
     return path.substr(path.rfind('/') + 1); // npos + 1 is 0: the whole path.
@@ -57,11 +40,6 @@ bool isAbsolute(std::string_view path) {
 }
 bool isAddress(std::string_view path) {
     return path.starts_with("http:");
-}
-
-/// The file name of a node as the platform sees it: up to a zero byte.
-std::string_view fileName(const QvTexture2& node) {
-    return node.filename.value.c_str();
 }
 
 std::string sourcePath(std::string_view name) {
@@ -156,8 +134,8 @@ ImageType imageType(std::string_view path) {
     return found == kExtensions.end() ? ImageType::kUnknown : found->type;
 }
 
-std::string convertedName(std::string_view source) {
-    std::string name = environment("RGBTMP", "/tmp");
+std::string convertedName(const std::string& folder, std::string_view source) {
+    std::string name = folder;
     const std::string_view part =
         isAbsolute(source) || isAddress(source) ? afterLastSlash(source) : source;
     name.append("/").append(part);
@@ -185,42 +163,45 @@ std::string shellWord(const std::string& text) {
     return quoted += '\'';
 }
 
-void loadTexture(const QvState& state) {
-    auto* const node = topNode<QvTexture2>(state, QvElementKind::Texture2);
-    const std::string_view name = fileName(*node);
+/// The texture's file name as the platform sees it: up to a zero byte.
+std::string_view Converter::fileName(const QvTexture2& texture) const {
+    return writtenImages_.contains(&texture) ? std::string_view(options_.programTag)
+                                             : texture.filename.value.c_str();
+}
+
+void Converter::prepareTexture(const QvTexture2& texture) {
+    if (!textures_) {
+        return;
+    }
+    const ImageConversion& images = options_.images;
+    const std::string_view name = fileName(texture);
     if (name.size() < kShortestName) {
-        if (writeRawImage(convertedName(objectName()), node->image)) {
-            node->filename.value = objectName();
+        if (writeRawImage(convertedName(images.folder, options_.programTag), texture.image)) {
+            writtenImages_.insert(&texture);
         }
         return;
     }
     const ImageType type = imageType(name);
     if (type == ImageType::kUnknown) {
-        std::printf("Unknown Image type:\n%s", node->filename.value.c_str());
-        textureSwitch = 0;
+        sink_.print("Unknown Image type:\n" + std::string(name));
+        textures_ = false;
         return;
     }
-    const Converter& converter = kConverters[static_cast<std::size_t>(type)];
-    const std::string command = environment(converter.variable, converter.program) + " " +
-                                shellWord(sourcePath(name)) + " " + shellWord(convertedName(name));
+    const std::string command = images.converters[static_cast<std::size_t>(type)] + " " +
+                                shellWord(sourcePath(name)) + " " +
+                                shellWord(convertedName(images.folder, name));
     // Whether the converter has done its work shows in the copy, not in its exit status.
     [[maybe_unused]] const int status = std::system(command.c_str());
 }
 
-std::optional<TextureUse> checkTexture(const QvState& state) {
-    const auto* const node = topNode<QvTexture2>(state, QvElementKind::Texture2);
-    if (node == nullptr || fileName(*node).size() < kShortestName) {
+std::optional<TextureUse> Converter::textureInForce(const QvState& state) const {
+    const QvTexture2* const texture = textures_ ? state.texture2() : nullptr;
+    if (texture == nullptr || fileName(*texture).size() < kShortestName) {
         return std::nullopt;
     }
-    return TextureUse{convertedName(fileName(*node)), node->wrapS.value != QvTexture2::REPEAT,
-                      node->wrapT.value != QvTexture2::REPEAT};
-}
-
-void QvTexture2::traverse(QvState& state) {
-    state.addElement(QvElementKind::Texture2, std::make_unique<QvElement>(this));
-    if (textureSwitch != 0) {
-        loadTexture(state);
-    }
+    return TextureUse{convertedName(options_.images.folder, fileName(*texture)),
+                      texture->wrapS.value != QvTexture2::REPEAT,
+                      texture->wrapT.value != QvTexture2::REPEAT};
 }
 
 } // namespace meshcast

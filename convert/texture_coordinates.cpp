@@ -1,8 +1,7 @@
 #include "convert/texture_coordinates.h"
 
-#include "convert/texture.h"
-#include "traverse/state.h"
-#include "vrml/nodes.h"
+#include "convert/converter.h"
+#include "traverse/transforms.h"
 
 #include <algorithm>
 #include <array>
@@ -43,9 +42,7 @@ Matrix3 rotation(float angle) {
 
 Matrix3 gather(const QvState& state) {
     Matrix3 matrix = kIdentity3;
-    for (const QvElement* element = state.getTopElement(QvElementKind::Texture2Transformation);
-         element != nullptr; element = element->next) {
-        const auto& node = static_cast<const QvTexture2Transform&>(*element->data);
+    forEachTextureTransform(state, [&matrix](const QvTexture2Transform& node) {
         const auto [cx, cy] = node.center.value;
         const auto [sx, sy] = node.scaleFactor.value;
         const auto [tx, ty] = node.translation.value;
@@ -55,7 +52,7 @@ Matrix3 gather(const QvState& state) {
               Matrix3{{{sx, 0, 0}, {0, sy, 0}, {0, 0, 1}}}, translation(tx, ty)}) {
             matrix = product(matrix, factor);
         }
-    }
+    });
     return matrix;
 }
 

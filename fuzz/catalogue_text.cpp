@@ -1,13 +1,10 @@
 #include "fuzz/catalogue_text.h"
 
 #include "fuzz/finding.h"
+#include "vrml/catalogue.h"
 #include "vrml/fields.h"
-#include "vrml/group.h"
-#include "vrml/registry.h"
 
 #include <algorithm>
-#include <memory>
-#include <typeinfo>
 
 namespace meshcast::fuzz {
 
@@ -82,7 +79,8 @@ std::string image(Random& random, Words /*words*/) {
     return random.oneIn(12) ? randomInteger(random) + " " + randomInteger(random) + " 3 1" : value;
 }
 
-constexpr FieldType kFieldTypes[] = {
+/// By meshcast::FieldType.
+constexpr ValueWriter kFieldTypes[] = {
     {"MFColor", list<reals<3>>}, {"MFFloat", list<reals<1>>}, {"MFLong", list<integer>},
     {"MFVec2f", list<reals<2>>}, {"MFVec3f", list<reals<3>>}, {"SFBitMask", mask},
     {"SFBool", boolean},         {"SFColor", reals<3>},       {"SFEnum", word},
@@ -91,38 +89,18 @@ constexpr FieldType kFieldTypes[] = {
     {"SFVec2f", reals<2>},       {"SFVec3f", reals<3>},
 };
 
-const FieldType* typeOf(const QvField& field) {
-    for (const FieldType& type : kFieldTypes) {
-        const std::unique_ptr<QvField> made = createField(type.name);
-        check(made != nullptr, "a field type is unknown");
-        const QvField& example = *made;
-        if (typeid(example) == typeid(field)) {
-            return &type;
+CatalogueClass describe(const ClassInfo& nodeClass) {
+    CatalogueClass described{nodeClass.name, nodeClass.isGroup, {}};
+    for (const FieldInfo& field : nodeClass.fields) {
+        CatalogueField& added = described.fields.emplace_back();
+        added.name = field.name;
+        added.type = &kFieldTypes[static_cast<std::size_t>(field.type)];
+        check(added.type->name == fieldTypeName(field.type), "the field types are out of order");
+        for (const EnumWord& word :
+             field.words ? field.words->words : std::span<const EnumWord>()) {
+            added.words.emplace_back(word.word);
         }
     }
-    finding("a field's type is unknown");
-}
-
-std::vector<std::string> wordsOf(const QvField& field) {
-    const auto* const choice = dynamic_cast<const QvSFEnum*>(&field);
-    const EnumTable* const table = choice == nullptr ? nullptr : choice->words();
-    std::vector<std::string> words;
-    for (std::size_t i = 0; table != nullptr && i < table->names.size(); ++i) {
-        words.emplace_back(table->names[i].view());
-    }
-    return words;
-}
-
-CatalogueClass describe(const NodeClass& nodeClass) {
-    NodePool nodes;
-    QvNode& node = *nodeClass.create(nodes);
-    const FieldTable& table = node.getFieldTable();
-    CatalogueClass described{nodeClass.name, false, {}};
-    for (const FieldTable::FieldEntry& entry : table.fields()) {
-        const QvField& field = *table.findField(node, entry.name);
-        described.fields.push_back({std::string(entry.name.view()), typeOf(field), wordsOf(field)});
-    }
-    described.isGroup = dynamic_cast<const QvGroup*>(&node) != nullptr;
     return described;
 }
 
@@ -134,7 +112,7 @@ std::string undeclaredNode(Random& random) {
     std::string declarations;
     std::string values;
     for (char name = 'a'; name < 'd'; ++name) {
-        const FieldType& type = random.oneOf(kFieldTypes);
+        const ValueWriter& type = random.oneOf(kFieldTypes);
         const std::string text(1, name);
         declarations.append(type.name).append(" ").append(text).append(", ");
         if (random.oneIn(2)) {
@@ -146,7 +124,7 @@ std::string undeclaredNode(Random& random) {
 
 } // namespace
 
-std::span<const FieldType> fieldTypes() {
+std::span<const ValueWriter> fieldTypes() {
     return kFieldTypes;
 }
 
@@ -159,7 +137,7 @@ const CatalogueField* CatalogueClass::find(std::string_view fieldName) const {
 std::span<const CatalogueClass> catalogue() {
     static const std::vector<CatalogueClass> classes = [] {
         std::vector<CatalogueClass> described;
-        for (const NodeClass& nodeClass : nodeClasses()) {
+        for (const ClassInfo& nodeClass : nodeClasses()) {
             described.push_back(describe(nodeClass));
         }
         return described;

@@ -30,16 +30,16 @@ private:
 };
 
 /// A field type, and how a value of it is written.
-struct FieldType {
+struct ValueWriter {
     std::string_view name; ///< As in `fields` declarations.
     std::string (*value)(Random& random, std::span<const std::string> words);
 };
 
-std::span<const FieldType> fieldTypes();
+std::span<const ValueWriter> fieldTypes();
 
 struct CatalogueField {
     std::string name;
-    const FieldType* type;
+    const ValueWriter* type = nullptr;
     std::vector<std::string> words; ///< Of its enumeration.
 
     std::string randomValue(Random& random) const { return type->value(random, words); }

@@ -1,29 +1,21 @@
 #include "fuzz/conversion.h"
 
-#include "compat/geom/settings.h"
-#include "convert/context.h"
-#include "convert/text_switch.h"
-#include "convert/texture_switch.h"
-#include "fuzz/catalogue_text.h"
+#include "convert/convert.h"
 #include "fuzz/finding.h"
-#include "fuzz/memory_file.h"
 #include "fuzz/object_values.h"
+#include "tests/support/memory_sink.h"
 #include "tools/geomtool/decoder.h"
-#include "traverse/groups.h"
-#include "traverse/state.h"
 #include "vrml/input.h"
-#include "vrml/names.h"
-#include "vrml/node.h"
 #include "vrml/nodes.h"
+#include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <sanitizer/common_interface_defs.h>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -91,20 +83,19 @@ namespace {
 class WalkBudget {
 public:
     /// False once the budget is used up.
-    bool allows(QvNode& node) {
+    bool allows(const QvNode& node) {
         left_ -= cost(node);
         if (left_ < 0) {
             return false;
         }
-        auto* const group = dynamic_cast<QvGroup*>(&node);
-        if (group == nullptr || group->walkMarks.isOpen) {
+        const auto* const group = dynamic_cast<const QvGroup*>(&node);
+        if (group == nullptr || !open_.insert(group).second) {
             return true;
         }
-        group->walkMarks.isOpen = true;
         const ChildList& children = group->getChildList();
         const bool fits = std::all_of(children.begin(), children.end(),
-                                      [this](QvNode* child) { return allows(*child); });
-        group->walkMarks.isOpen = false;
+                                      [this](const QvNode* child) { return allows(*child); });
+        open_.erase(group);
         return fits;
     }
 
@@ -128,12 +119,7 @@ private:
 
     std::int64_t left_ = 250'000;
     std::int64_t points_ = 0;
-};
-
-struct Road {
-    bool raw; ///< Version 7 rather than 10.
-    bool verified;
-    std::size_t pieceSize;
+    std::set<const QvGroup*> open_;
 };
 
 struct Outcome {
@@ -141,67 +127,28 @@ struct Outcome {
     std::string messages;
 };
 
-/// Reads the scene, and walks it unless that would take long.
-void readAndWalk(std::string_view scene, std::size_t pieceSize) {
-    const NameScope names;
-    MemorySource source(scene, pieceSize);
-    NodePool nodes;
-    VrmlInput input(nodes, source);
-    QvState state;
-    QvNode* root = nullptr;
-    const bool isRead = readScene(input, root);
-    check(isRead || root == nullptr, "a scene that cannot be read has a root");
+/// Reads the scene in pieces of a size, and converts it unless that would take long.
+Outcome run(std::string_view text, std::size_t pieceSize, const ConvertOptions& options) {
+    Scene scene;
+    MemorySource source(text, pieceSize);
+    MemorySink sink;
+    MessageText messages;
+    VrmlInput input(scene, source, messages);
+    const bool isRead = readScene(input);
+    check(isRead || scene.root == nullptr, "a scene that cannot be read has a root");
     check(input.nestingDepth() == 0, "the reader's depth does not end at 0");
-    if (root != nullptr && WalkBudget().allows(*root)) {
-        root->traverse(state);
+    if (scene.root != nullptr && WalkBudget().allows(*scene.root)) {
+        isConverting = true;
+        convertScene(scene, sink, messages, options);
+        isConverting = false;
     }
-    check(state.depth == 0 && traversalNestingLevel == 0 && TransformStack == nullptr,
-          "the walk does not end where it began");
-}
-
-Outcome run(std::string_view scene, const Road& road) {
-    static const MemoryFile output;
-    static const MemoryFile errors;
-    // A message of the texture code goes to standard output. It waits in the buffer until the
-    // records have been taken.
-    static const int buffered = std::setvbuf(stdout, nullptr, _IOFBF, std::size_t(1) << 20);
-    check(buffered == 0, "standard output cannot be buffered");
-
-    GEOMsettings settings;
-    settings.version = road.raw ? GEOM_VERSION_RAW : GEOM_VERSION_XDR;
-    settings.verify = road.verified;
-    const GEOMscope scope(settings);
-    output.clear();
-    errors.clear();
-    dup2(output.descriptor(), STDOUT_FILENO);
-    dup2(errors.descriptor(), STDERR_FILENO);
-    isConverting = true;
-    readAndWalk(scene, road.pieceSize);
-    isConverting = false;
-    dup2(originalStandardError(), STDERR_FILENO);
-
-    const std::string stream = output.contents();
-    std::fflush(stdout);
+    const std::string stream = sink.bytes();
     auto decoded = geom_stream::decode(std::as_bytes(std::span(stream)));
     if (decoded.error) {
-        finding("at byte %zu: %s", decoded.error->offset, decoded.error->message.c_str());
+        finding("at byte %llu: %s", static_cast<unsigned long long>(decoded.error->offset),
+                decoded.error->message.c_str());
     }
-    return {std::move(decoded.objects), errors.contents()};
-}
-
-/// What a process does once, before its first scene.
-int prepare() {
-    check(setenv("RGBTMP", imageFolder().c_str(), 1) == 0, "no environment");
-    constexpr std::string_view kTag = "MESHCAST";
-    std::copy(kTag.begin(), kTag.end(), programTag.begin());
-    initialiseConversion();
-    // The names that every scene shares have to be there before those of the first are forgotten.
-    catalogue();
-    NodePool nodes;
-    MemorySource source("#VRML V1.0 ascii\nGroup { }");
-    VrmlInput input(nodes, source);
-    QvNode* root = nullptr;
-    return readScene(input, root) ? 1 : 0;
+    return {std::move(decoded.objects), sink.printed + messages.text};
 }
 
 void compare(const Outcome& a, const Outcome& b) {
@@ -220,18 +167,16 @@ void compare(const Outcome& a, const Outcome& b) {
 } // namespace
 
 void convertAndCheck(std::string_view scene) {
-    static const int prepared = prepare();
-    static_cast<void>(prepared);
-
     const std::size_t choice = std::hash<std::string_view>()(scene);
-    const bool verified = (choice & 1) != 0;
-    textSwitch = (choice & 2) != 0 ? 1 : 0;
-    const std::int32_t textures = (choice & 12) == 12 ? 1 : 0;
+    ConvertOptions options;
+    options.verify = (choice & 1) != 0;
+    options.text = (choice & 2) != 0;
+    options.textures = (choice & 12) == 12;
+    options.images.folder = imageFolder();
 
-    textureSwitch = textures;
-    const Outcome atOnce = run(scene, {false, verified, std::string_view::npos});
-    textureSwitch = textures;
-    const Outcome inPieces = run(scene, {true, verified, choice / 16 % 40 + 1});
+    const Outcome atOnce = run(scene, std::string_view::npos, options);
+    options.version = GEOM_VERSION_RAW;
+    const Outcome inPieces = run(scene, choice / 16 % 40 + 1, options);
     compare(atOnce, inPieces);
 }
 

@@ -12,7 +12,7 @@ using namespace meshcast::fuzz;
 
 std::set<std::string> catalogueWords() {
     std::set<std::string> words;
-    for (const FieldType& type : fieldTypes()) {
+    for (const ValueWriter& type : fieldTypes()) {
         words.emplace(type.name);
     }
     for (const CatalogueClass& each : catalogue()) {

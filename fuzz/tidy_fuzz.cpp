@@ -1,9 +1,8 @@
-#include "convert/context.h"
-#include "fuzz/catalogue_text.h"
+#include "convert/convert.h"
+#include "tests/support/memory_sink.h"
 #include "tools/vrmltidy/tidy.h"
-#include "traverse/state.h"
 #include "vrml/input.h"
-#include "vrml/node.h"
+#include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
 #include <algorithm>
@@ -12,52 +11,15 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
-#include <sys/mman.h>
-#include <unistd.h>
 
 // Whatever goes into the tidier is refused, or what comes out is read to its end without a word. A
 // scene that could be read before has the same stream.
 
 namespace {
 
-/// Takes what is written to a descriptor for a while.
-class Captured {
-public:
-    explicit Captured(int descriptor)
-        : descriptor_(descriptor), saved_(dup(descriptor)), file_(memfd_create("captured", 0)) {
-        if (saved_ < 0 || file_ < 0 || dup2(file_, descriptor) < 0) {
-            std::abort();
-        }
-    }
-    Captured(const Captured&) = delete;
-    Captured& operator=(const Captured&) = delete;
-    ~Captured() { take(); }
-
-    std::string take() {
-        if (saved_ < 0) {
-            return {};
-        }
-        std::fflush(nullptr);
-        std::string text(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)), '\0');
-        if (pread(file_, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
-            std::abort();
-        }
-        dup2(saved_, descriptor_);
-        close(saved_);
-        close(file_);
-        saved_ = -1;
-        return text;
-    }
-
-private:
-    int descriptor_;
-    int saved_;
-    int file_;
-};
-
 struct Read {
     bool ok;
-    bool atEnd; ///< Nothing but space and comments stands behind the node.
+    bool atEnd; ///< Nothing but space and comments stands after the node.
     std::string messages;
     std::string stream; ///< Of a scene that is walked.
 };
@@ -65,37 +27,21 @@ struct Read {
 Read read(std::string_view text, bool walks) {
     using namespace meshcast;
     Read result{};
-    Captured errors(STDERR_FILENO);
-    const NameScope names;
-    NodePool nodes;
+    Scene scene;
     MemorySource source(text);
-    VrmlInput input(nodes, source);
-    QvNode* root = nullptr;
-    result.ok = readScene(input, root);
-    result.messages = errors.take();
-    // A comment behind the node may end without a newline.
-    Captured restErrors(STDERR_FILENO);
+    MessageText messages;
+    VrmlInput input(scene, source, messages);
+    result.ok = readScene(input);
+    result.messages = messages.text;
+    // A comment after the node may end without a newline.
     char c = 0;
     result.atEnd = input.skipWhiteSpace() && !input.get(c);
-    if (walks && root != nullptr) {
-        Captured output(STDOUT_FILENO);
-        QvState state;
-        root->traverse(state);
-        result.stream = output.take();
+    if (walks) {
+        MemorySink sink;
+        convertScene(scene, sink, messages);
+        result.stream = sink.bytes();
     }
     return result;
-}
-
-/// What a process does once: the names that every scene shares have to be there before those of the
-/// first are forgotten.
-bool prepare() {
-    using namespace meshcast;
-    fuzz::catalogue();
-    NodePool nodes;
-    MemorySource source("#VRML V1.0 ascii\nGroup { }");
-    VrmlInput input(nodes, source);
-    QvNode* root = nullptr;
-    return readScene(input, root);
 }
 
 [[noreturn]] void fail(const char* what, std::string_view text, const std::string& said) {
@@ -128,7 +74,7 @@ bool isPlain(std::string_view text) {
     constexpr std::string_view kSpace = " \t\r\n\f\v";
     for (std::size_t at = text.find_first_of("{}"); at != std::string_view::npos;
          at = text.find_first_of("{}", at + 1)) {
-        const std::size_t word = text.find_last_of(kSpace, at) + 1; // 0 behind npos.
+        const std::size_t word = text.find_last_of(kSpace, at) + 1; // 0 after npos.
         const std::size_t end = std::min(text.find_first_of(kSpace, at), text.size());
         if (text.substr(word, end - word).find_first_of("\"\\") != std::string_view::npos) {
             return false;
@@ -141,9 +87,6 @@ bool isPlain(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace meshcast;
-
-    static const bool isPrepared = prepare();
-    static_cast<void>(isPrepared);
 
     const std::string scene(reinterpret_cast<const char*>(data), size);
     tidy::Options options;

@@ -1,64 +1,30 @@
-#include "traverse/groups.h"
-
 #include "traverse/state.h"
-#include "vrml/messages.h"
 #include "vrml/nodes.h"
-#include "vrml/scene_reader.h"
 
 #include <memory>
-#include <utility>
 
 namespace meshcast {
 
-std::int32_t traversalNestingLevel = 0;
-
 namespace {
 
-/// Opens a group for the time of its walk. A scene can put a group inside itself (a node may USE
-/// the name it bears), and can nest groups by USE deeper than any text does: such a group is left
-/// out, which is reported once for each node.
+/// A group that is open as long as this lives, unless it must be left out.
 class OpenGroup {
 public:
-    explicit OpenGroup(QvGroup& group) : group_(group), entered_(mayEnter(group)) {
-        if (entered_) {
-            group_.walkMarks.isOpen = true;
-            ++traversalNestingLevel;
-        }
-    }
+    OpenGroup(const QvGroup& group, QvState& state)
+        : group_(group), state_(state), entered_(state.enter(group)) {}
     OpenGroup(const OpenGroup&) = delete;
     OpenGroup& operator=(const OpenGroup&) = delete;
     ~OpenGroup() {
         if (entered_) {
-            --traversalNestingLevel;
-            group_.walkMarks.isOpen = false;
+            state_.leave(group_);
         }
     }
 
     explicit operator bool() const { return entered_; }
 
 private:
-    static bool mayEnter(QvGroup& group) {
-        if (!group.walkMarks.isOpen && traversalNestingLevel < kMaxNestingDepth) {
-            return true;
-        }
-        if (!group.walkMarks.isRefused) {
-            group.walkMarks.isRefused = true;
-            report(group);
-        }
-        return false;
-    }
-
-    static void report(const QvGroup& group) {
-        constexpr const char* kOperation = "QvGroup::traverse";
-        if (group.walkMarks.isOpen) {
-            vrmlError(kOperation, "Node \"%s\" contains itself", group.nodeName().c_str());
-        } else {
-            vrmlError(kOperation, "Nesting deeper than %d levels at node \"%s\"", kMaxNestingDepth,
-                      group.nodeName().c_str());
-        }
-    }
-
-    QvGroup& group_;
+    const QvGroup& group_;
+    QvState& state_;
     bool entered_;
 };
 
@@ -73,8 +39,8 @@ void traverseAll(const QvGroup& group, QvState& state) {
     }
 }
 
-void traverseScoped(QvGroup& group, QvState& state) {
-    if (const OpenGroup open(group); open) {
+void traverseScoped(const QvGroup& group, QvState& state) {
+    if (const OpenGroup open(group, state); open) {
         state.push();
         traverseAll(group, state);
         state.pop();
@@ -83,23 +49,23 @@ void traverseScoped(QvGroup& group, QvState& state) {
 
 } // namespace
 
-void QvGroup::traverse(QvState& state) {
-    if (const OpenGroup open(*this); open) {
+void QvGroup::traverse(QvState& state) const {
+    if (const OpenGroup open(*this, state); open) {
         traverseAll(*this, state);
     }
 }
 
-void QvSeparator::traverse(QvState& state) {
+void QvSeparator::traverse(QvState& state) const {
     traverseScoped(*this, state);
 }
 
-void QvWWWAnchor::traverse(QvState& state) {
+void QvWWWAnchor::traverse(QvState& state) const {
     traverseScoped(*this, state);
 }
 
-void QvSwitch::traverse(QvState& state) {
+void QvSwitch::traverse(QvState& state) const {
     constexpr std::int32_t kAllChildren = -3;
-    const OpenGroup open(*this);
+    const OpenGroup open(*this, state);
     if (!open) {
         return;
     }
@@ -112,15 +78,15 @@ void QvSwitch::traverse(QvState& state) {
 }
 
 // Whatever the viewer's distance would be: the stream holds the highest level of detail.
-void QvLevelOfDetail::traverse(QvState& state) {
-    const OpenGroup open(*this);
+void QvLevelOfDetail::traverse(QvState& state) const {
+    const OpenGroup open(*this, state);
     if (open && getNumChildren() > 0) {
         getChild(0)->traverse(state);
     }
 }
 
-void QvTransformSeparator::traverse(QvState& state) {
-    const OpenGroup open(*this);
+void QvTransformSeparator::traverse(QvState& state) const {
+    const OpenGroup open(*this, state);
     if (!open) {
         return;
     }
@@ -135,6 +101,6 @@ void QvTransformSeparator::traverse(QvState& state) {
 }
 
 // What an unknown class means is unknown: neither shapes nor properties inside it take effect.
-void QvUnknownNode::traverse(QvState& /*state*/) {}
+void QvUnknownNode::traverse(QvState& /*state*/) const {}
 
 } // namespace meshcast

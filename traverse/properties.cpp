@@ -1,17 +1,17 @@
+#include "traverse/shape_visitor.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
 #include <memory>
 
 // A property node in the walk puts an element that refers to it on the stack of its kind. Shapes
-// read the node's fields through the element when they are converted. (Texture2, which may also
-// load its image, is at home with the textures.)
+// read the node's fields through the element.
 
 namespace meshcast {
 
 namespace {
 
-void add(QvState& state, QvElementKind kind, QvNode& node,
+void add(QvState& state, QvElementKind kind, const QvNode& node,
          QvElementType type = QvElementType::Unknown) {
     state.addElement(kind, std::make_unique<QvElement>(&node, type));
 }
@@ -21,67 +21,71 @@ void add(QvState& state, QvElementKind kind, QvNode& node,
 using Kind = QvElementKind;
 using Type = QvElementType;
 
-void QvOrthographicCamera::traverse(QvState& state) {
+void QvOrthographicCamera::traverse(QvState& state) const {
     add(state, Kind::Camera, *this, Type::OrthographicCamera);
 }
-void QvPerspectiveCamera::traverse(QvState& state) {
+void QvPerspectiveCamera::traverse(QvState& state) const {
     add(state, Kind::Camera, *this, Type::PerspectiveCamera);
 }
 
-void QvDirectionalLight::traverse(QvState& state) {
+void QvDirectionalLight::traverse(QvState& state) const {
     add(state, Kind::Light, *this, Type::DirectionalLight);
 }
-void QvPointLight::traverse(QvState& state) {
+void QvPointLight::traverse(QvState& state) const {
     add(state, Kind::Light, *this, Type::PointLight);
 }
-void QvSpotLight::traverse(QvState& state) {
+void QvSpotLight::traverse(QvState& state) const {
     add(state, Kind::Light, *this, Type::SpotLight);
 }
 
-void QvMatrixTransform::traverse(QvState& state) {
+void QvMatrixTransform::traverse(QvState& state) const {
     add(state, Kind::Transformation, *this, Type::MatrixTransform);
 }
-void QvRotation::traverse(QvState& state) {
+void QvRotation::traverse(QvState& state) const {
     add(state, Kind::Transformation, *this, Type::Rotation);
 }
-void QvScale::traverse(QvState& state) {
+void QvScale::traverse(QvState& state) const {
     add(state, Kind::Transformation, *this, Type::Scale);
 }
-void QvTransform::traverse(QvState& state) {
+void QvTransform::traverse(QvState& state) const {
     add(state, Kind::Transformation, *this, Type::Transform);
 }
-void QvTranslation::traverse(QvState& state) {
+void QvTranslation::traverse(QvState& state) const {
     add(state, Kind::Transformation, *this, Type::Translation);
 }
 
-void QvCoordinate3::traverse(QvState& state) {
+void QvCoordinate3::traverse(QvState& state) const {
     add(state, Kind::Coordinate3, *this);
 }
-void QvMaterialBinding::traverse(QvState& state) {
+void QvMaterialBinding::traverse(QvState& state) const {
     add(state, Kind::MaterialBinding, *this);
 }
-void QvMaterial::traverse(QvState& state) {
+void QvMaterial::traverse(QvState& state) const {
     add(state, Kind::Material, *this);
 }
-void QvNormalBinding::traverse(QvState& state) {
+void QvNormalBinding::traverse(QvState& state) const {
     add(state, Kind::NormalBinding, *this);
 }
-void QvNormal::traverse(QvState& state) {
+void QvNormal::traverse(QvState& state) const {
     add(state, Kind::Normal, *this);
 }
-void QvShapeHints::traverse(QvState& state) {
+void QvShapeHints::traverse(QvState& state) const {
     add(state, Kind::ShapeHints, *this);
 }
-void QvTexture2Transform::traverse(QvState& state) {
+void QvTexture2::traverse(QvState& state) const {
+    add(state, Kind::Texture2, *this);
+    state.shapes().prepareTexture(*this);
+}
+void QvTexture2Transform::traverse(QvState& state) const {
     add(state, Kind::Texture2Transformation, *this);
 }
-void QvTextureCoordinate2::traverse(QvState& state) {
+void QvTextureCoordinate2::traverse(QvState& state) const {
     add(state, Kind::TextureCoordinate2, *this);
 }
-void QvFontStyle::traverse(QvState& state) {
+void QvFontStyle::traverse(QvState& state) const {
     add(state, Kind::FontStyle, *this);
 }
 
-void QvInfo::traverse(QvState& /*state*/) {}
+void QvInfo::traverse(QvState& /*state*/) const {}
 
 } // namespace meshcast

@@ -1,5 +1,9 @@
 #include "traverse/state.h"
 
+#include "vrml/diagnostics.h"
+#include "vrml/nodes.h"
+#include "vrml/scene_reader.h"
+
 #include <cstdio>
 
 namespace meshcast {
@@ -52,6 +56,70 @@ void QvState::popElement(QvElementKind kind) {
     const std::unique_ptr<QvElement> dropped(top);
     top = dropped->next;
     --counts_[indexOf(kind)];
+}
+
+// Every kind but transforms, lights and cameras is pushed by one class only.
+template <class Node>
+const Node* QvState::top(QvElementKind kind) const {
+    const QvElement* const element = getTopElement(kind);
+    return element == nullptr ? nullptr : static_cast<const Node*>(element->data);
+}
+
+const QvCoordinate3* QvState::coordinate3() const {
+    return top<QvCoordinate3>(QvElementKind::Coordinate3);
+}
+const QvFontStyle* QvState::fontStyle() const {
+    return top<QvFontStyle>(QvElementKind::FontStyle);
+}
+const QvMaterial* QvState::material() const {
+    return top<QvMaterial>(QvElementKind::Material);
+}
+const QvMaterialBinding* QvState::materialBinding() const {
+    return top<QvMaterialBinding>(QvElementKind::MaterialBinding);
+}
+const QvNormal* QvState::normal() const {
+    return top<QvNormal>(QvElementKind::Normal);
+}
+const QvNormalBinding* QvState::normalBinding() const {
+    return top<QvNormalBinding>(QvElementKind::NormalBinding);
+}
+const QvShapeHints* QvState::shapeHints() const {
+    return top<QvShapeHints>(QvElementKind::ShapeHints);
+}
+const QvTexture2* QvState::texture2() const {
+    return top<QvTexture2>(QvElementKind::Texture2);
+}
+const QvTextureCoordinate2* QvState::textureCoordinate2() const {
+    return top<QvTextureCoordinate2>(QvElementKind::TextureCoordinate2);
+}
+
+bool QvState::enter(const QvGroup& group) {
+    if (group.groupNumber() >= groups_.size()) {
+        groups_.resize(group.groupNumber() + 1);
+    }
+    GroupMarks& marks = groups_[group.groupNumber()];
+    if (!marks.isOpen && traversalNestingLevel < kMaxNestingDepth) {
+        marks.isOpen = true;
+        ++traversalNestingLevel;
+        return true;
+    }
+    if (!marks.isRefused) {
+        marks.isRefused = true;
+        if (marks.isOpen) {
+            report(diagnostics_, DiagnosticKind::kSceneError, 0,
+                   "QvGroup::traverse(): Node \"%s\" contains itself", group.nodeName().c_str());
+        } else {
+            report(diagnostics_, DiagnosticKind::kSceneError, 0,
+                   "QvGroup::traverse(): Nesting deeper than %d levels at node \"%s\"",
+                   kMaxNestingDepth, group.nodeName().c_str());
+        }
+    }
+    return false;
+}
+
+void QvState::leave(const QvGroup& group) {
+    --traversalNestingLevel;
+    groups_[group.groupNumber()].isOpen = false;
 }
 
 } // namespace meshcast

@@ -4,10 +4,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace meshcast {
 
+class Diagnostics;
+class QvCoordinate3;
+class QvFontStyle;
+class QvGroup;
+class QvMaterial;
+class QvMaterialBinding;
 class QvNode;
+class QvNormal;
+class QvNormalBinding;
+class QvShapeHints;
+class QvTexture2;
+class QvTextureCoordinate2;
+class ShapeVisitor;
 
 /// What a property applies to: each kind has a stack of its own in the state.
 enum class QvElementKind : std::uint8_t {
@@ -47,7 +60,8 @@ enum class QvElementType : std::int32_t {
 /// A property in force: refers to the node that holds the values and copies none of them.
 class QvElement {
 public:
-    explicit QvElement(QvNode* node = nullptr, QvElementType nodeType = QvElementType::Unknown)
+    explicit QvElement(const QvNode* node = nullptr,
+                       QvElementType nodeType = QvElementType::Unknown)
         : data(node), type(nodeType) {}
     QvElement(const QvElement&) = delete;
     QvElement& operator=(const QvElement&) = delete;
@@ -58,20 +72,23 @@ public:
 
     std::int32_t depth = -1;   ///< The state's depth when the element was added.
     QvElement* next = nullptr; ///< The element that was on top of the stack before.
-    QvNode* data;              ///< The node that added the element. Not owned.
+    const QvNode* data;        ///< The node that added the element. Not owned.
     QvElementType type;
 };
 
-/// All properties in force at one point of the walk: for each kind a stack whose top is the most
-/// recent element. Elements are stamped with the depth at which they were added, so that leaving a
-/// level drops those of all kinds at once.
+/// One walk: the properties in force where it stands, the groups that it has open, and the visitor
+/// that it is for. Any number of walks may go through a scene at once, each with a state.
 ///
-/// A scene of a few lines can add properties without end on one level, by groups that are used
-/// again and again. On a stack of kMaxElements or more an element replaces the one that the same
-/// level added before it: of all kinds but transforms only the last one counts.
+/// For each kind of property there is a stack whose top is the most recent element. Elements are
+/// stamped with the depth at which they were added, so that leaving a level drops those of all
+/// kinds at once. A scene of a few lines can add properties without end on one level, by groups
+/// that are used again and again. On a stack of kMaxElements or more an element replaces the one
+/// that the same level added before it: of all kinds but transforms only the last one counts.
 class QvState {
 public:
-    QvState() = default;
+    /// The shapes go to `shapes`, what is wrong to `diagnostics`. Both must outlive the state.
+    QvState(ShapeVisitor& shapes, Diagnostics& diagnostics)
+        : shapes_(shapes), diagnostics_(diagnostics) {}
     QvState(const QvState&) = delete;
     QvState& operator=(const QvState&) = delete;
     /// Drops all elements.
@@ -92,21 +109,48 @@ public:
     /// The number of elements on a stack.
     std::int32_t count(QvElementKind kind) const { return counts_[indexOf(kind)]; }
 
+    // The properties in force, null where there is none. Transforms, lights and cameras, of which
+    // there are several classes, are elements only.
+    const QvCoordinate3* coordinate3() const;
+    const QvFontStyle* fontStyle() const;
+    const QvMaterial* material() const;
+    const QvMaterialBinding* materialBinding() const;
+    const QvNormal* normal() const;
+    const QvNormalBinding* normalBinding() const;
+    const QvShapeHints* shapeHints() const;
+    const QvTexture2* texture2() const;
+    const QvTextureCoordinate2* textureCoordinate2() const;
+
+    /// Opens a group for the time of its walk. False when it must be left out, since it is open
+    /// already (a node may USE the name it bears) or since groups are nested by USE deeper than any
+    /// text nests them. That is reported once for each group.
+    bool enter(const QvGroup& group);
+    /// Closes the group that was opened last.
+    void leave(const QvGroup& group);
+
+    ShapeVisitor& shapes() { return shapes_; }
+
     std::int32_t depth = 0;
     std::array<QvElement*, kElementKinds> stacks{};
+    /// The number of groups that are open, one inside the other (unknown nodes and inlines do not
+    /// count).
+    std::int32_t traversalNestingLevel = 0;
 
 private:
     static std::size_t indexOf(QvElementKind kind) { return static_cast<std::size_t>(kind); }
+    template <class Node>
+    const Node* top(QvElementKind kind) const;
 
+    /// What the walk knows of a group.
+    struct GroupMarks {
+        bool isOpen : 1 = false;
+        bool isRefused : 1 = false; ///< An attempt to enter it has been reported.
+    };
+
+    ShapeVisitor& shapes_;
+    Diagnostics& diagnostics_;
     std::array<std::int32_t, kElementKinds> counts_{};
+    std::vector<GroupMarks> groups_; ///< By the group's number.
 };
-
-/// The node of class `Node` that is on top of a stack, or null. Every kind but lights, cameras and
-/// transforms is pushed by one class only.
-template <class Node>
-Node* topNode(const QvState& state, QvElementKind kind) {
-    const QvElement* const element = state.getTopElement(kind);
-    return element == nullptr ? nullptr : static_cast<Node*>(element->data);
-}
 
 } // namespace meshcast

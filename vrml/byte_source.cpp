@@ -29,9 +29,4 @@ std::size_t MemorySource::read(char* buffer, std::size_t capacity) {
     return count;
 }
 
-ByteSource& standardInput() {
-    static DescriptorSource source(STDIN_FILENO);
-    return source;
-}
-
 } // namespace meshcast

@@ -15,7 +15,7 @@ public:
 
     /// Stores at most `capacity` bytes in `buffer` and returns how many; 0 at the end of the
     /// input, for good. Yields what is there rather than waiting for a full buffer: a writer may
-    /// keep its pipe open behind the scene.
+    /// keep its pipe open after the scene.
     virtual std::size_t read(char* buffer, std::size_t capacity) = 0;
 };
 
@@ -41,8 +41,5 @@ private:
     std::string_view rest_;
     std::size_t pieceSize_;
 };
-
-/// The process's standard input.
-ByteSource& standardInput();
 
 } // namespace meshcast

@@ -1,7 +1,6 @@
 #include "vrml/field_table.h"
 
-#include "vrml/fields.h"
-#include "vrml/node.h"
+#include "vrml/catalogue_names.h"
 
 #include <algorithm>
 
@@ -9,92 +8,59 @@ namespace meshcast {
 
 namespace {
 
-/// Enumerations grow by this many words at a time.
-constexpr std::size_t kEnumGrowth = 6;
-
-/// Tables of more fields than this are looked up by hash: an input may declare a million.
+/// Tables of more fields than this are looked up by hash: a scene may declare a million.
 constexpr std::size_t kLongestSearched = 16;
-
-template <class T>
-void appendGrowing(std::vector<T>& list, T value) {
-    if (list.size() == list.capacity()) {
-        list.reserve(list.size() + kEnumGrowth);
-    }
-    list.push_back(value);
-}
 
 } // namespace
 
-void FieldTable::addField(std::string_view name, const QvNode& node, const QvField& field) {
-    // The distance may be one between two allocations (fields that an input declares live on the
-    // heap), hence integers: they wrap where a pointer difference would not be defined.
-    const std::uintptr_t position =
-        reinterpret_cast<std::uintptr_t>(&field) - reinterpret_cast<std::uintptr_t>(&node);
-    const InternedName interned(name);
-    if (fields_.size() == kLongestSearched) {
-        positions_ = std::make_unique<decltype(positions_)::element_type>();
-        for (const FieldEntry& entry : fields_) {
-            positions_->try_emplace(entry.name.number(), entry.position);
+const EnumWord* Enumeration::find(std::string_view word) const {
+    const auto found = std::find_if(words.begin(), words.end(),
+                                    [word](const EnumWord& each) { return each.word == word; });
+    return found == words.end() ? nullptr : &*found;
+}
+
+FieldTable::FieldTable(std::string_view className, std::span<const FieldInfo> fields)
+    : className_(className) {
+    fields_.reserve(fields.size());
+    for (const FieldInfo& info : fields) {
+        add({catalogueName(info.name), info.type, &info, nullptr});
+    }
+}
+
+const Enumeration* FieldTable::findEnumeration(std::string_view typeName) const {
+    for (const FieldEntry& entry : fields_) {
+        if (entry.info != nullptr && entry.info->words != nullptr &&
+            entry.info->words->typeName == typeName) {
+            return entry.info->words;
         }
     }
-    if (positions_ != nullptr) {
-        positions_->try_emplace(interned.number(), position);
+    return nullptr;
+}
+
+void FieldTable::add(const FieldEntry& entry) {
+    if (fields_.size() == kLongestSearched) {
+        places_ = std::make_unique<decltype(places_)::element_type>();
+        for (std::size_t place = 0; place < fields_.size(); ++place) {
+            places_->try_emplace(fields_[place].name.number(), place);
+        }
     }
-    appendDoubling(fields_, FieldEntry{interned, position});
+    if (places_ != nullptr) {
+        places_->try_emplace(entry.name.number(), fields_.size());
+    }
+    appendDoubling(fields_, entry);
 }
 
 QvField* FieldTable::findField(QvNode& node, InternedName name) const {
-    const std::uintptr_t* position = nullptr;
-    if (positions_ != nullptr) {
-        const auto found = positions_->find(name.number());
-        position = found == positions_->end() ? nullptr : &found->second;
+    const FieldEntry* entry = nullptr;
+    if (places_ != nullptr) {
+        const auto found = places_->find(name.number());
+        entry = found == places_->end() ? nullptr : &fields_[found->second];
     } else {
-        const auto found =
-            std::find_if(fields_.begin(), fields_.end(),
-                         [name](const FieldEntry& entry) { return entry.name == name; });
-        position = found == fields_.end() ? nullptr : &found->position;
+        const auto found = std::find_if(fields_.begin(), fields_.end(),
+                                        [name](const auto& each) { return each.name == name; });
+        entry = found == fields_.end() ? nullptr : &*found;
     }
-    if (position == nullptr) {
-        return nullptr;
-    }
-    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(&node) + *position;
-    return reinterpret_cast<QvField*>(address); // NOLINT(performance-no-int-to-ptr): see addField
-}
-
-EnumTable* FieldTable::findTable(InternedName typeName) const {
-    const auto found =
-        std::find_if(enumerations_.begin(), enumerations_.end(),
-                     [typeName](const auto& each) { return each->typeName == typeName; });
-    return found == enumerations_.end() ? nullptr : found->get();
-}
-
-const EnumTable* FieldTable::findEnumeration(InternedName typeName) const {
-    return findTable(typeName);
-}
-
-void FieldTable::addEnumValue(std::string_view typeName, std::string_view word,
-                              std::int32_t value) {
-    const InternedName type(typeName);
-    EnumTable* table = findTable(type);
-    if (table == nullptr) {
-        appendDoubling(enumerations_, std::make_unique<EnumTable>(EnumTable{type, {}, {}}));
-        table = enumerations_.back().get();
-    }
-    appendGrowing(table->values, value);
-    appendGrowing(table->names, InternedName(word));
-}
-
-const EnumTable& FieldTable::declare(const Enumeration& enumeration) {
-    for (const Declared& declared : declared_) {
-        if (declared.enumeration == &enumeration) {
-            return *declared.table;
-        }
-    }
-    for (const EnumWord& word : enumeration.words) {
-        addEnumValue(enumeration.typeName, word.word, word.value);
-    }
-    declared_.push_back({&enumeration, findEnumeration(InternedName(enumeration.typeName))});
-    return *declared_.back().table;
+    return entry == nullptr ? nullptr : &entry->of(node);
 }
 
 } // namespace meshcast

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "vrml/field_info.h"
 #include "vrml/names.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -12,66 +12,45 @@
 
 namespace meshcast {
 
-class QvField;
-
-/// A word of an enumeration as the catalogue declares it.
-struct EnumWord {
-    std::string_view word;
-    std::int32_t value;
-};
-
-/// An enumeration or bit mask as the catalogue declares it.
-struct Enumeration {
-    std::string_view typeName;
-    std::span<const EnumWord> words;
-};
-
-/// The words that an SFEnum or SFBitMask field accepts: two parallel arrays.
-struct EnumTable {
-    InternedName typeName;
-    std::vector<std::int32_t> values;
-    std::vector<InternedName> names;
-};
-
-/// The fields and enumerations of one node class, shared by its nodes. Built while the first node
-/// of the class is constructed.
+/// The fields of one node class by name, shared by its nodes; for a class that a scene declares,
+/// those of the declaring node.
 class FieldTable {
 public:
     struct FieldEntry {
         InternedName name;
-        std::uintptr_t position; ///< Distance in bytes from the node to the field.
+        FieldType type;
+        const FieldInfo* info; ///< In the catalogue; null for a field that a scene declares.
+        QvField* declared;     ///< The field that a scene declares; null for one of the catalogue.
+
+        QvField& of(QvNode& node) const { return declared != nullptr ? *declared : info->of(node); }
     };
 
-    /// Appends a field: its name and where it lies relative to `node`.
-    void addField(std::string_view name, const QvNode& node, const QvField& field);
-    /// Appends a word to the enumeration of that type name, which is made when it is new.
-    void addEnumValue(std::string_view typeName, std::string_view word, std::int32_t value);
+    FieldTable() = default;
+    /// The table of a class of the catalogue.
+    FieldTable(std::string_view className, std::span<const FieldInfo> fields);
 
+    /// As the scene language spells it; empty for a class that a scene declares.
+    std::string_view className() const { return className_; }
     std::span<const FieldEntry> fields() const { return fields_; }
-    /// The node's field of that name, or null when the table has none. Of two fields of one name
-    /// the first is found.
-    QvField* findField(QvNode& node, InternedName name) const;
-    /// The enumeration of that type name, or null. Valid as long as the table.
-    const EnumTable* findEnumeration(InternedName typeName) const;
+    /// The enumeration of that type name among the words of the fields, or null.
+    const Enumeration* findEnumeration(std::string_view typeName) const;
 
-    /// The table of an enumeration that the catalogue declares; its words are added when it is
-    /// asked for the first time.
-    const EnumTable& declare(const Enumeration& enumeration);
+    /// Appends a field that a scene declares.
+    void addField(InternedName name, FieldType type, QvField& field) {
+        add({name, type, nullptr, &field});
+    }
+    /// The field of that name in a node that the table is for, or null when the table has none. Of
+    /// two fields of one name the first is found.
+    QvField* findField(QvNode& node, InternedName name) const;
 
 private:
-    struct Declared {
-        const Enumeration* enumeration;
-        const EnumTable* table;
-    };
+    void add(const FieldEntry& entry);
 
-    EnumTable* findTable(InternedName typeName) const;
-
+    std::string_view className_;
     std::vector<FieldEntry> fields_;
-    /// Positions in a table too long to be searched, by the number of the name. The catalogue has
-    /// no such table.
-    std::unique_ptr<std::unordered_map<std::size_t, std::uintptr_t>> positions_;
-    std::vector<std::unique_ptr<EnumTable>> enumerations_;
-    std::vector<Declared> declared_;
+    /// Places in a table too long to be searched, by the number of the name. The catalogue has no
+    /// such table.
+    std::unique_ptr<std::unordered_map<std::size_t, std::size_t>> places_;
 };
 
 } // namespace meshcast

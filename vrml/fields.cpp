@@ -1,7 +1,7 @@
 #include "vrml/fields.h"
 
-#include "vrml/messages.h"
-#include "vrml/node.h"
+#include "vrml/field_table.h"
+#include "vrml/out_of_memory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -37,10 +37,6 @@ bool readScalar(VrmlInput& input, std::int32_t& value) {
 
 } // namespace
 
-QvField::QvField(QvNode& node, const char* name) {
-    node.declareField(name, *this);
-}
-
 bool QvField::readText(VrmlInput& input) {
     return (flags_ & kIsList) != 0 ? static_cast<QvMField*>(this)->readAll(input)
                                    : static_cast<QvSField*>(this)->readValue(input);
@@ -64,32 +60,49 @@ bool readField(VrmlInput& input, QvField& field, InternedName name) {
     return true;
 }
 
+namespace {
+
 template <class Field>
-std::unique_ptr<QvField> createFieldOf() {
+std::unique_ptr<QvField> makeField() {
     return std::make_unique<Field>();
 }
 
-std::unique_ptr<QvField> createField(std::string_view typeName) {
-    using Create = std::unique_ptr<QvField> (*)();
-    struct Type {
-        std::string_view name;
-        Create create;
-    };
-    static constexpr Type kTypes[] = {
-        {"MFColor", createFieldOf<QvMFColor>},   {"MFFloat", createFieldOf<QvMFFloat>},
-        {"MFLong", createFieldOf<QvMFLong>},     {"MFVec2f", createFieldOf<QvMFVec2f>},
-        {"MFVec3f", createFieldOf<QvMFVec3f>},   {"SFBitMask", createFieldOf<QvSFBitMask>},
-        {"SFBool", createFieldOf<QvSFBool>},     {"SFColor", createFieldOf<QvSFColor>},
-        {"SFEnum", createFieldOf<QvSFEnum>},     {"SFFloat", createFieldOf<QvSFFloat>},
-        {"SFImage", createFieldOf<QvSFImage>},   {"SFLong", createFieldOf<QvSFLong>},
-        {"SFMatrix", createFieldOf<QvSFMatrix>}, {"SFRotation", createFieldOf<QvSFRotation>},
-        {"SFString", createFieldOf<QvSFString>}, {"SFVec2f", createFieldOf<QvSFVec2f>},
-        {"SFVec3f", createFieldOf<QvSFVec3f>},
-    };
-    const Type* const found =
+struct TypeInfo {
+    std::string_view name;
+    std::unique_ptr<QvField> (*make)();
+};
+
+/// By FieldType.
+constexpr TypeInfo kTypes[] = {
+    {"MFColor", makeField<QvMFColor>},   {"MFFloat", makeField<QvMFFloat>},
+    {"MFLong", makeField<QvMFLong>},     {"MFVec2f", makeField<QvMFVec2f>},
+    {"MFVec3f", makeField<QvMFVec3f>},   {"SFBitMask", makeField<QvSFBitMask>},
+    {"SFBool", makeField<QvSFBool>},     {"SFColor", makeField<QvSFColor>},
+    {"SFEnum", makeField<QvSFEnum>},     {"SFFloat", makeField<QvSFFloat>},
+    {"SFImage", makeField<QvSFImage>},   {"SFLong", makeField<QvSFLong>},
+    {"SFMatrix", makeField<QvSFMatrix>}, {"SFRotation", makeField<QvSFRotation>},
+    {"SFString", makeField<QvSFString>}, {"SFVec2f", makeField<QvSFVec2f>},
+    {"SFVec3f", makeField<QvSFVec3f>},
+};
+
+} // namespace
+
+std::string_view fieldTypeName(FieldType type) {
+    return kTypes[static_cast<std::size_t>(type)].name;
+}
+
+std::optional<FieldType> findFieldType(std::string_view name) {
+    const auto* const found =
         std::find_if(std::begin(kTypes), std::end(kTypes),
-                     [typeName](const Type& type) { return type.name == typeName; });
-    return found == std::end(kTypes) ? nullptr : found->create();
+                     [name](const TypeInfo& type) { return type.name == name; });
+    if (found == std::end(kTypes)) {
+        return std::nullopt;
+    }
+    return static_cast<FieldType>(found - std::begin(kTypes));
+}
+
+std::unique_ptr<QvField> createField(FieldType type) {
+    return kTypes[static_cast<std::size_t>(type)].make();
 }
 
 // ---- single values
@@ -136,20 +149,12 @@ bool QvSFBool::readValue(VrmlInput& input) {
     return false;
 }
 
-QvSFEnum::QvSFEnum(QvNode& node, const char* name, const Enumeration& enumeration,
-                   std::int32_t initial)
-    : QvSField(node, name), value(initial), table_(&node.getFieldTable().declare(enumeration)) {}
-
 bool QvSFEnum::findWord(InternedName word, std::int32_t& found) const {
-    if (table_ == nullptr) {
-        return false;
+    const EnumWord* const entry = words_ == nullptr ? nullptr : words_->find(word.view());
+    if (entry != nullptr) {
+        found = entry->value;
     }
-    const auto name = std::find(table_->names.begin(), table_->names.end(), word);
-    if (name == table_->names.end()) {
-        return false;
-    }
-    found = table_->values[static_cast<std::size_t>(name - table_->names.begin())];
-    return true;
+    return entry != nullptr;
 }
 
 bool QvSFEnum::readValue(VrmlInput& input) {
@@ -228,9 +233,8 @@ bool QvSFString::readValue(VrmlInput& input) {
 // ---- lists
 
 template <class Scalar, std::size_t Width>
-QvMFieldOf<Scalar, Width>::QvMFieldOf(QvNode& node, const char* name,
-                                      const std::array<Scalar, Width>& initial)
-    : QvMField(node, name), initial_(initial), values(initial_.data()) {
+QvMFieldOf<Scalar, Width>::QvMFieldOf(const std::array<Scalar, Width>& initial)
+    : initial_(initial), values(initial_.data()) {
     num = 1;
     maxNum = 1;
 }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "vrml/field_table.h"
+#include "vrml/field_info.h"
 #include "vrml/input.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,13 +16,11 @@ namespace meshcast {
 
 class QvNode;
 
-/// The base of all fields: a typed value of a node, with a default.
+/// The base of all fields: a typed value of a node, with a default. Every class below that a node
+/// can have says by kType which type it is.
 class QvField {
 public:
     QvField() = default;
-    /// Declares the field, under `name`, in the class's FieldTable if `node` is the first of its
-    /// class.
-    QvField(QvNode& node, const char* name);
     QvField(const QvField&) = delete;
     QvField& operator=(const QvField&) = delete;
     virtual ~QvField() = default;
@@ -55,14 +54,16 @@ private:
 /// marks the field as ignored. Reports a value that cannot be read.
 bool readField(VrmlInput& input, QvField& field, InternedName name);
 
-/// Makes an empty field of one of the seventeen types, named as in `fields` declarations
-/// ("SFFloat"). Null when there is no such type.
-std::unique_ptr<QvField> createField(std::string_view typeName);
+/// A field type's name, as in `fields` declarations: "SFFloat".
+std::string_view fieldTypeName(FieldType type);
+/// The type of that name, if there is one.
+std::optional<FieldType> findFieldType(std::string_view name);
+/// Makes an empty field.
+std::unique_ptr<QvField> createField(FieldType type);
 
 /// A field of one value.
 class QvSField : public QvField {
 public:
-    using QvField::QvField;
     /// Reads the value. What it reports itself is said where the type is defined; its caller
     /// reports that the field could not be read.
     virtual bool readValue(VrmlInput& input) = 0;
@@ -73,8 +74,7 @@ template <std::size_t Count>
 class QvSFReals : public QvSField {
 public:
     QvSFReals() = default;
-    QvSFReals(QvNode& node, const char* name, const std::array<float, Count>& initial)
-        : QvSField(node, name), value(initial) {}
+    explicit QvSFReals(const std::array<float, Count>& initial) : value(initial) {}
     bool readValue(VrmlInput& input) final;
 
     std::array<float, Count> value{};
@@ -82,63 +82,72 @@ public:
 
 /// Red, green, blue.
 class QvSFColor final : public QvSFReals<3> {
+public:
+    static constexpr FieldType kType = FieldType::kSFColor;
     using QvSFReals::QvSFReals;
 };
 /// Four rows of four, in the order read.
 class QvSFMatrix final : public QvSFReals<16> {
+public:
+    static constexpr FieldType kType = FieldType::kSFMatrix;
     using QvSFReals::QvSFReals;
 };
 /// Axis x, y, z and the angle in radians.
 class QvSFRotation final : public QvSFReals<4> {
+public:
+    static constexpr FieldType kType = FieldType::kSFRotation;
     using QvSFReals::QvSFReals;
 };
 class QvSFVec2f final : public QvSFReals<2> {
+public:
+    static constexpr FieldType kType = FieldType::kSFVec2f;
     using QvSFReals::QvSFReals;
 };
 class QvSFVec3f final : public QvSFReals<3> {
+public:
+    static constexpr FieldType kType = FieldType::kSFVec3f;
     using QvSFReals::QvSFReals;
 };
 
 class QvSFFloat final : public QvSField {
 public:
-    QvSFFloat() = default;
-    QvSFFloat(QvNode& node, const char* name, float initial)
-        : QvSField(node, name), value(initial) {}
+    static constexpr FieldType kType = FieldType::kSFFloat;
+
+    explicit QvSFFloat(float initial = 0) : value(initial) {}
     bool readValue(VrmlInput& input) override;
 
-    float value = 0;
+    float value;
 };
 
 class QvSFLong final : public QvSField {
 public:
-    QvSFLong() = default;
-    QvSFLong(QvNode& node, const char* name, std::int32_t initial)
-        : QvSField(node, name), value(initial) {}
+    static constexpr FieldType kType = FieldType::kSFLong;
+
+    explicit QvSFLong(std::int32_t initial = 0) : value(initial) {}
     bool readValue(VrmlInput& input) override;
 
-    std::int32_t value = 0;
+    std::int32_t value;
 };
 
 /// 0 or 1, written as a number or as TRUE or FALSE. Reports any other number or word.
 class QvSFBool final : public QvSField {
 public:
-    QvSFBool() = default;
-    QvSFBool(QvNode& node, const char* name, bool initial)
-        : QvSField(node, name), value(initial ? 1 : 0) {}
+    static constexpr FieldType kType = FieldType::kSFBool;
+
+    explicit QvSFBool(bool initial = false) : value(initial ? 1 : 0) {}
     bool readValue(VrmlInput& input) override;
 
-    std::int32_t value = 0;
+    std::int32_t value;
 };
 
 /// One word of an enumeration. Reports a word that the enumeration does not hold.
 class QvSFEnum : public QvSField {
 public:
-    QvSFEnum() = default;
-    QvSFEnum(QvNode& node, const char* name, const Enumeration& enumeration, std::int32_t initial);
-    bool readValue(VrmlInput& input) override;
+    static constexpr FieldType kType = FieldType::kSFEnum;
 
-    /// The words that fit; null for a field that an input declares: none does.
-    const EnumTable* words() const { return table_; }
+    QvSFEnum() = default;
+    QvSFEnum(const Enumeration& words, std::int32_t initial) : value(initial), words_(&words) {}
+    bool readValue(VrmlInput& input) override;
 
     std::int32_t value = 0;
 
@@ -147,13 +156,16 @@ protected:
     bool findWord(InternedName word, std::int32_t& found) const;
 
 private:
-    const EnumTable* table_ = nullptr;
+    /// The words that fit; null for a field that an input declares: none does.
+    const Enumeration* words_ = nullptr;
 };
 
 /// Words of an enumeration combined by OR: one word, or words between parentheses separated by `|`.
 /// Reports an unknown word and a list that is not closed.
 class QvSFBitMask final : public QvSFEnum {
 public:
+    static constexpr FieldType kType = FieldType::kSFBitMask;
+
     using QvSFEnum::QvSFEnum;
     bool readValue(VrmlInput& input) override;
 };
@@ -162,9 +174,8 @@ public:
 /// stored, the most significant first.
 class QvSFImage final : public QvSField {
 public:
-    QvSFImage() = default;
-    /// An image without pixels.
-    QvSFImage(QvNode& node, const char* name) : QvSField(node, name) {}
+    static constexpr FieldType kType = FieldType::kSFImage;
+
     bool readValue(VrmlInput& input) override;
 
     /// The bytes of the pixels in input order, `components` of each. Of a wider pixel than the four
@@ -181,9 +192,9 @@ private:
 
 class QvSFString final : public QvSField {
 public:
-    QvSFString() = default;
-    QvSFString(QvNode& node, const char* name, const char* initial)
-        : QvSField(node, name), value(initial) {}
+    static constexpr FieldType kType = FieldType::kSFString;
+
+    explicit QvSFString(const char* initial = "") : value(initial) {}
     bool readValue(VrmlInput& input) override;
 
     std::string value;
@@ -193,7 +204,6 @@ public:
 class QvMField : public QvField {
 public:
     QvMField() { setFlag(kIsList, true); }
-    QvMField(QvNode& node, const char* name) : QvField(node, name) { setFlag(kIsList, true); }
     /// Reads the values. Reports a value of a list that cannot be read and a bad separator.
     virtual bool readAll(VrmlInput& input) = 0;
     /// Makes the field hold `count` values, keeping the leading ones.
@@ -213,7 +223,7 @@ class QvMFieldOf : public QvMField {
 public:
     QvMFieldOf() = default;
     /// A list that starts with one value.
-    QvMFieldOf(QvNode& node, const char* name, const std::array<Scalar, Width>& initial);
+    explicit QvMFieldOf(const std::array<Scalar, Width>& initial);
     ~QvMFieldOf() override { release(); }
 
     bool readAll(VrmlInput& input) final;
@@ -237,18 +247,28 @@ public:
 };
 
 class QvMFColor final : public QvMFieldOf<float, 3> {
+public:
+    static constexpr FieldType kType = FieldType::kMFColor;
     using QvMFieldOf::QvMFieldOf;
 };
 class QvMFFloat final : public QvMFieldOf<float, 1> {
+public:
+    static constexpr FieldType kType = FieldType::kMFFloat;
     using QvMFieldOf::QvMFieldOf;
 };
 class QvMFLong final : public QvMFieldOf<std::int32_t, 1> {
+public:
+    static constexpr FieldType kType = FieldType::kMFLong;
     using QvMFieldOf::QvMFieldOf;
 };
 class QvMFVec2f final : public QvMFieldOf<float, 2> {
+public:
+    static constexpr FieldType kType = FieldType::kMFVec2f;
     using QvMFieldOf::QvMFieldOf;
 };
 class QvMFVec3f final : public QvMFieldOf<float, 3> {
+public:
+    static constexpr FieldType kType = FieldType::kMFVec3f;
     using QvMFieldOf::QvMFieldOf;
 };
 

@@ -1,18 +1,12 @@
 #include "vrml/group.h"
 
 #include "vrml/input.h"
+#include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
 #include <utility>
 
 namespace meshcast {
-
-namespace {
-
-/// What QvUnknownNode::getFieldTable reports: null when the newest unknown node is gone.
-FieldTable* newestUnknownTable = nullptr;
-
-} // namespace
 
 bool QvGroup::readBody(VrmlInput& input) {
     return (isBuiltIn() || readFieldsDeclaration(input)) &&
@@ -32,28 +26,24 @@ bool QvGroup::readChildren(VrmlInput& input) {
     }
 }
 
-QvUnknownNode::QvUnknownNode(std::string className) : className_(std::move(className)) {
+QvUnknownNode::QvUnknownNode(Scene& scene, InternedName className)
+    : scene_(scene), className_(className) {
     isBuiltIn_ = false;
-    newestUnknownTable = &table_;
+    scene.newestUnknownTable = &table_;
 }
 
-QvUnknownNode::~QvUnknownNode() {
-    if (newestUnknownTable == &table_) {
-        newestUnknownTable = nullptr;
-    }
-}
-
-FieldTable& QvUnknownNode::getFieldTable() {
-    return newestUnknownTable != nullptr ? *newestUnknownTable : table_;
+const FieldTable& QvUnknownNode::getFieldTable() const {
+    return *scene_.newestUnknownTable;
 }
 
 bool QvUnknownNode::adoptField(InternedName typeName, InternedName fieldName) {
-    std::unique_ptr<QvField> field = createField(typeName.view());
-    if (field == nullptr) {
+    const std::optional<FieldType> type = findFieldType(typeName.view());
+    if (!type) {
         return false;
     }
+    std::unique_ptr<QvField> field = createField(*type);
     field->container = this;
-    getFieldTable().addField(fieldName.view(), *this, *field);
+    scene_.newestUnknownTable->addField(fieldName, *type, *field);
     fields_.push_back(std::move(field));
     return true;
 }

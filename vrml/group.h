@@ -3,13 +3,16 @@
 #include "vrml/fields.h"
 #include "vrml/node.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace meshcast {
+
+class Scene;
 
 /// A list of children. The list does not own them.
 using ChildList = std::vector<QvNode*>;
@@ -17,7 +20,10 @@ using ChildList = std::vector<QvNode*>;
 /// The base of all grouping nodes, and itself the node class "Group".
 class QvGroup : public BuiltIn<QvGroup> {
 public:
-    void traverse(QvState& state) override;
+    static constexpr std::string_view kClassName = "Group";
+    static constexpr std::array<FieldInfo, 0> kFields{};
+
+    void traverse(QvState& state) const override;
     bool readBody(VrmlInput& input) override;
 
     virtual const ChildList& getChildList() const { return children_; }
@@ -25,39 +31,41 @@ public:
     virtual bool readChildren(VrmlInput& input);
 
     std::int32_t getNumChildren() const { return static_cast<std::int32_t>(getChildList().size()); }
-    QvNode* getChild(std::int32_t index) const {
+    const QvNode* getChild(std::int32_t index) const {
         return getChildList()[static_cast<std::size_t>(index)];
     }
 
-    /// What the walk notes at the node.
-    struct WalkMarks {
-        bool isOpen = false;    ///< The walk is among the node's children.
-        bool isRefused = false; ///< An attempt to enter the node has been reported.
-    };
-    WalkMarks walkMarks;
+    /// The group's place among all groups of its scene, from 0: a walk notes by it what it has to
+    /// know of the group.
+    std::uint32_t groupNumber() const { return groupNumber_; }
 
 private:
+    friend class Scene;
+
+    std::uint32_t groupNumber_ = 0;
     ChildList children_;
 };
 
 /// A node of a class outside the catalogue, whose body begins by declaring its fields.
 class QvUnknownNode final : public QvGroup {
 public:
-    explicit QvUnknownNode(std::string className);
-    ~QvUnknownNode() override;
+    QvUnknownNode(Scene& scene, InternedName className);
 
-    /// The table of the newest unknown node, whichever node is asked. Kept: a node's fields are all
-    /// read before a nested node can replace the table.
-    FieldTable& getFieldTable() override;
-    void traverse(QvState& state) override;
+    /// The table of the scene's newest unknown node, whichever node is asked. Kept: a node's fields
+    /// are all read before a nested node can replace the table.
+    const FieldTable& getFieldTable() const override;
+    void traverse(QvState& state) const override;
 
-    const std::string& className() const { return className_; }
+    InternedName className() const { return className_; }
+    /// The node's own table, with the fields that it has declared.
+    const FieldTable& declaredFields() const { return table_; }
 
     /// Makes a field that the input declares; false when there is no such type.
     bool adoptField(InternedName typeName, InternedName fieldName);
 
 private:
-    std::string className_;
+    Scene& scene_;
+    InternedName className_;
     FieldTable table_;
     std::vector<std::unique_ptr<QvField>> fields_;
 };

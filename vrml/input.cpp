@@ -1,13 +1,13 @@
 #include "vrml/input.h"
 
 #include "vrml/characters.h"
-#include "vrml/messages.h"
+#include "vrml/diagnostics.h"
 #include "vrml/number_scan.h"
+#include "vrml/scene.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdarg>
-#include <cstdio>
 #include <cstring>
 
 // Tokens are scanned where they lie in the block. The zero behind the block ends every token, so
@@ -30,8 +30,9 @@ constexpr std::size_t kMaxHeaderLength = 256;
 
 } // namespace
 
-VrmlInput::VrmlInput(NodePool& nodes, ByteSource& source)
-    : nodes_(nodes), source_(&source), block_(std::make_unique<char[]>(kBlockSize + 1)) {
+VrmlInput::VrmlInput(Scene& scene, ByteSource& source, Diagnostics& diagnostics)
+    : scene_(scene), source_(&source), diagnostics_(diagnostics),
+      block_(std::make_unique<char[]>(kBlockSize + 1)) {
     attach(source);
 }
 
@@ -179,7 +180,7 @@ bool VrmlInput::readName(InternedName& name) {
     }
     if (isWhole(last)) {
         const std::string_view text(next_, static_cast<std::size_t>(last - next_));
-        name = InternedName(text.substr(0, kMaxNameLength));
+        name = scene_.intern(text.substr(0, kMaxNameLength));
         next_ = last;
         return true;
     }
@@ -190,7 +191,7 @@ bool VrmlInput::readName(InternedName& name) {
         }
     }
     putBack(c);
-    name = InternedName(text);
+    name = scene_.intern(text);
     return true;
 }
 
@@ -351,11 +352,8 @@ void VrmlInput::skipBody() {
 void VrmlInput::readError(const char* format, ...) const {
     std::va_list arguments;
     va_start(arguments, format);
-    const std::string message = formatMessage(format, arguments);
+    report(diagnostics_, DiagnosticKind::kReadError, line(), format, arguments);
     va_end(arguments);
-    std::array<char, 64> lineText{};
-    std::snprintf(lineText.data(), lineText.size(), "\tOccurred at line %3d", line());
-    std::fprintf(stderr, "VRML read error: %s\n%s\n", message.c_str(), lineText.data());
 }
 
 } // namespace meshcast

@@ -12,11 +12,12 @@
 
 namespace meshcast {
 
-class NodePool;
+class Diagnostics;
+class Scene;
 
 /// The reader's only source of characters: checks the header line, counts lines, skips white space
 /// and comments, reads the tokens on which fields and nodes are built, and reports read errors. It
-/// knows nothing of nodes beyond keeping the table of those defined by DEF and their owner.
+/// knows nothing of nodes beyond the scene that they go to.
 ///
 /// Operations return false when they fail. At the end of the input every token reader fails
 /// without a message: the caller knows what it expected.
@@ -28,8 +29,8 @@ public:
     /// Names are cut, not split, after this many characters.
     static constexpr std::size_t kMaxNameLength = 255;
 
-    /// Reads from `source`, and leaves the nodes to `nodes`. Both must outlive the input.
-    explicit VrmlInput(NodePool& nodes, ByteSource& source = standardInput());
+    /// Reads from `source` into `scene`. All three must outlive the input.
+    VrmlInput(Scene& scene, ByteSource& source, Diagnostics& diagnostics);
 
     /// Turns to another source, at its line 1. Whether the header has been read stays as it is.
     void attach(ByteSource& source);
@@ -101,7 +102,7 @@ public:
     /// quoted strings count like others.
     void skipBody();
 
-    /// Reports a read error with the current line, on standard error.
+    /// Reports a read error with the current line.
     [[gnu::format(printf, 2, 3)]] void readError(const char* format, ...) const;
 
     /// False once the header check has failed.
@@ -110,8 +111,8 @@ public:
     float version() const { return version_; }
     std::int32_t line() const { return static_cast<std::int32_t>(line_); }
 
-    ReferenceTable& references() { return references_; }
-    NodePool& nodes() { return nodes_; }
+    Scene& scene() { return scene_; }
+    Diagnostics& diagnostics() { return diagnostics_; }
     /// How many node bodies are being read, one inside the other. The node reader counts.
     int& nestingDepth() { return nestingDepth_; }
 
@@ -143,8 +144,9 @@ private:
     [[gnu::noinline]] ScannedMagnitude scanCutMagnitude();
     [[gnu::noinline]] ScannedReal scanCutReal();
 
-    NodePool& nodes_;
+    Scene& scene_;
     ByteSource* source_;
+    Diagnostics& diagnostics_;
     // The characters at hand: those of the block, or of the word that was put back. Behind `end_`
     // stands a zero.
     const char* next_;
@@ -160,7 +162,6 @@ private:
     std::uint32_t line_ = 1;
     std::unique_ptr<char[]> block_;
     std::string word_;
-    ReferenceTable references_;
     int nestingDepth_ = 0;
 };
 

@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -26,26 +28,27 @@ void appendDoubling(std::vector<T>& list, T value) {
 struct NameEntry {
     const char* text; ///< Ends in a zero byte that is not part of the name.
     std::size_t length;
-    std::uint32_t number; ///< Names are numbered as they come; the empty name has the number 0.
+    std::uint32_t number; ///< 0 for the empty name, then the catalogue's names, then a scene's.
 };
 
 /// The empty name, which every name variable starts with.
-extern const NameEntry kEmptyName;
+inline constexpr NameEntry kEmptyName = {"", 0, 0};
 
-/// A handle to the one shared copy of a name's text, which lives until the process ends. Equal
-/// texts have equal handles, so comparing names compares pointers.
+/// A handle to the one shared copy of a name's text. Equal texts of one scene, or of the catalogue,
+/// have equal handles, so comparing names compares pointers.
 class InternedName {
 public:
     /// The empty name.
     InternedName() : entry_(&kEmptyName) {}
-    /// The handle of a text; the first use of a text copies it.
-    explicit InternedName(std::string_view text);
+    /// The name of an entry that outlives the handle.
+    explicit InternedName(const NameEntry& entry) : entry_(&entry) {}
 
     const char* c_str() const { return entry_->text; }
     std::string_view view() const { return {entry_->text, entry_->length}; }
     bool empty() const { return entry_->length == 0; }
-    /// Unique to the name. What is kept by name is kept in arrays by this number: the names of a
-    /// scene come one after another, where the buckets of a hash table lie anywhere in memory.
+    /// Unique to the name within a scene. What is kept by name is kept in arrays by this number:
+    /// the names of a scene come one after another, where the buckets of a hash table lie anywhere
+    /// in memory.
     std::size_t number() const { return entry_->number; }
 
     friend bool operator==(InternedName a, InternedName b) { return a.entry_ == b.entry_; }
@@ -54,25 +57,32 @@ private:
     const NameEntry* entry_;
 };
 
-/// Forgets, when it ends, the names that were new in its time, so that a process that reads scene
-/// after scene does not keep the names of all. No handle of such a name may be used after that: the
-/// class tables and the reader's own words, which are made when they are first needed, have to be
-/// there before.
-class NameScope {
+/// The names of one scene: each text is stored once. The names of the catalogue are not stored
+/// again, their handles are those of vrml/catalogue_names.h. Searched along neighbouring slots that
+/// hold the hashes, so that a new name, whatever the number of names, costs one look into memory
+/// that is not at hand.
+class NameTable {
 public:
-    NameScope();
-    NameScope(const NameScope&) = delete;
-    NameScope& operator=(const NameScope&) = delete;
-    ~NameScope();
+    NameTable();
 
-    /// What the table of names held at a time.
-    struct Mark {
-        std::size_t names;
-        std::size_t pools;
-    };
+    /// The handle of a text, valid as long as the table; the first use of a text copies it.
+    InternedName intern(std::string_view text);
 
 private:
-    Mark start_;
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t place = 0; ///< Of the entry, from 1; 0 in a free slot.
+    };
+
+    std::size_t after(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
+    void grow();
+    const char* copy(std::string_view text);
+
+    std::vector<Slot> slots_;
+    std::deque<NameEntry> entries_;
+    std::vector<std::unique_ptr<char[]>> pools_;
+    char* pool_ = nullptr; ///< The pool in use.
+    std::size_t poolUsed_;
 };
 
 /// Values by name. Names start with Value{}.
@@ -94,12 +104,9 @@ private:
 /// The nodes defined by DEF in one input: each name, as written, leads to the latest node under it.
 using ReferenceTable = NameMap<QvNode*>;
 
-/// All living nodes that bear a name, by name; several nodes may share one.
+/// The nodes of a scene that bear a name, by name; several nodes may share one.
 class NameDictionary {
 public:
-    /// The process's dictionary, made on first use.
-    static NameDictionary& global();
-
     /// Appends a node to the list of a name.
     void add(InternedName name, QvNode* node);
 
@@ -118,9 +125,12 @@ private:
     NameMap<Bearers> bearers_;
 };
 
-/// A name as a node may bear it: a text that starts with a letter or `_` and holds no white space,
-/// control character, quote, backslash, brace or plus sign. Any other text is rewritten, a `_` for
-/// every such character and one in front of a bad start.
-InternedName legalNodeName(InternedName name);
+/// Whether a text may be a node's name: it starts with a letter or `_` and holds no white space,
+/// control character, quote, backslash, brace or plus sign. The empty text may not.
+bool isLegalNodeName(std::string_view text);
+
+/// Any other text rewritten as a legal one: a `_` for every such character and one in front of a
+/// bad start.
+std::string madeLegal(std::string_view text);
 
 } // namespace meshcast

@@ -3,32 +3,10 @@
 #include "vrml/fields.h"
 #include "vrml/group.h"
 #include "vrml/input.h"
-#include "vrml/messages.h"
 
-#include <cstdint>
 #include <utility>
 
 namespace meshcast {
-
-QvNode::~QvNode() {
-    removeName();
-}
-
-void QvNode::removeName() {
-    if (name_.empty() || NameDictionary::global().remove(name_, this)) {
-        return;
-    }
-    vrmlError("QvNode::removeName", "Name \"%s\" (node %x) is not in dictionary", name_.c_str(),
-              static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(this)));
-}
-
-void QvNode::setName(InternedName name) {
-    removeName();
-    name_ = legalNodeName(name);
-    if (!name_.empty()) {
-        NameDictionary::global().add(name_, this);
-    }
-}
 
 bool QvNode::readBody(VrmlInput& input) {
     return readFieldsDeclaration(input) && readFields(input, UnknownWord::kIsError);

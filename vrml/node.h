@@ -6,12 +6,10 @@
 #include <cstddef>
 #include <memory_resource>
 #include <new>
-#include <string_view>
 #include <utility>
 
 namespace meshcast {
 
-class QvField;
 class QvState;
 class VrmlInput;
 
@@ -20,30 +18,20 @@ class QvNode {
 public:
     QvNode(const QvNode&) = delete;
     QvNode& operator=(const QvNode&) = delete;
-    /// Takes the node's name off the NameDictionary.
-    virtual ~QvNode();
+    virtual ~QvNode() = default;
 
     /// The fields of the node's class.
-    virtual FieldTable& getFieldTable() = 0;
+    virtual const FieldTable& getFieldTable() const = 0;
     /// What the node does in the walk.
-    virtual void traverse(QvState& state) = 0;
+    virtual void traverse(QvState& state) const = 0;
     /// Reads what stands between the node's braces.
     virtual bool readBody(VrmlInput& input);
 
     /// The name given by DEF, made legal; empty without one.
     InternedName nodeName() const { return name_; }
-    /// Names the node, and enters it in the NameDictionary under the legal form of the name.
-    void setName(InternedName name);
 
     /// True for the classes of the catalogue.
     bool isBuiltIn() const { return isBuiltIn_; }
-
-    /// Called by a field under construction; declares it if the node is the first of its class.
-    void declareField(std::string_view name, const QvField& field) {
-        if (isFirstOfClass_) {
-            getFieldTable().addField(name, *this, field);
-        }
-    }
 
 protected:
     QvNode() = default;
@@ -61,40 +49,26 @@ protected:
 
 private:
     friend class NodePool;
+    friend class Scene;
 
     bool readDeclarations(VrmlInput& input);
-    void removeName();
 
     InternedName name_;
     QvNode* nextInPool_ = nullptr;
 
 protected:
-    // Last, so that the first members of a derived class share their word.
+    // Last, so that the first members of a derived class share its word.
     bool isBuiltIn_ = true;
-    bool isFirstOfClass_ = false;
 };
 
-/// What every class of the catalogue derives from: its own FieldTable, built by the fields of the
-/// first node of the class.
+/// What every class of the catalogue derives from: one FieldTable for all nodes of the class, which
+/// names itself and its fields in kClassName and kFields.
 template <class Self, class Base = QvNode>
 class BuiltIn : public Base {
 public:
-    FieldTable& getFieldTable() override { return shared().table; }
-
-protected:
-    BuiltIn() {
-        this->isFirstOfClass_ = !shared().constructed;
-        shared().constructed = true;
-    }
-
-private:
-    struct Shared {
-        FieldTable table;
-        bool constructed = false;
-    };
-    static Shared& shared() {
-        static Shared& instance = *new Shared;
-        return instance;
+    const FieldTable& getFieldTable() const override {
+        static const FieldTable& table = *new FieldTable(Self::kClassName, Self::kFields);
+        return table;
     }
 };
 
@@ -107,8 +81,8 @@ public:
     NodePool& operator=(const NodePool&) = delete;
     ~NodePool();
 
-    /// Makes a node. Nodes lie behind one another in the order in which they are made, which is
-    /// that of the walk.
+    /// Makes a node. Nodes lie one after another in the order in which they are made, which is that
+    /// of the walk.
     template <class Node, class... Arguments>
     Node* make(Arguments&&... arguments) {
         void* const place = memory_.allocate(sizeof(Node), alignof(Node));

@@ -1,8 +1,9 @@
 #include "vrml/scene_reader.h"
 
-#include "vrml/group.h"
+#include "vrml/catalogue.h"
+#include "vrml/catalogue_names.h"
 #include "vrml/input.h"
-#include "vrml/registry.h"
+#include "vrml/scene.h"
 
 #include <string>
 
@@ -37,7 +38,7 @@ bool readReference(VrmlInput& input, QvNode*& node) {
         input.readError("Premature end of file after USE");
         return false;
     }
-    node = input.references()[InternedName(text)];
+    node = input.scene().references()[input.scene().intern(text)];
     if (node == nullptr) {
         input.readError("Unknown reference \"%s\"", text.c_str());
     }
@@ -49,7 +50,7 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
     bool ok = true;
     std::string text;
     const bool named = input.readString(text);
-    name = InternedName(text);
+    name = input.scene().intern(text);
     className = InternedName();
     if (!named || !input.readName(className)) {
         input.readError("Premature end of file after DEF");
@@ -69,7 +70,7 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
 /// Makes the node of a class. Outside the registry a class is known by the word "fields" at the
 /// start of its body, which is left to be read again. Reports a class that is not known.
 QvNode* createFromInput(VrmlInput& input, InternedName className) {
-    if (QvNode* const node = createNode(input.nodes(), className)) {
+    if (QvNode* const node = createNode(input.scene(), className)) {
         return node;
     }
     std::string word;
@@ -78,7 +79,7 @@ QvNode* createFromInput(VrmlInput& input, InternedName className) {
         return nullptr;
     }
     input.putBackWord(word);
-    return input.nodes().make<QvUnknownNode>(std::string(className.view()));
+    return input.scene().make<QvUnknownNode>(input.scene(), className);
 }
 
 enum class Opened {
@@ -90,9 +91,9 @@ enum class Opened {
 
 /// Reads a node up to the opening brace of its body, if it has one.
 [[gnu::noinline]] Opened openNode(VrmlInput& input, QvNode*& node) {
-    static const InternedName kNull("NULL");
-    static const InternedName kUse("USE");
-    static const InternedName kDef("DEF");
+    static const InternedName kNull = catalogueName("NULL");
+    static const InternedName kUse = catalogueName("USE");
+    static const InternedName kDef = catalogueName("DEF");
 
     node = nullptr;
     InternedName className;
@@ -121,8 +122,8 @@ enum class Opened {
         return Opened::kUnreadableBody;
     }
     if (!name.empty()) {
-        input.references()[name] = node;
-        node->setName(name);
+        input.scene().references()[name] = node;
+        input.scene().setName(*node, name, input.diagnostics());
     }
     return Opened::kBody;
 }
@@ -157,12 +158,18 @@ bool readNode(VrmlInput& input, QvNode*& node) {
     return true;
 }
 
-bool readScene(VrmlInput& input, QvNode*& root) {
+bool readScene(VrmlInput& input) {
+    QvNode*& root = input.scene().root;
     if (!readNode(input, root)) {
         root = nullptr;
         return false;
     }
     return root != nullptr || endsWithoutNode(input);
+}
+
+bool readScene(Scene& scene, ByteSource& source, Diagnostics& diagnostics) {
+    VrmlInput input(scene, source, diagnostics);
+    return readScene(input);
 }
 
 } // namespace meshcast

@@ -2,7 +2,10 @@
 
 namespace meshcast {
 
+class ByteSource;
+class Diagnostics;
 class QvNode;
+class Scene;
 class VrmlInput;
 
 /// Nodes may stand inside one another to this depth. It bounds the stack that reading, and walking
@@ -14,8 +17,9 @@ inline constexpr int kMaxNestingDepth = 10'000;
 /// ends the whole read.
 bool readNode(VrmlInput& input, QvNode*& node);
 
-/// Reads the one top-level node of a scene; what follows it is never looked at. Null without a
-/// failure when the scene holds no node.
-bool readScene(VrmlInput& input, QvNode*& root);
+/// Reads the one top-level node of a scene, which becomes its root; what follows it is never looked
+/// at. There is no root, without a failure, when the input holds no node.
+bool readScene(VrmlInput& input);
+bool readScene(Scene& scene, ByteSource& source, Diagnostics& diagnostics);
 
 } // namespace meshcast

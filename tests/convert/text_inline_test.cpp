@@ -1,4 +1,3 @@
-#include "convert/text_switch.h"
 #include "tests/support/conversion.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +26,6 @@ TEST(Inline, ABoxStandsInForTheScene) {
 }
 
 TEST(Text, IsSwitchedOff) {
-    ASSERT_EQ(textSwitch, 0);
     EXPECT_TRUE(convert("AsciiText { string \"hello\" }").bytes.empty());
 }
 
@@ -36,7 +34,8 @@ TEST(Text, BecomesALabelOnceSwitchedOn) {
         const char* nodes;
         std::uint32_t labelFlags;
     };
-    textSwitch = 1;
+    ConvertOptions options;
+    options.text = true;
     for (const Case& c :
          {Case{"AsciiText { string \"hello\" }", 0x4000 | 141},
           Case{"FontStyle { } AsciiText { string hello justification CENTER }", 0x1000 | 141},
@@ -45,7 +44,7 @@ TEST(Text, BecomesALabelOnceSwitchedOn) {
           Case{"FontStyle { family TYPEWRITER style (BOLD|ITALIC) } AsciiText { string hello "
                "justification RIGHT width 9 }",
                0x2000 | 130}}) {
-        const Conversion scene = convert(std::string("Group { ") + c.nodes + " }");
+        const Conversion scene = convert(std::string("Group { ") + c.nodes + " }", options);
         ASSERT_EQ(scene.objects.size(), 1U);
         const geom_stream::Label& label = scene.objects[0].label();
         EXPECT_EQ(label.label_flags, c.labelFlags) << c.nodes;
@@ -56,7 +55,6 @@ TEST(Text, BecomesALabelOnceSwitchedOn) {
         EXPECT_EQ(scene.objects[0].flags, 0U);
         EXPECT_FALSE(scene.objects[0].has_extent);
     }
-    textSwitch = 0;
 }
 
 } // namespace

@@ -1,8 +1,7 @@
-#include "convert/texture.h"
+#include "convert/converter.h"
 #include "convert/texture_coordinates.h"
-#include "convert/texture_switch.h"
 #include "tests/support/conversion.h"
-#include "traverse/state.h"
+#include "tests/support/walk.h"
 
 #include <gtest/gtest.h>
 
@@ -24,27 +23,19 @@ using geom_stream::Vec3;
 class Textures : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(textureSwitch, 0);
-        textureSwitch = 1;
         std::string path = testing::TempDir() + "meshcast-texture-XXXXXX";
         ASSERT_NE(mkdtemp(path.data()), nullptr);
         folder_ = path;
-        setenv("RGBTMP", path.c_str(), 1);
-        for (const char* const name : {"rgb2kra", "gif2kra", "jpg2kra", "other"}) {
-            const std::string program = path + "/" + name;
-            std::ofstream(program)
-                << "#!/bin/sh\nprintf '%s|' " << name << " \"$@\" >>" << path << "/calls\n";
-            std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        options_.textures = true;
+        options_.images.folder = path;
+        for (std::string& converter : options_.images.converters) {
+            converter = path + "/" + (converter.empty() ? "other" : converter);
+            std::ofstream(converter)
+                << "#!/bin/sh\nprintf '%s|' \"${0##*/}\" \"$@\" >>" << path << "/calls\n";
+            std::filesystem::permissions(converter, std::filesystem::perms::owner_all);
         }
-        setenv("PATH", (path + ":" + std::getenv("PATH")).c_str(), 1);
     }
-    void TearDown() override {
-        textureSwitch = 0;
-        for (const char* const variable : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
-            unsetenv(variable);
-        }
-        std::filesystem::remove_all(folder_);
-    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
 
     std::string file(const std::string& name) const {
         std::ifstream stream(folder_ + "/" + name, std::ios::binary);
@@ -53,27 +44,29 @@ protected:
     /// What the converters were called with for a scene.
     std::string calls(const std::string& filename) {
         std::filesystem::remove(folder_ + "/calls");
-        convert("Texture2 { filename \"" + filename + "\" }");
+        convert("Texture2 { filename \"" + filename + "\" }", options_);
         return file("calls");
     }
+    /// The texture coordinates of a face set over these points, with these nodes before it.
+    std::vector<Vec2> faceUvs(const std::string& points, const std::string& nodes = "",
+                              const std::string& fields = "coordIndex [ 0, 1, 2 ]") const;
 
     std::string folder_;
+    ConvertOptions options_;
 };
 
 const std::string kTexture = "Texture2 { filename a.rgb } ";
 
 TEST(TextureNames, EndingsTellTypes) {
-    setenv("RGBTMP", "T", 1);
-    EXPECT_EQ(convertedName("a.rgb"), "T/a.x");
-    EXPECT_EQ(convertedName("d/a.sgi"), "T/d/a.x");
-    EXPECT_EQ(convertedName("/d/a.gif"), "T/a.x");
-    EXPECT_EQ(convertedName("http://h/d/a.jpg"), "T/a.x");
-    EXPECT_EQ(convertedName("a.jpeg"), "T/a.jx");
-    EXPECT_EQ(convertedName("a.GIF"), "T/a.GIF.x");
-    EXPECT_EQ(convertedName("/d.rgb/a"), "T/a.x");
-    EXPECT_EQ(convertedName("a."), "T/a..x");
-    unsetenv("RGBTMP");
-    EXPECT_EQ(convertedName("MESHCAST"), "/tmp/MESHCAST.x");
+    EXPECT_EQ(convertedName("T", "a.rgb"), "T/a.x");
+    EXPECT_EQ(convertedName("T", "d/a.sgi"), "T/d/a.x");
+    EXPECT_EQ(convertedName("T", "/d/a.gif"), "T/a.x");
+    EXPECT_EQ(convertedName("T", "http://h/d/a.jpg"), "T/a.x");
+    EXPECT_EQ(convertedName("T", "a.jpeg"), "T/a.jx");
+    EXPECT_EQ(convertedName("T", "a.GIF"), "T/a.GIF.x");
+    EXPECT_EQ(convertedName("T", "/d.rgb/a"), "T/a.x");
+    EXPECT_EQ(convertedName("T", "a."), "T/a..x");
+    EXPECT_EQ(convertedName("/tmp", "MESHCAST"), "/tmp/MESHCAST.x");
     EXPECT_EQ(shellWord("./a-b_c/d+e:f@g%h,i=9"), "./a-b_c/d+e:f@g%h,i=9");
     EXPECT_EQ(shellWord("a b"), "'a b'");
     EXPECT_EQ(shellWord("it's;$x\n"), "'it'\\''s;$x\n'");
@@ -85,18 +78,17 @@ TEST_F(Textures, ConvertersRunOnImageFiles) {
     EXPECT_EQ(calls("http://h/p.jpeg"), "jpg2kra|./p.jpeg|" + folder_ + "/p.jx|");
     EXPECT_EQ(calls("x'; touch $(id) `id` & .gif"),
               "gif2kra|./x'; touch $(id) `id` & .gif|" + folder_ + "/x'; touch $(id) `id` & .x|");
-    for (const char* const variable : {"RGBCONV", "GIFCONV", "JPGCONV"}) {
-        setenv(variable, "other -o", 1);
-    }
+    options_.images.converters.fill(folder_ + "/other -o");
     EXPECT_EQ(calls("p.sgi"), "other|-o|./p.sgi|" + folder_ + "/p.x|");
     EXPECT_EQ(calls("p.gif"), "other|-o|./p.gif|" + folder_ + "/p.x|");
     EXPECT_EQ(calls("p.jpg"), "other|-o|./p.jpg|" + folder_ + "/p.x|");
 }
 
 TEST_F(Textures, UnknownTypesSwitchTexturesOff) {
-    EXPECT_EQ(convertRaw("#VRML V1.0 ascii\nTexture2 { filename a.png }").bytes,
-              "Unknown Image type:\na.png");
-    EXPECT_EQ(textureSwitch, 0);
+    const Conversion scene = convert(
+        "Group { " + kTexture + "Texture2 { filename a.png } " + kTexture + "Cube { } }", options_);
+    EXPECT_EQ(scene.printed, "Unknown Image type:\na.png");
+    EXPECT_TRUE(scene.objects.at(0).polyhedron().uvs.empty());
 }
 
 TEST_F(Textures, InlineImagesBecomeRawFiles) {
@@ -120,29 +112,33 @@ TEST_F(Textures, InlineImagesBecomeRawFiles) {
                   "\0\0\0\x01\0\0\0\x02"s + "\xff\0\0\0"s + "\xdf\x10\x10\x10"s},
              Case{"0 0 0", "\0\0\0\0\0\0\0\0"s},
          }) {
-        convert("Texture2 { image " + std::string(c.image) + " }");
+        convert("Texture2 { image " + std::string(c.image) + " }", options_);
         EXPECT_EQ(file("MESHCAST.x"), c.pixels) << c.image;
     }
-    // The node bears the file's name from then on, unless the file could not be opened.
-    const auto checked = [](const char* filename) {
-        const ReadScene scene("Texture2 { filename \"" + std::string(filename) +
-                              "\" image 1 1 1 0 wrapT CLAMP }");
-        QvState state;
-        scene.root->traverse(state);
-        return checkTexture(state);
+    // The texture is named by the file from then on, unless that could not be opened.
+    const auto use = [this] {
+        const ReadScene scene("Texture2 { filename \"x\" image 1 1 1 0 wrapT CLAMP }");
+        MemorySink sink;
+        MessageText messages;
+        Converter converter(sink, messages, options_);
+        QvState state(converter, messages);
+        scene.scene.root->traverse(state);
+        return converter.textureInForce(state);
     };
-    const std::optional<TextureUse> use = checked("x");
-    ASSERT_TRUE(use.has_value());
-    EXPECT_EQ(use->name, folder_ + "/MESHCAST.x");
-    EXPECT_TRUE(!use->clampS && use->clampT);
-    setenv("RGBTMP", "/nowhere/at/all", 1);
-    EXPECT_FALSE(checked("x").has_value());
+    const std::optional<TextureUse> written = use();
+    ASSERT_TRUE(written.has_value());
+    EXPECT_EQ(written->name, folder_ + "/MESHCAST.x");
+    EXPECT_TRUE(!written->clampS && written->clampT);
+    options_.images.folder = "/nowhere/at/all";
+    EXPECT_FALSE(use().has_value());
 }
 
 TEST_F(Textures, CubesAndConesAndCylinders) {
     const Conversion scene =
-        convert("Group { " + kTexture + "Cube { width 4 } Cylinder { radius 2 height 6 } }");
-    ASSERT_EQ(scene.objects.size(), 2U);
+        convert("Group { " + kTexture + "Cube { width 4 } Cylinder { radius 2 height 6 } " +
+                    "Cone { height 4 } }",
+                options_);
+    ASSERT_EQ(scene.objects.size(), 3U);
     const geom_stream::Polyhedron& cube = scene.objects[0].polyhedron();
     EXPECT_EQ(scene.objects[0].flags, 0x5U);
     ASSERT_EQ(cube.vertices.size(), 24U);
@@ -166,14 +162,8 @@ TEST_F(Textures, CubesAndConesAndCylinders) {
     EXPECT_EQ(cylinder.uvs[30], (Vec2{0.25F, 0}));
     EXPECT_EQ(cylinder.uvs[40], (Vec2{0.5F, 0}));
 
-    const std::string text = " sin = 0.841471\n"; // Lands in the stream, behind the object.
-    const std::string bytes =
-        convertRaw("#VRML V1.0 ascii\nGroup { " + kTexture + "Cone { height 4 } }").bytes;
-    ASSERT_TRUE(bytes.ends_with(text));
-    const geom_stream::DecodeResult decoded =
-        geom_stream::decode(std::as_bytes(std::span(bytes).first(bytes.size() - text.size())));
-    ASSERT_EQ(decoded.objects.size(), 1U);
-    const geom_stream::Polyhedron& cone = decoded.objects[0].polyhedron();
+    EXPECT_EQ(scene.printed, " sin = 0.841471\n");
+    const geom_stream::Polyhedron& cone = scene.objects[2].polyhedron();
     ASSERT_EQ(cone.vertices.size(), 28U);
     EXPECT_EQ(cone.vertices[14], cone.vertices[1]);
     EXPECT_EQ(cone.vertices[27], (Vec3{0, 2, 0}));
@@ -183,9 +173,8 @@ TEST_F(Textures, CubesAndConesAndCylinders) {
 }
 
 TEST_F(Textures, SpheresArePrintedMeshes) {
-    const std::string bytes =
-        convertRaw("#VRML V1.0 ascii\nGroup { " + kTexture + "Sphere { radius 3 } Sphere { } }")
-            .bytes;
+    const Conversion scene =
+        convert("Group { " + kTexture + "Sphere { radius 3 } Sphere { } }", options_);
     std::string lines;
     for (int i = 0; i < 21; ++i) {
         char line[32];
@@ -193,25 +182,23 @@ TEST_F(Textures, SpheresArePrintedMeshes) {
                       static_cast<double>(std::sin(static_cast<float>(i * 0.3141592652589793))));
         lines += line;
     }
-    ASSERT_TRUE(bytes.ends_with(lines)); // Once, for the first sphere.
-    const geom_stream::DecodeResult decoded =
-        geom_stream::decode(std::as_bytes(std::span(bytes).first(bytes.size() - lines.size())));
-    ASSERT_EQ(decoded.objects.size(), 2U);
-    const geom_stream::Mesh& mesh = decoded.objects[0].mesh();
+    EXPECT_EQ(scene.printed, lines); // Once, for the first sphere.
+    ASSERT_EQ(scene.objects.size(), 2U);
+    const geom_stream::Mesh& mesh = scene.objects[0].mesh();
     EXPECT_EQ(mesh.u, 21);
     EXPECT_EQ(mesh.v, 11);
     EXPECT_EQ(mesh.vertices[0], (Vec3{-0.0F, 3, -0.0F}));
     EXPECT_NEAR(mesh.vertices[5 * 21 + 5][0], -3, 1e-6);
     EXPECT_EQ(mesh.uvs[5 * 21 + 5], (Vec2{0.25F, 0.5F}));
-    EXPECT_EQ(decoded.objects[0].flags, 0x4U);
-    EXPECT_TRUE(decoded.objects[0].has_extent);
+    EXPECT_EQ(scene.objects[0].flags, 0x4U);
+    EXPECT_TRUE(scene.objects[0].has_extent);
 }
 
-/// The texture coordinates of a face set over these points, with these nodes before it.
-std::vector<Vec2> faceUvs(const std::string& points, const std::string& nodes = "",
-                          const std::string& fields = "coordIndex [ 0, 1, 2 ]") {
+std::vector<Vec2> Textures::faceUvs(const std::string& points, const std::string& nodes,
+                                    const std::string& fields) const {
     const Conversion scene = convert("Group { " + kTexture + nodes + "Coordinate3 { point [ " +
-                                     points + " ] } IndexedFaceSet { " + fields + " } }");
+                                         points + " ] } IndexedFaceSet { " + fields + " } }",
+                                     options_);
     return scene.objects.at(0).polyhedron().uvs;
 }
 
@@ -230,16 +217,15 @@ TEST_F(Textures, FaceSetsProjectTheirPoints) {
     EXPECT_EQ(faceUvs("0 0 0, 1 0 0, 1 1 0", given,
                       "coordIndex [ 0, 1, 2, -1, 0 ] textureCoordIndex [ 1, 0, 9, -1, -1, 0 ]"),
               (Uvs{{1, 0}, {0.25F, 0.5F}, {0, 0}}));
-    textureSwitch = 0;
+    options_.textures = false;
     EXPECT_TRUE(faceUvs("0 0 0, 1 0 0, 1 1 0").empty());
 }
 
-TEST_F(Textures, CoordinatesPassThroughTransformsAndWraps) {
+TEST(TextureTransforms, CoordinatesPassThroughTransformsAndWraps) {
     const auto through = [](const std::string& nodes, Vec2 uv, bool clamp) {
         const ReadScene scene("Group { " + nodes + " }");
-        QvState state;
-        scene.root->traverse(state);
-        transformTextureCoordinates(state, {"", clamp, clamp}, uv);
+        const Walk walk(scene);
+        transformTextureCoordinates(walk.state, {"", clamp, clamp}, uv);
         return uv;
     };
     EXPECT_EQ(through("", {0.25F, 1}, false), (Vec2{0.25F, 1}));

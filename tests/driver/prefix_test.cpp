@@ -28,12 +28,12 @@ TEST_P(Prefixes, EndWithADocumentedMessageOrNone) {
         "Expected '[{}]'; got EOF|Bad field specifications for node"
         ")\n\tOccurred at line +\\d+\n)|(Error: .*\n)|(VRML error in .*\n))*");
     const std::string scene = contents(GetParam());
-    const Conversion whole = convertRaw(scene);
+    const Conversion whole = convertWhole(scene);
     if (scene.size() > std::size_t(64) * 1024) {
         return; // Too long to be cut everywhere.
     }
     for (std::size_t length = 0; length < scene.size(); ++length) {
-        const Conversion cut = convertRaw(scene.substr(0, length));
+        const Conversion cut = convertWhole(scene.substr(0, length));
         if (cut.messages != whole.messages) {
             ASSERT_TRUE(std::regex_match(cut.messages, documented))
                 << "cut at " << length << ": " << cut.messages;

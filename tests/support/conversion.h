@@ -1,10 +1,12 @@
 #pragma once
 
+#include "convert/convert.h"
+#include "tests/support/memory_sink.h"
 #include "tools/geomtool/decoder.h"
 #include "vrml/byte_source.h"
 #include "vrml/input.h"
-#include "vrml/node.h"
-#include "vrml/scene_reader.h"
+#include "vrml/nodes.h"
+#include "vrml/scene.h"
 
 #include <string>
 #include <string_view>
@@ -12,36 +14,40 @@
 
 namespace meshcast {
 
-/// A scene read from a text, with its nodes. The header line is put in front of the text.
+/// A scene read from a text, in pieces of a size. The header line is put in front of the text.
 class ReadScene {
 public:
     explicit ReadScene(std::string_view body, std::size_t pieceSize = std::size_t(-1));
 
-    QvNode* root = nullptr;
+    /// The root as a node of a class, which it must be.
+    template <class Node>
+    Node& root() {
+        return dynamic_cast<Node&>(*scene.root);
+    }
+    /// A child of the root, which must be a group, as a node of a class.
+    template <class Node>
+    const Node& child(std::int32_t index) {
+        return dynamic_cast<const Node&>(*root<QvGroup>().getChild(index));
+    }
+
+    Scene scene;
     bool ok = false;
     std::string messages;
-
-private:
-    std::string text_;
-    MemorySource source_;
-    NodePool nodes_;
-
-public:
-    VrmlInput input;
 };
 
 /// What a scene becomes.
 struct Conversion {
     std::vector<geom_stream::Object> objects;
-    std::string bytes;    ///< All of standard output.
-    std::string messages; ///< All of standard error.
+    std::string bytes;
+    std::string printed; ///< The text among the records.
+    std::string messages;
 };
 
-/// Converts a scene text, to which the header line is added. The stream must decode.
-Conversion convert(std::string_view body);
+/// Converts a scene text, to which the header line is added.
+Conversion convert(std::string_view body, const ConvertOptions& options = {});
 
-/// The same for a text that brings its own header, and whatever comes out.
-Conversion convertRaw(std::string_view text);
+/// The same for a text that brings its own header.
+Conversion convertWhole(std::string_view text, const ConvertOptions& options = {});
 
 /// The text of nodes that use a leaf 2 to the power of `levels` times, each level the one below it
 /// twice.

@@ -1,7 +1,6 @@
 #include "tests/support/conversion.h"
-#include "traverse/groups.h"
+#include "tests/support/walk.h"
 #include "traverse/state.h"
-#include "vrml/nodes.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +15,6 @@ std::vector<float> radii(const std::string& scene) {
     for (const geom_stream::Object& object : convert(scene).objects) {
         found.push_back(object.sphere().radii.at(0));
     }
-    EXPECT_EQ(traversalNestingLevel, 0);
     return found;
 }
 
@@ -52,16 +50,17 @@ TEST(Groups, ScopeWhatTheirChildrenAdd) {
         std::string text = std::string("Group { Scale { } ") + c.open;
         text += " Translation { } Material { } ";
         text += std::string_view(c.open).ends_with("Group {") ? "} } }" : "} }";
-        const ReadScene scene(text);
+        ReadScene scene(text);
         ASSERT_TRUE(scene.ok) << scene.messages;
-        QvState state;
-        scene.root->traverse(state);
+        const Walk walk(scene);
+        const QvState& state = walk.state;
         EXPECT_EQ(state.getTopElement(QvElementKind::Material) == nullptr, c.restoresOthers)
             << c.open;
         // A TransformSeparator leaves its marker.
         const QvElement* top = state.getTopElement(QvElementKind::Transformation);
         EXPECT_NE(top->type == QvElementType::Translation, c.restoresTransforms) << c.open;
         EXPECT_EQ(state.depth, 0);
+        EXPECT_EQ(state.traversalNestingLevel, 0);
     }
 }
 
@@ -110,9 +109,9 @@ TEST(Groups, DepthMadeByUseIsBounded) {
 TEST(Groups, ElementsAddedByUseAreBounded) {
     const std::string leaves = "Group { Material { } TransformSeparator { "
                                "Scale { } } }";
-    const ReadScene scene(doubled(leaves, 17)); // 131,072 times.
-    QvState state;
-    scene.root->traverse(state);
+    ReadScene scene(doubled(leaves, 17)); // 131,072 times.
+    Walk walk(scene);
+    QvState& state = walk.state;
     for (const auto kind : {QvElementKind::Material, QvElementKind::Transformation}) {
         EXPECT_EQ(state.count(kind), QvState::kMaxElements);
     }

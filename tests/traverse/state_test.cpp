@@ -1,12 +1,9 @@
 #include "tests/support/capture.h"
 #include "tests/support/conversion.h"
-#include "traverse/state.h"
-#include "vrml/group.h"
-#include "vrml/registry.h"
+#include "tests/support/walk.h"
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 
 namespace meshcast {
@@ -20,7 +17,8 @@ QvElement* add(QvState& state, QvElementKind kind) {
 }
 
 TEST(State, PopDropsWhatItsLevelAdded) {
-    QvState state;
+    Walk walk;
+    QvState& state = walk.state;
     const QvElement* const light = add(state, QvElementKind::Light);
     state.push();
     const QvElement* const outer = add(state, QvElementKind::Transformation);
@@ -38,49 +36,22 @@ TEST(State, PopDropsWhatItsLevelAdded) {
     EXPECT_EQ(state.depth, 0);
 }
 
-TEST(State, EveryPropertyAddsAnElementOfItsKindAndType) {
-    struct Pushed {
-        int kind;
-        int type;
-    };
-    const std::map<std::string_view, Pushed> expected = {{"OrthographicCamera", {0, 1}},
-                                                         {"PerspectiveCamera", {0, 2}},
-                                                         {"Coordinate3", {1, 0}},
-                                                         {"DirectionalLight", {2, 3}},
-                                                         {"PointLight", {2, 4}},
-                                                         {"SpotLight", {2, 5}},
-                                                         {"MaterialBinding", {3, 0}},
-                                                         {"Material", {4, 0}},
-                                                         {"NormalBinding", {5, 0}},
-                                                         {"Normal", {6, 0}},
-                                                         {"ShapeHints", {7, 0}},
-                                                         {"Texture2", {8, 0}},
-                                                         {"Texture2Transform", {9, 0}},
-                                                         {"TextureCoordinate2", {10, 0}},
-                                                         {"MatrixTransform", {11, 7}},
-                                                         {"Rotation", {11, 8}},
-                                                         {"Scale", {11, 9}},
-                                                         {"Transform", {11, 10}},
-                                                         {"Translation", {11, 11}},
-                                                         {"TransformSeparator", {11, 6}},
-                                                         {"FontStyle", {12, 0}}};
-    for (const NodeClass& nodeClass : nodeClasses()) {
-        NodePool nodes;
-        QvNode* const node = nodeClass.create(nodes);
-        QvState state;
-        capture([&] { node->traverse(state); }); // Shapes write what they are.
-        const auto pushed = expected.find(nodeClass.name);
-        for (std::size_t kind = 0; kind < kElementKinds; ++kind) {
-            const QvElement* const top = state.stacks[kind];
-            const bool isExpected =
-                pushed != expected.end() && kind == static_cast<std::size_t>(pushed->second.kind);
-            ASSERT_EQ(top != nullptr, isExpected) << nodeClass.name;
-            if (isExpected) {
-                EXPECT_EQ(top->data, node);
-                EXPECT_EQ(static_cast<int>(top->type), pushed->second.type) << nodeClass.name;
-            }
-        }
+TEST(State, WalksGoThroughASceneAtOnce) {
+    ReadScene scene("DEF a Group { Material { } Separator { Scale { } } USE a }");
+    Walk one;
+    Walk other;
+    for (Walk* const walk : {&one, &other}) {
+        // One group is open in either walk, and each tells of the circle.
+        ASSERT_TRUE(walk->state.enter(scene.root<QvGroup>()));
     }
+    one.state.leave(scene.root<QvGroup>());
+    scene.scene.root->traverse(one.state);
+    scene.scene.root->traverse(other.state);
+    const std::string circle = "VRML error in QvGroup::traverse(): Node \"a\" contains itself\n";
+    EXPECT_EQ(one.messages.text, circle);
+    EXPECT_EQ(other.messages.text, circle);
+    EXPECT_EQ(one.state.material(), &scene.child<QvMaterial>(0));
+    EXPECT_EQ(other.state.material(), nullptr);
 }
 
 TEST(State, ElementsPrintTheirType) {

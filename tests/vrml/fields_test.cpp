@@ -25,10 +25,9 @@ TEST_P(Fields, ListsHoldWhatIsReadAndNothingInReserve) {
           // The second reading of a field counts.
           Case{"[1,2,3] coordIndex [4]", {4}}, Case{"[1] coordIndex [2,3,4]", {2, 3, 4}},
           Case{"[1,2] coordIndex 9", {9}}, Case{"[1,2] coordIndex [ ]", {}}}) {
-        const ReadScene scene("IndexedFaceSet { coordIndex " + std::string(c.list) + " }",
-                              GetParam());
+        ReadScene scene("IndexedFaceSet { coordIndex " + std::string(c.list) + " }", GetParam());
         ASSERT_TRUE(scene.ok) << c.list << scene.messages;
-        const QvMFLong& field = dynamic_cast<QvIndexedFaceSet&>(*scene.root).coordIndex;
+        const QvMFLong& field = scene.root<QvIndexedFaceSet>().coordIndex;
         EXPECT_EQ(std::vector<std::int32_t>(field.values, field.values + field.num), c.values)
             << c.list;
         EXPECT_EQ(field.maxNum, field.num) << c.list;
@@ -36,7 +35,7 @@ TEST_P(Fields, ListsHoldWhatIsReadAndNothingInReserve) {
 }
 
 TEST_P(Fields, EveryTypeKeepsItsValue) {
-    const ReadScene scene(
+    ReadScene scene(
         "Group { Transform { translation 1 -2 .5 rotation 0 1 0 3.14 scaleFactor 1e2 2 3 }"
         "MatrixTransform { matrix 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 }"
         "PointLight { on FALSE intensity .25 color 1 .5 0 }"
@@ -46,11 +45,7 @@ TEST_P(Fields, EveryTypeKeepsItsValue) {
         "Cylinder { parts (TOP) } FontStyle { style ( ) } Switch { whichChild -3 } }",
         GetParam());
     ASSERT_TRUE(scene.ok) << scene.messages;
-    const auto& group = dynamic_cast<QvGroup&>(*scene.root);
-    const auto child = [&group]<class Node>(int index, Node*) -> const Node& {
-        return dynamic_cast<const Node&>(*group.getChild(index));
-    };
-    const auto& transform = child(0, static_cast<QvTransform*>(nullptr));
+    const auto& transform = scene.child<QvTransform>(0);
     EXPECT_EQ(transform.translation.value, (std::array<float, 3>{1, -2, 0.5F}));
     EXPECT_EQ(transform.rotation.value, (std::array<float, 4>{0, 1, 0, 3.14F}));
     EXPECT_EQ(transform.scaleFactor.value[0], 100);
@@ -58,31 +53,31 @@ TEST_P(Fields, EveryTypeKeepsItsValue) {
     EXPECT_TRUE(transform.center.isDefault());
     std::array<float, 16> counted{};
     std::iota(counted.begin(), counted.end(), 1.0F);
-    EXPECT_EQ(child(1, static_cast<QvMatrixTransform*>(nullptr)).matrix.value, counted);
-    const auto& light = child(2, static_cast<QvPointLight*>(nullptr));
+    EXPECT_EQ(scene.child<QvMatrixTransform>(1).matrix.value, counted);
+    const auto& light = scene.child<QvPointLight>(2);
     EXPECT_EQ(light.on.value, 0);
     EXPECT_EQ(light.color.value, (std::array<float, 3>{1, 0.5F, 0}));
-    const auto& texture = child(3, static_cast<QvTexture2*>(nullptr));
+    const auto& texture = scene.child<QvTexture2>(3);
     EXPECT_EQ(texture.filename.value, "a b");
     EXPECT_EQ(texture.wrapS.value, QvTexture2::CLAMP);
     const auto bytes = texture.image.bytes();
     EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.end()),
               (std::vector<std::uint8_t>{0xFF, 0, 0, 0, 0xFF, 1}));
-    EXPECT_EQ(child(4, static_cast<QvTexture2Transform*>(nullptr)).translation.value[1], 4);
-    const auto& coordinates = child(5, static_cast<QvTextureCoordinate2*>(nullptr)).point;
+    EXPECT_EQ(scene.child<QvTexture2Transform>(4).translation.value[1], 4);
+    const auto& coordinates = scene.child<QvTextureCoordinate2>(5).point;
     EXPECT_EQ(coordinates.num, 2);
     EXPECT_EQ(coordinates.at(1)[1], 4);
-    EXPECT_EQ(child(6, static_cast<QvLevelOfDetail*>(nullptr)).range.at(1)[0], 2.5F);
-    EXPECT_EQ(child(7, static_cast<QvCone*>(nullptr)).parts.value, QvCone::ALL);
-    EXPECT_EQ(child(8, static_cast<QvCylinder*>(nullptr)).parts.value, QvCylinder::TOP);
-    EXPECT_EQ(child(9, static_cast<QvFontStyle*>(nullptr)).style.value, 0);
-    EXPECT_EQ(child(10, static_cast<QvSwitch*>(nullptr)).whichChild.value, -3);
+    EXPECT_EQ(scene.child<QvLevelOfDetail>(6).range.at(1)[0], 2.5F);
+    EXPECT_EQ(scene.child<QvCone>(7).parts.value, QvCone::ALL);
+    EXPECT_EQ(scene.child<QvCylinder>(8).parts.value, QvCylinder::TOP);
+    EXPECT_EQ(scene.child<QvFontStyle>(9).style.value, 0);
+    EXPECT_EQ(scene.child<QvSwitch>(10).whichChild.value, -3);
 }
 
 TEST(FieldMarks, TildeMarksAFieldAsIgnored) {
-    const ReadScene scene("Cube { width ~ height 3 ~ depth 4 }");
+    ReadScene scene("Cube { width ~ height 3 ~ depth 4 }");
     ASSERT_TRUE(scene.ok);
-    const auto& cube = dynamic_cast<QvCube&>(*scene.root);
+    const auto& cube = scene.root<QvCube>();
     EXPECT_TRUE(cube.width.isDefault() && cube.width.ignored() && cube.width.value == 2);
     EXPECT_TRUE(!cube.height.isDefault() && cube.height.ignored() && cube.height.value == 3);
     EXPECT_TRUE(!cube.depth.isDefault() && !cube.depth.ignored() && cube.depth.value == 4);

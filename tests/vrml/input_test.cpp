@@ -1,6 +1,5 @@
-#include "tests/support/capture.h"
 #include "tests/support/conversion.h"
-#include "vrml/input.h"
+#include "vrml/scene_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +14,7 @@ class Tokens {
 public:
     Tokens(std::string_view body, std::size_t pieceSize)
         : text_(std::string("#VRML V1.0 ascii\n").append(body)), source_(text_, pieceSize),
-          input(nodes_, source_) {
+          input(scene_, source_, messages_) {
         input.skipWhiteSpace();
     }
 
@@ -30,13 +29,14 @@ public:
 private:
     std::string text_;
     MemorySource source_;
-    NodePool nodes_;
+    Scene scene_;
+    MessageText messages_;
 
 public:
     VrmlInput input;
 };
 
-/// A number's text, whether it can be read, its value, and what is left behind it.
+/// A number's text, whether it can be read, its value, and what is left after it.
 struct NumberCase {
     const char* text;
     bool ok;
@@ -113,7 +113,7 @@ TEST_P(Pieces, NamesAndPutBackWords) {
     ASSERT_TRUE(tokens.input.readName(name));
     EXPECT_EQ(name.view(), longName.substr(0, 255)); // Cut, not split.
     ASSERT_TRUE(tokens.input.readName(name));
-    EXPECT_EQ(name.view(), "q"); // The byte 255 behind it vanishes.
+    EXPECT_EQ(name.view(), "q"); // The byte 255 after it vanishes.
     EXPECT_EQ(tokens.rest(), "r");
     EXPECT_FALSE(tokens.input.readName(name));
 }
@@ -161,7 +161,7 @@ TEST(Input, HeaderLineMustMatchInFull) {
           Case{"#VRML V1.0 ascii \n", 2}, Case{"#VRML V1.0 asci", 1}, Case{"#VRML V2.0 utf8\n", 2},
           Case{"#" + std::string(1'000'000, 'x') + "\n", 2},
           Case{std::string("#VRML V1.0 ascii\0\n", 18), 2}}) {
-        EXPECT_EQ(convertRaw(c.text).messages,
+        EXPECT_EQ(convertWhole(c.text).messages,
                   c.line == 0 ? "" : message + "  " + std::to_string(c.line) + "\n")
             << c.text.substr(0, 40);
     }
@@ -172,7 +172,7 @@ TEST(Input, ReadsNoFurtherThanTheRootNeeds) {
     class Impatient final : public ByteSource {
     public:
         std::size_t read(char* buffer, std::size_t capacity) override {
-            EXPECT_FALSE(text_.empty()) << "asked for input behind the root's brace";
+            EXPECT_FALSE(text_.empty()) << "asked for input after the root's brace";
             const std::size_t count = text_.copy(buffer, std::min<std::size_t>(capacity, 5));
             text_.remove_prefix(count);
             return count;
@@ -181,11 +181,10 @@ TEST(Input, ReadsNoFurtherThanTheRootNeeds) {
     private:
         std::string_view text_ = "#VRML V1.0 ascii\nSeparator { Cube { } }";
     } source;
-    NodePool nodes;
-    VrmlInput input(nodes, source);
-    QvNode* root = nullptr;
-    EXPECT_TRUE(readScene(input, root));
-    EXPECT_NE(root, nullptr);
+    Scene scene;
+    MessageText messages;
+    EXPECT_TRUE(readScene(scene, source, messages));
+    EXPECT_NE(scene.root, nullptr);
 }
 
 } // namespace

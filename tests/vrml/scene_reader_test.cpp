@@ -1,6 +1,4 @@
-#include "tests/support/capture.h"
 #include "tests/support/conversion.h"
-#include "vrml/nodes.h"
 #include "vrml/scene_reader.h"
 
 #include <gtest/gtest.h>
@@ -12,9 +10,9 @@ namespace meshcast {
 namespace {
 
 TEST(SceneReader, UseSharesTheLatestDefinition) {
-    const ReadScene scene("Group { DEF 1x Cube { } USE 1x DEF 1x Sphere { } USE \"1x\" }");
+    ReadScene scene("Group { DEF 1x Cube { } USE 1x DEF 1x Sphere { } USE \"1x\" }");
     ASSERT_TRUE(scene.ok) << scene.messages;
-    const ChildList& children = dynamic_cast<QvGroup&>(*scene.root).getChildList();
+    const ChildList& children = scene.root<QvGroup>().getChildList();
     ASSERT_EQ(children.size(), 4U);
     EXPECT_EQ(children[0], children[1]);
     EXPECT_EQ(children[2], children[3]);
@@ -24,21 +22,20 @@ TEST(SceneReader, UseSharesTheLatestDefinition) {
 }
 
 TEST(SceneReader, UnknownNodesReadTheFieldsThatTheyDeclare) {
-    const ReadScene scene("Group { A { fields [ SFFloat x, MFLong y, ] y [ 1, 2 ] x 0.5 Cube { }"
-                          " B { fields <SFString s] s in } Cone { } } C { fields [ ] } }");
+    ReadScene scene("Group { A { fields [ SFFloat x, MFLong y, ] y [ 1, 2 ] x 0.5 Cube { }"
+                    " B { fields <SFString s] s in } Cone { } } C { fields [ ] } }");
     ASSERT_TRUE(scene.ok) << scene.messages;
-    auto* const node =
-        dynamic_cast<QvUnknownNode*>(dynamic_cast<QvGroup&>(*scene.root).getChild(0));
-    ASSERT_NE(node, nullptr);
-    EXPECT_EQ(node->className(), "A");
-    EXPECT_FALSE(node->isBuiltIn());
-    EXPECT_EQ(node->getNumChildren(), 3);
+    const auto& node = scene.child<QvUnknownNode>(0);
+    EXPECT_EQ(node.className().view(), "A");
+    EXPECT_FALSE(node.isBuiltIn());
+    EXPECT_EQ(node.getNumChildren(), 3);
+    EXPECT_EQ(node.declaredFields().fields().size(), 2U);
     // The class reports the table of its newest node, which declared none.
-    EXPECT_TRUE(node->getFieldTable().fields().empty());
+    EXPECT_TRUE(node.getFieldTable().fields().empty());
 }
 
 TEST(SceneReader, EveryFieldTypeCanBeDeclared) {
-    const ReadScene scene(
+    ReadScene scene(
         "A { fields [ SFBitMask a, SFBool b, SFColor c, SFEnum d, SFFloat e, SFImage f, SFLong g,"
         " SFMatrix h, SFRotation i, SFString j, SFVec2f k, SFVec3f l, MFColor m, MFFloat n,"
         " MFLong o, MFVec2f p, MFVec3f q ]"
@@ -74,14 +71,13 @@ TEST(SceneReader, DepthIsBounded) {
               readErrorText("Nesting deeper than 10000 levels", 2));
 }
 
-TEST(SceneReader, NodesGoWithTheirPool) {
+TEST(SceneReader, NodesGoWithTheirScene) {
     // The leak checker of the sanitizer build watches this.
     for (int i = 0; i < 100; ++i) {
-        const ReadScene scene("Group { DEF a A { fields [ SFString s ] s \"a long enough text\" } "
-                              "DEF b Material { diffuseColor [ 1 1 1, 0 0 0 ] } Cube { bad } }");
+        ReadScene scene("Group { DEF a A { fields [ SFString s ] s \"a long enough text\" } "
+                        "DEF b Material { diffuseColor [ 1 1 1, 0 0 0 ] } Cube { bad } }");
         EXPECT_FALSE(scene.ok);
     }
-    EXPECT_TRUE(NameDictionary::global().nodes(InternedName("a")).empty());
 }
 
 } // namespace

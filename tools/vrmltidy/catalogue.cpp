@@ -1,14 +1,10 @@
 #include "tools/vrmltidy/catalogue.h"
 
+#include "vrml/catalogue.h"
 #include "vrml/characters.h"
-#include "vrml/fields.h"
 #include "vrml/nodes.h"
-#include "vrml/registry.h"
 
 #include <algorithm>
-#include <array>
-#include <iterator>
-#include <memory>
 #include <unordered_map>
 
 namespace meshcast::tidy {
@@ -21,59 +17,31 @@ char lower(char c) {
 
 using Kind = ValueType::Kind;
 
-/// A type of field and what its text is made of. A bit mask is an enumeration too, so it stands
-/// before that.
-struct TypeRow {
-    bool (*matches)(const QvField&);
-    ValueType type;
+/// What the text of a field is made of, by FieldType.
+constexpr ValueType kTypes[] = {
+    {Kind::kReal, 3, true}, {Kind::kReal, 1, true}, {Kind::kInteger, 1, true},
+    {Kind::kReal, 2, true}, {Kind::kReal, 3, true}, {Kind::kMask},
+    {Kind::kBool},          {Kind::kReal, 3},       {Kind::kEnum},
+    {Kind::kReal, 1},       {Kind::kImage},         {Kind::kInteger, 1},
+    {Kind::kReal, 16},      {Kind::kReal, 4},       {Kind::kString},
+    {Kind::kReal, 2},       {Kind::kReal, 3},
 };
 
-template <class Field>
-bool isA(const QvField& field) {
-    return dynamic_cast<const Field*>(&field) != nullptr;
+ValueType valueType(FieldType type, const Enumeration* words) {
+    ValueType value = kTypes[static_cast<std::size_t>(type)];
+    value.words = words;
+    return value;
 }
 
-constexpr TypeRow kTypes[] = {
-    {isA<QvSFFloat>, {Kind::kReal, 1}},
-    {isA<QvSFReals<2>>, {Kind::kReal, 2}},
-    {isA<QvSFReals<3>>, {Kind::kReal, 3}},
-    {isA<QvSFReals<4>>, {Kind::kReal, 4}},
-    {isA<QvSFReals<16>>, {Kind::kReal, 16}},
-    {isA<QvMFieldOf<float, 1>>, {Kind::kReal, 1, true}},
-    {isA<QvMFieldOf<float, 2>>, {Kind::kReal, 2, true}},
-    {isA<QvMFieldOf<float, 3>>, {Kind::kReal, 3, true}},
-    {isA<QvSFLong>, {Kind::kInteger, 1}},
-    {isA<QvMFieldOf<std::int32_t, 1>>, {Kind::kInteger, 1, true}},
-    {isA<QvSFBool>, {Kind::kBool}},
-    {isA<QvSFBitMask>, {Kind::kMask}},
-    {isA<QvSFEnum>, {Kind::kEnum}},
-    {isA<QvSFString>, {Kind::kString}},
-    {isA<QvSFImage>, {Kind::kImage}},
-};
-
-ValueType typeOf(const QvField& field) {
-    const TypeRow* const row =
-        std::find_if(std::begin(kTypes), std::end(kTypes),
-                     [&field](const TypeRow& candidate) { return candidate.matches(field); });
-    ValueType type = row->type;
-    if (const auto* const words = dynamic_cast<const QvSFEnum*>(&field)) {
-        type.words = words->words();
-    }
-    return type;
-}
-
-ClassInfo describe(const NodeClass& nodeClass) {
-    NodePool nodes;
-    QvNode& node = *nodeClass.create(nodes);
-    const FieldTable& table = node.getFieldTable();
+ClassInfo describe(const meshcast::ClassInfo& nodeClass) {
     ClassInfo info;
     info.name = nodeClass.name;
-    info.isGroup = dynamic_cast<const QvGroup*>(&node) != nullptr;
-    info.picksChild = dynamic_cast<const QvSwitch*>(&node) != nullptr ||
-                      dynamic_cast<const QvLevelOfDetail*>(&node) != nullptr;
-    info.isInline = dynamic_cast<const QvWWWInline*>(&node) != nullptr;
-    for (const FieldTable::FieldEntry& entry : table.fields()) {
-        info.addField(entry.name.view(), typeOf(*table.findField(node, entry.name)));
+    info.isGroup = nodeClass.isGroup;
+    info.picksChild = nodeClass.name == QvSwitch::kClassName ||
+                      nodeClass.fields.data() == QvLevelOfDetail::kFields;
+    info.isInline = nodeClass.name == QvWWWInline::kClassName;
+    for (const meshcast::FieldInfo& field : nodeClass.fields) {
+        info.addField(field.name, valueType(field.type, field.words));
     }
     return info;
 }
@@ -82,7 +50,7 @@ ClassInfo describe(const NodeClass& nodeClass) {
 const std::unordered_map<std::string_view, ClassInfo>& classes() {
     static const auto& table = *[] {
         auto* const made = new std::unordered_map<std::string_view, ClassInfo>;
-        for (const NodeClass& nodeClass : nodeClasses()) {
+        for (const meshcast::ClassInfo& nodeClass : nodeClasses()) {
             made->emplace(nodeClass.name, describe(nodeClass));
         }
         return made;
@@ -189,29 +157,27 @@ const ClassInfo* findClassInAnyCase(std::string_view name) {
 }
 
 std::optional<ValueType> declaredType(std::string_view typeName) {
-    const std::unique_ptr<QvField> field = createField(typeName);
-    return field == nullptr ? std::nullopt : std::optional(typeOf(*field));
+    const std::optional<FieldType> type = findFieldType(typeName);
+    return type ? std::optional(valueType(*type, nullptr)) : std::nullopt;
 }
 
-bool holdsWord(const EnumTable* words, std::string_view word) {
-    return words != nullptr &&
-           std::any_of(words->names.begin(), words->names.end(),
-                       [word](InternedName name) { return name.view() == word; });
+bool holdsWord(const Enumeration* words, std::string_view word) {
+    return words != nullptr && words->find(word) != nullptr;
 }
 
-std::string_view meantWord(const EnumTable* words, std::string_view written) {
+std::string_view meantWord(const Enumeration* words, std::string_view written) {
     const std::string text = bare(written);
     if (words == nullptr || text.empty()) {
         return {};
     }
     std::vector<std::string_view> begun;
-    for (const InternedName name : words->names) {
-        const std::string candidate = bare(name.view());
+    for (const auto& [word, value] : words->words) {
+        const std::string candidate = bare(word);
         if (candidate == text) {
-            return name.view();
+            return word;
         }
         if (candidate.starts_with(text)) {
-            begun.push_back(name.view());
+            begun.push_back(word);
         }
     }
     for (const Synonym& synonym : kSynonyms) {

@@ -9,12 +9,12 @@
 #include <vector>
 
 namespace meshcast {
-struct EnumTable;
+struct Enumeration;
 } // namespace meshcast
 
 namespace meshcast::tidy {
 
-// The node classes as the tidier needs them, taken from the filter's own registry and field tables:
+// The node classes as the tidier needs them, taken from the filter's own catalogue:
 // what a class is called, which fields it has, and how the text of each looks.
 
 /// What the text of a field's value is made of.
@@ -26,7 +26,7 @@ struct ValueType {
     Kind kind;
     std::uint8_t width = 1; ///< Numbers that make one value.
     bool isList = false;
-    const EnumTable* words = nullptr; ///< Of kEnum and kMask; null where no word fits.
+    const Enumeration* words = nullptr; ///< Of kEnum and kMask; null where no word fits.
 };
 
 struct FieldInfo {
@@ -63,9 +63,9 @@ std::optional<ValueType> declaredType(std::string_view typeName);
 
 /// The word of an enumeration that another spelling or dialect means; empty when none or more than
 /// one could be meant.
-std::string_view meantWord(const EnumTable* words, std::string_view written);
+std::string_view meantWord(const Enumeration* words, std::string_view written);
 /// True when the enumeration holds exactly this word.
-bool holdsWord(const EnumTable* words, std::string_view word);
+bool holdsWord(const Enumeration* words, std::string_view word);
 
 /// Compares in any case of the letters A to Z.
 bool equalInAnyCase(std::string_view a, std::string_view b);

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "convert/convert.h"
+#include "convert/object_sink.h"
+#include "traverse/shape_visitor.h"
+#include "vrml/fields.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace meshcast {
+
+class Diagnostics;
+
+struct DestroyObject {
+    void operator()(GEOMobj* object) const { GEOMdestroy_obj(object); }
+};
+
+/// Owns a GEOM object until it goes out of scope.
+using ObjectOwner = std::unique_ptr<GEOMobj, DestroyObject>;
+
+/// Whether and how a polyhedron gets normals.
+enum class Normals : std::int8_t { kNone, kSmooth, kFacet };
+
+/// How a shape uses the texture in force.
+struct TextureUse {
+    std::string name; ///< Of the converted image.
+    bool clampS;      ///< Coordinates outside [0, 1] are clamped; otherwise mirrored.
+    bool clampT;
+};
+
+/// The visitor that turns shapes into GEOM objects: one for each conversion. How a shape is
+/// converted stands in the file named after it.
+class Converter final : public ShapeVisitor {
+public:
+    Converter(ObjectSink& sink, Diagnostics& diagnostics, const ConvertOptions& options)
+        : sink_(sink), diagnostics_(diagnostics), options_(options), textures_(options.textures) {}
+
+    void visit(const QvAsciiText& shape, const QvState& state) override;
+    void visit(const QvCone& shape, const QvState& state) override;
+    void visit(const QvCube& shape, const QvState& state) override;
+    void visit(const QvCylinder& shape, const QvState& state) override;
+    void visit(const QvIndexedFaceSet& shape, const QvState& state) override;
+    void visit(const QvIndexedLineSet& shape, const QvState& state) override;
+    void visit(const QvPointSet& shape, const QvState& state) override;
+    void visit(const QvSphere& shape, const QvState& state) override;
+    void visit(const QvWWWInline& shape, const QvState& state) override;
+
+    /// Prepares the image of a texture, so that a converted copy lies under its convertedName:
+    /// writes an inline image to a raw file, which names the texture from then on, or runs the
+    /// converter on the image file. An image of an unknown type is reported in the sink's text and
+    /// turns textures off.
+    void prepareTexture(const QvTexture2& texture) override;
+
+    /// The texture in force; none when textures are off or no Texture2 node names an image.
+    std::optional<TextureUse> textureInForce(const QvState& state) const;
+
+private:
+    void write(ObjectOwner object);
+    /// Writes a polyhedron: `vertices` holds 3 floats per vertex, `polygons` the counts and 1-based
+    /// indices of a polygon list with its closing 0, `uvs` 2 floats per vertex or nothing.
+    void writePolyhedron(std::span<const float> vertices, std::span<const std::int32_t> polygons,
+                         Normals normals, std::span<const float> uvs = {});
+    void writeTexturedSphere(float radius);
+    void reportBadIndex(const char* shape, std::int32_t index);
+    std::vector<std::int32_t> polygonList(std::span<const std::int32_t> coordIndex,
+                                          std::int32_t points);
+    std::vector<float> textureCoordinates(const QvState& state, const QvIndexedFaceSet& shape,
+                                          const QvMFVec3f& points) const;
+    std::string_view fileName(const QvTexture2& texture) const;
+
+    ObjectSink& sink_;
+    Diagnostics& diagnostics_;
+    const ConvertOptions& options_;
+    bool textures_;
+    bool sinesPrinted_ = false;
+    std::set<const QvTexture2*> writtenImages_; ///< Textures that are named by their raw file.
+};
+
+} // namespace meshcast

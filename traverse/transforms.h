@@ -1,0 +1,45 @@
+#pragma once
+
+#include "traverse/state.h"
+#include "vrml/nodes.h"
+
+namespace meshcast {
+
+/// Hands every transform in force to `use`, as the class that it is, the newest first: that is the
+/// one nearest to the shape. The marker of a TransformSeparator transforms nothing and is left out.
+template <class Use>
+void forEachTransform(const QvState& state, Use use) {
+    for (const QvElement* element = state.getTopElement(QvElementKind::Transformation);
+         element != nullptr; element = element->next) {
+        switch (element->type) {
+        case QvElementType::MatrixTransform:
+            use(static_cast<const QvMatrixTransform&>(*element->data));
+            break;
+        case QvElementType::Rotation:
+            use(static_cast<const QvRotation&>(*element->data));
+            break;
+        case QvElementType::Scale:
+            use(static_cast<const QvScale&>(*element->data));
+            break;
+        case QvElementType::Transform:
+            use(static_cast<const QvTransform&>(*element->data));
+            break;
+        case QvElementType::Translation:
+            use(static_cast<const QvTranslation&>(*element->data));
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+/// The same for the transforms of texture coordinates.
+template <class Use>
+void forEachTextureTransform(const QvState& state, Use use) {
+    for (const QvElement* element = state.getTopElement(QvElementKind::Texture2Transformation);
+         element != nullptr; element = element->next) {
+        use(static_cast<const QvTexture2Transform&>(*element->data));
+    }
+}
+
+} // namespace meshcast

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace meshcast {
+
+class QvField;
+class QvNode;
+
+/// A word of an enumeration.
+struct EnumWord {
+    std::string_view word;
+    std::int32_t value;
+};
+
+/// The words that an SFEnum or SFBitMask field accepts.
+struct Enumeration {
+    std::string_view typeName;
+    std::span<const EnumWord> words;
+
+    /// The entry of that word, or null.
+    const EnumWord* find(std::string_view word) const;
+};
+
+/// The field types, in the order of their names.
+enum class FieldType : std::uint8_t {
+    kMFColor,
+    kMFFloat,
+    kMFLong,
+    kMFVec2f,
+    kMFVec3f,
+    kSFBitMask,
+    kSFBool,
+    kSFColor,
+    kSFEnum,
+    kSFFloat,
+    kSFImage,
+    kSFLong,
+    kSFMatrix,
+    kSFRotation,
+    kSFString,
+    kSFVec2f,
+    kSFVec3f,
+};
+
+/// One field of a class of the catalogue.
+struct FieldInfo {
+    std::string_view name;
+    FieldType type;
+    const Enumeration* words;     ///< Of SFEnum and SFBitMask; null for the other types.
+    QvField& (*of)(QvNode& node); ///< The field of a node, which must be of the class.
+};
+
+/// Describes the field that is the member `Member` of a node class, as in
+/// field<&QvSphere::radius>("radius").
+template <auto Member>
+struct FieldOf;
+template <class Node, class Field, Field Node::*Member>
+struct FieldOf<Member> {
+    static QvField& of(QvNode& node) { return static_cast<Node&>(node).*Member; }
+    static constexpr FieldType kType = Field::kType;
+};
+template <auto Member>
+constexpr FieldInfo field(std::string_view name, const Enumeration* words = nullptr) {
+    return {name, FieldOf<Member>::kType, words, FieldOf<Member>::of};
+}
+
+} // namespace meshcast
