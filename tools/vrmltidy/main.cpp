@@ -1,6 +1,11 @@
+#include "tools/scene_dump/scene_dump.h"
 #include "tools/vrmltidy/files.h"
 #include "tools/vrmltidy/reporter.h"
 #include "tools/vrmltidy/tidy.h"
+#include "vrml/byte_source.h"
+#include "vrml/diagnostics.h"
+#include "vrml/scene.h"
+#include "vrml/scene_reader.h"
 
 #include <CLI/CLI.hpp>
 
@@ -9,6 +14,7 @@
 #include <iostream>
 #include <new>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <system_error>
 
@@ -22,6 +28,7 @@ struct CommandLine {
     std::string file = "-";
     std::string output;
     std::string root;
+    bool dump = false;
     bool quiet = false;
     bool strict = false;
     bool inlines = false;
@@ -78,6 +85,20 @@ std::filesystem::path rootOf(const CommandLine& line, std::error_code& error) {
     return std::filesystem::canonical(root.empty() ? "." : root, error);
 }
 
+/// Reads a scene as the filter does and gives all its fields; nothing if it cannot be read, which
+/// is reported.
+std::optional<std::string> dumped(const std::string& text) {
+    meshcast::Scene scene;
+    meshcast::MemorySource source(text);
+    meshcast::StandardErrorDiagnostics messages;
+    if (!meshcast::readScene(scene, source, messages)) {
+        return std::nullopt;
+    }
+    std::ostringstream out;
+    meshcast::dumpScene(scene.root, out);
+    return std::move(out).str();
+}
+
 ExitStatus run(const CommandLine& line) {
     const std::string shown = line.file == "-" ? "<stdin>" : line.file;
     auto input = tidy::readAll(line.file);
@@ -100,13 +121,19 @@ ExitStatus run(const CommandLine& line) {
         options.inlines = &*scenes;
     }
 
-    const tidy::Result result = tidy::tidy(std::get<std::string>(std::move(input)), options);
+    tidy::Result result = tidy::tidy(std::get<std::string>(std::move(input)), options);
     lines.addCount(shown, result.repairs);
     if (!result.text) {
         return fail(shown, result.refusal);
     }
     if (line.strict && result.repairs != 0) {
         return fail(shown, "needs repairs, which --strict does not allow");
+    }
+    if (line.dump) {
+        result.text = dumped(*result.text);
+        if (!result.text) {
+            return fail(shown, "cannot be read in full");
+        }
     }
     const std::error_code error = line.output.empty()
                                       ? tidy::writeToOutput(*result.text)
@@ -133,6 +160,9 @@ ExitStatus run(int argc, char** argv) {
                    "Write to this file instead of standard output; it appears "
                    "when it is whole")
         ->type_name("FILE");
+    app.add_flag("--dump", line.dump,
+                 "Write the scene as it is read: every node with the values of all its fields, "
+                 "those at their default as comments");
     app.add_flag("--quiet", line.quiet, "Do not report repairs");
     app.add_flag("--strict", line.strict, "Make any repair an error: no output, status 1");
     CLI::Option* const inlines = app.add_flag(
