@@ -12,8 +12,8 @@ enum class ImageType { kUnknown = 0, kRgb = 1, kGif = 2, kJpeg = 3 };
 /// How the images of textures are converted, by programs of their own.
 struct ImageConversion {
     std::string folder = "/tmp"; ///< Where the converted copies go.
-    /// The commands that convert an image, by ImageType; the first is never used.
-    std::array<std::string, 4> converters = {"", "rgb2kra", "gif2kra", "jpg2kra"};
+    /// The commands that convert an image, by its type from ImageType::kRgb on.
+    std::array<std::string, 3> converters = {"rgb2kra", "gif2kra", "jpg2kra"};
 };
 
 /// The type that the text after a path's last '.' tells, letter case included.

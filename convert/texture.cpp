@@ -187,7 +187,7 @@ void Converter::prepareTexture(const QvTexture2& texture) {
         textures_ = false;
         return;
     }
-    const std::string command = images.converters[static_cast<std::size_t>(type)] + " " +
+    const std::string command = images.converters[static_cast<std::size_t>(type) - 1] + " " +
                                 shellWord(sourcePath(name)) + " " +
                                 shellWord(convertedName(images.folder, name));
     // Whether the converter has done its work shows in the copy, not in its exit status.

@@ -97,7 +97,7 @@ CatalogueClass describe(const ClassInfo& nodeClass) {
         added.type = &kFieldTypes[static_cast<std::size_t>(field.type)];
         check(added.type->name == fieldTypeName(field.type), "the field types are out of order");
         for (const EnumWord& word :
-             field.words ? field.words->words : std::span<const EnumWord>()) {
+             field.words ? field.words->words() : std::span<const EnumWord>()) {
             added.words.emplace_back(word.word);
         }
     }

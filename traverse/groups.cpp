@@ -7,27 +7,6 @@ namespace meshcast {
 
 namespace {
 
-/// A group that is open as long as this lives, unless it must be left out.
-class OpenGroup {
-public:
-    OpenGroup(const QvGroup& group, QvState& state)
-        : group_(group), state_(state), entered_(state.enter(group)) {}
-    OpenGroup(const OpenGroup&) = delete;
-    OpenGroup& operator=(const OpenGroup&) = delete;
-    ~OpenGroup() {
-        if (entered_) {
-            state_.leave(group_);
-        }
-    }
-
-    explicit operator bool() const { return entered_; }
-
-private:
-    const QvGroup& group_;
-    QvState& state_;
-    bool entered_;
-};
-
 void traverseAll(const QvGroup& group, QvState& state) {
     const std::int32_t count = group.getNumChildren();
     for (std::int32_t i = 0; i < count; ++i) {
@@ -40,33 +19,30 @@ void traverseAll(const QvGroup& group, QvState& state) {
 }
 
 void traverseScoped(const QvGroup& group, QvState& state) {
-    if (const OpenGroup open(group, state); open) {
+    if (state.enter(group)) {
         state.push();
         traverseAll(group, state);
         state.pop();
+        state.leave(group);
     }
 }
 
 } // namespace
 
 void QvGroup::traverse(QvState& state) const {
-    if (const OpenGroup open(*this, state); open) {
+    if (state.enter(*this)) {
         traverseAll(*this, state);
+        state.leave(*this);
     }
 }
 
-void QvSeparator::traverse(QvState& state) const {
-    traverseScoped(*this, state);
-}
+void QvSeparator::traverse(QvState& state) const { traverseScoped(*this, state); }
 
-void QvWWWAnchor::traverse(QvState& state) const {
-    traverseScoped(*this, state);
-}
+void QvWWWAnchor::traverse(QvState& state) const { traverseScoped(*this, state); }
 
 void QvSwitch::traverse(QvState& state) const {
     constexpr std::int32_t kAllChildren = -3;
-    const OpenGroup open(*this, state);
-    if (!open) {
+    if (!state.enter(*this)) {
         return;
     }
     const std::int32_t which = whichChild.value;
@@ -75,19 +51,21 @@ void QvSwitch::traverse(QvState& state) const {
     } else if (which >= 0 && which < getNumChildren()) {
         getChild(which)->traverse(state);
     }
+    state.leave(*this);
 }
 
 // Whatever the viewer's distance would be: the stream holds the highest level of detail.
 void QvLevelOfDetail::traverse(QvState& state) const {
-    const OpenGroup open(*this, state);
-    if (open && getNumChildren() > 0) {
-        getChild(0)->traverse(state);
+    if (state.enter(*this)) {
+        if (getNumChildren() > 0) {
+            getChild(0)->traverse(state);
+        }
+        state.leave(*this);
     }
 }
 
 void QvTransformSeparator::traverse(QvState& state) const {
-    const OpenGroup open(*this, state);
-    if (!open) {
+    if (!state.enter(*this)) {
         return;
     }
     state.addElement(QvElementKind::Transformation,
@@ -98,6 +76,7 @@ void QvTransformSeparator::traverse(QvState& state) const {
     while (state.count(QvElementKind::Transformation) > marked) {
         state.popElement(QvElementKind::Transformation);
     }
+    state.leave(*this);
 }
 
 // What an unknown class means is unknown: neither shapes nor properties inside it take effect.

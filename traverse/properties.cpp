@@ -54,24 +54,12 @@ void QvTranslation::traverse(QvState& state) const {
     add(state, Kind::Transformation, *this, Type::Translation);
 }
 
-void QvCoordinate3::traverse(QvState& state) const {
-    add(state, Kind::Coordinate3, *this);
-}
-void QvMaterialBinding::traverse(QvState& state) const {
-    add(state, Kind::MaterialBinding, *this);
-}
-void QvMaterial::traverse(QvState& state) const {
-    add(state, Kind::Material, *this);
-}
-void QvNormalBinding::traverse(QvState& state) const {
-    add(state, Kind::NormalBinding, *this);
-}
-void QvNormal::traverse(QvState& state) const {
-    add(state, Kind::Normal, *this);
-}
-void QvShapeHints::traverse(QvState& state) const {
-    add(state, Kind::ShapeHints, *this);
-}
+void QvCoordinate3::traverse(QvState& state) const { add(state, Kind::Coordinate3, *this); }
+void QvMaterialBinding::traverse(QvState& state) const { add(state, Kind::MaterialBinding, *this); }
+void QvMaterial::traverse(QvState& state) const { add(state, Kind::Material, *this); }
+void QvNormalBinding::traverse(QvState& state) const { add(state, Kind::NormalBinding, *this); }
+void QvNormal::traverse(QvState& state) const { add(state, Kind::Normal, *this); }
+void QvShapeHints::traverse(QvState& state) const { add(state, Kind::ShapeHints, *this); }
 void QvTexture2::traverse(QvState& state) const {
     add(state, Kind::Texture2, *this);
     state.shapes().prepareTexture(*this);
@@ -82,9 +70,7 @@ void QvTexture2Transform::traverse(QvState& state) const {
 void QvTextureCoordinate2::traverse(QvState& state) const {
     add(state, Kind::TextureCoordinate2, *this);
 }
-void QvFontStyle::traverse(QvState& state) const {
-    add(state, Kind::FontStyle, *this);
-}
+void QvFontStyle::traverse(QvState& state) const { add(state, Kind::FontStyle, *this); }
 
 void QvInfo::traverse(QvState& /*state*/) const {}
 

@@ -1,18 +1,10 @@
 #pragma once
 
+#include "vrml/nodes.h"
+
 namespace meshcast {
 
-class QvAsciiText;
-class QvCone;
-class QvCube;
-class QvCylinder;
-class QvIndexedFaceSet;
-class QvIndexedLineSet;
-class QvPointSet;
-class QvSphere;
 class QvState;
-class QvTexture2;
-class QvWWWInline;
 
 /// What a walk is for: every shape that the walk reaches hands itself over, with the state that
 /// holds the properties in force there.

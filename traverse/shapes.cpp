@@ -7,32 +7,14 @@
 
 namespace meshcast {
 
-void QvAsciiText::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvCone::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvCube::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvCylinder::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvIndexedFaceSet::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvIndexedLineSet::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvPointSet::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvSphere::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
-void QvWWWInline::traverse(QvState& state) const {
-    state.shapes().visit(*this, state);
-}
+void QvAsciiText::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvCone::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvCube::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvCylinder::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvIndexedFaceSet::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvIndexedLineSet::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvPointSet::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvSphere::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvWWWInline::traverse(QvState& state) const { state.shapes().visit(*this, state); }
 
 } // namespace meshcast

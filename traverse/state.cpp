@@ -1,7 +1,6 @@
 #include "traverse/state.h"
 
 #include "vrml/diagnostics.h"
-#include "vrml/nodes.h"
 #include "vrml/scene_reader.h"
 
 #include <cstdio>
@@ -38,9 +37,7 @@ void QvState::addElement(QvElementKind kind, std::unique_ptr<QvElement> element)
     ++counts_[indexOf(kind)];
 }
 
-void QvState::push() {
-    ++depth;
-}
+void QvState::push() { ++depth; }
 
 void QvState::pop() {
     --depth;
@@ -56,41 +53,6 @@ void QvState::popElement(QvElementKind kind) {
     const std::unique_ptr<QvElement> dropped(top);
     top = dropped->next;
     --counts_[indexOf(kind)];
-}
-
-// Every kind but transforms, lights and cameras is pushed by one class only.
-template <class Node>
-const Node* QvState::top(QvElementKind kind) const {
-    const QvElement* const element = getTopElement(kind);
-    return element == nullptr ? nullptr : static_cast<const Node*>(element->data);
-}
-
-const QvCoordinate3* QvState::coordinate3() const {
-    return top<QvCoordinate3>(QvElementKind::Coordinate3);
-}
-const QvFontStyle* QvState::fontStyle() const {
-    return top<QvFontStyle>(QvElementKind::FontStyle);
-}
-const QvMaterial* QvState::material() const {
-    return top<QvMaterial>(QvElementKind::Material);
-}
-const QvMaterialBinding* QvState::materialBinding() const {
-    return top<QvMaterialBinding>(QvElementKind::MaterialBinding);
-}
-const QvNormal* QvState::normal() const {
-    return top<QvNormal>(QvElementKind::Normal);
-}
-const QvNormalBinding* QvState::normalBinding() const {
-    return top<QvNormalBinding>(QvElementKind::NormalBinding);
-}
-const QvShapeHints* QvState::shapeHints() const {
-    return top<QvShapeHints>(QvElementKind::ShapeHints);
-}
-const QvTexture2* QvState::texture2() const {
-    return top<QvTexture2>(QvElementKind::Texture2);
-}
-const QvTextureCoordinate2* QvState::textureCoordinate2() const {
-    return top<QvTextureCoordinate2>(QvElementKind::TextureCoordinate2);
 }
 
 bool QvState::enter(const QvGroup& group) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vrml/nodes.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -9,17 +11,6 @@
 namespace meshcast {
 
 class Diagnostics;
-class QvCoordinate3;
-class QvFontStyle;
-class QvGroup;
-class QvMaterial;
-class QvMaterialBinding;
-class QvNode;
-class QvNormal;
-class QvNormalBinding;
-class QvShapeHints;
-class QvTexture2;
-class QvTextureCoordinate2;
 class ShapeVisitor;
 
 /// What a property applies to: each kind has a stack of its own in the state.
@@ -111,15 +102,23 @@ public:
 
     // The properties in force, null where there is none. Transforms, lights and cameras, of which
     // there are several classes, are elements only.
-    const QvCoordinate3* coordinate3() const;
-    const QvFontStyle* fontStyle() const;
-    const QvMaterial* material() const;
-    const QvMaterialBinding* materialBinding() const;
-    const QvNormal* normal() const;
-    const QvNormalBinding* normalBinding() const;
-    const QvShapeHints* shapeHints() const;
-    const QvTexture2* texture2() const;
-    const QvTextureCoordinate2* textureCoordinate2() const;
+    const QvCoordinate3* coordinate3() const {
+        return top<QvCoordinate3>(QvElementKind::Coordinate3);
+    }
+    const QvFontStyle* fontStyle() const { return top<QvFontStyle>(QvElementKind::FontStyle); }
+    const QvMaterial* material() const { return top<QvMaterial>(QvElementKind::Material); }
+    const QvMaterialBinding* materialBinding() const {
+        return top<QvMaterialBinding>(QvElementKind::MaterialBinding);
+    }
+    const QvNormal* normal() const { return top<QvNormal>(QvElementKind::Normal); }
+    const QvNormalBinding* normalBinding() const {
+        return top<QvNormalBinding>(QvElementKind::NormalBinding);
+    }
+    const QvShapeHints* shapeHints() const { return top<QvShapeHints>(QvElementKind::ShapeHints); }
+    const QvTexture2* texture2() const { return top<QvTexture2>(QvElementKind::Texture2); }
+    const QvTextureCoordinate2* textureCoordinate2() const {
+        return top<QvTextureCoordinate2>(QvElementKind::TextureCoordinate2);
+    }
 
     /// Opens a group for the time of its walk. False when it must be left out, since it is open
     /// already (a node may USE the name it bears) or since groups are nested by USE deeper than any
@@ -138,8 +137,12 @@ public:
 
 private:
     static std::size_t indexOf(QvElementKind kind) { return static_cast<std::size_t>(kind); }
+    // Each of these kinds is pushed by one class only.
     template <class Node>
-    const Node* top(QvElementKind kind) const;
+    const Node* top(QvElementKind kind) const {
+        const QvElement* const element = getTopElement(kind);
+        return element == nullptr ? nullptr : static_cast<const Node*>(element->data);
+    }
 
     /// What the walk knows of a group.
     struct GroupMarks {

@@ -15,50 +15,45 @@ QvNode* make(Scene& scene) {
     return scene.make<Node>();
 }
 
-template <class Node>
-constexpr ClassInfo describe(NodeKind kind, std::string_view name = Node::kClassName) {
-    return {name, kind, std::is_base_of_v<QvGroup, Node>, Node::kFields, make<Node>};
+template <class... Nodes>
+constexpr std::array<ClassInfo, sizeof...(Nodes)> describe() {
+    return {{{Nodes::kClass.name, Nodes::kClass.kind, std::is_base_of_v<QvGroup, Nodes>,
+              Nodes::kClass.fields, make<Nodes>}...}};
 }
 
-constexpr auto kClasses = std::to_array<ClassInfo>({
-    describe<QvCone>(NodeKind::kShape),
-    describe<QvCoordinate3>(NodeKind::kProperty),
-    describe<QvCube>(NodeKind::kShape),
-    describe<QvCylinder>(NodeKind::kShape),
-    describe<QvDirectionalLight>(NodeKind::kProperty),
-    describe<QvGroup>(NodeKind::kGroup),
-    describe<QvIndexedFaceSet>(NodeKind::kShape),
-    describe<QvIndexedLineSet>(NodeKind::kShape),
-    describe<QvInfo>(NodeKind::kInfo),
-    describe<QvLevelOfDetail>(NodeKind::kGroup),
-    describe<QvLevelOfDetail>(NodeKind::kGroup, "LOD"), // The name by which most files know it.
-    describe<QvMaterial>(NodeKind::kProperty),
-    describe<QvMaterialBinding>(NodeKind::kProperty),
-    describe<QvMatrixTransform>(NodeKind::kProperty),
-    describe<QvNormal>(NodeKind::kProperty),
-    describe<QvNormalBinding>(NodeKind::kProperty),
-    describe<QvOrthographicCamera>(NodeKind::kProperty),
-    describe<QvPerspectiveCamera>(NodeKind::kProperty),
-    describe<QvPointLight>(NodeKind::kProperty),
-    describe<QvPointSet>(NodeKind::kShape),
-    describe<QvRotation>(NodeKind::kProperty),
-    describe<QvScale>(NodeKind::kProperty),
-    describe<QvSeparator>(NodeKind::kGroup),
-    describe<QvShapeHints>(NodeKind::kProperty),
-    describe<QvSphere>(NodeKind::kShape),
-    describe<QvSpotLight>(NodeKind::kProperty),
-    describe<QvSwitch>(NodeKind::kGroup),
-    describe<QvTexture2>(NodeKind::kProperty),
-    describe<QvTexture2Transform>(NodeKind::kProperty),
-    describe<QvTextureCoordinate2>(NodeKind::kProperty),
-    describe<QvTransform>(NodeKind::kProperty),
-    describe<QvTransformSeparator>(NodeKind::kGroup),
-    describe<QvTranslation>(NodeKind::kProperty),
-    describe<QvWWWAnchor>(NodeKind::kGroup),
-    describe<QvWWWInline>(NodeKind::kShape), // Its declared bounds are the shape.
-    describe<QvAsciiText>(NodeKind::kShape),
-    describe<QvFontStyle>(NodeKind::kProperty),
-});
+constexpr auto kClasses = [] {
+    auto classes =
+        describe<QvCone, QvCoordinate3, QvCube, QvCylinder, QvDirectionalLight, QvGroup,
+                 QvIndexedFaceSet, QvIndexedLineSet, QvInfo, QvLevelOfDetail, QvLevelOfDetail,
+                 QvMaterial, QvMaterialBinding, QvMatrixTransform, QvNormal, QvNormalBinding,
+                 QvOrthographicCamera, QvPerspectiveCamera, QvPointLight, QvPointSet, QvRotation,
+                 QvScale, QvSeparator, QvShapeHints, QvSphere, QvSpotLight, QvSwitch, QvTexture2,
+                 QvTexture2Transform, QvTextureCoordinate2, QvTransform, QvTransformSeparator,
+                 QvTranslation, QvWWWAnchor, QvWWWInline, QvAsciiText, QvFontStyle>();
+    constexpr std::size_t kSecondLevelOfDetail = 10;
+    classes[kSecondLevelOfDetail].name = "LOD"; // The name by which most files know it.
+    return classes;
+}();
+
+/// Words with a meaning of their own in a scene.
+constexpr std::string_view kGrammar[] = {"DEF", "USE", "NULL", "fields"};
+
+const NameTable& internNames() {
+    NameTable& names = *new NameTable;
+    // First of all, so that number i + 1 is the name of class i.
+    for (const ClassInfo& nodeClass : kClasses) {
+        names.intern(nodeClass.name);
+    }
+    for (const std::string_view word : kGrammar) {
+        names.intern(word);
+    }
+    for (const ClassInfo& nodeClass : kClasses) {
+        for (const FieldInfo& field : nodeClass.fields) {
+            names.intern(field.name);
+        }
+    }
+    return names;
+}
 
 } // namespace
 
@@ -67,9 +62,17 @@ std::span<const ClassInfo> nodeClasses() {
 }
 
 const ClassInfo* findClass(InternedName name) {
-    // The names of the classes are the first of the catalogue, in the order of the classes.
     return !name.empty() && name.number() <= kClasses.size() ? &kClasses[name.number() - 1]
                                                              : nullptr;
+}
+
+const NameTable& catalogueNames() {
+    static const NameTable& names = internNames();
+    return names;
+}
+
+InternedName catalogueName(std::string_view text) {
+    return catalogueNames().find(text);
 }
 
 QvNode* createNode(Scene& scene, InternedName className) {

@@ -1,24 +1,15 @@
 #pragma once
 
 #include "vrml/field_info.h"
+#include "vrml/names.h"
 
-#include <cstdint>
 #include <span>
 #include <string_view>
 
 namespace meshcast {
 
-class InternedName;
 class QvNode;
 class Scene;
-
-/// What the nodes of a class do in the walk.
-enum class NodeKind : std::uint8_t {
-    kShape,    ///< Is geometry.
-    kProperty, ///< Is in force for the shapes after it.
-    kGroup,    ///< Holds children.
-    kInfo,     ///< Nothing: text for readers of the file.
-};
 
 /// One class of the catalogue.
 struct ClassInfo {
@@ -34,6 +25,13 @@ std::span<const ClassInfo> nodeClasses();
 
 /// The class of that name, or null.
 const ClassInfo* findClass(InternedName name);
+
+/// The names that every scene shares: those of the classes and fields, and the words of the
+/// grammar. Interned once for the process, and constant.
+const NameTable& catalogueNames();
+
+/// The handle of such a name.
+InternedName catalogueName(std::string_view text);
 
 /// Makes a node of a class, with its defaults; null when the catalogue has no class of that name.
 QvNode* createNode(Scene& scene, InternedName className);

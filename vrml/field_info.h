@@ -1,6 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <string_view>
 
@@ -16,12 +20,22 @@ struct EnumWord {
 };
 
 /// The words that an SFEnum or SFBitMask field accepts.
-struct Enumeration {
-    std::string_view typeName;
-    std::span<const EnumWord> words;
+class Enumeration {
+public:
+    constexpr Enumeration(std::string_view name, std::initializer_list<EnumWord> words)
+        : typeName(name), count_(words.size()) {
+        std::copy(words.begin(), words.end(), words_.begin());
+    }
 
+    std::span<const EnumWord> words() const { return {words_.data(), count_}; }
     /// The entry of that word, or null.
     const EnumWord* find(std::string_view word) const;
+
+    std::string_view typeName;
+
+private:
+    std::size_t count_;
+    std::array<EnumWord, 9> words_{};
 };
 
 /// The field types, in the order of their names.
@@ -45,6 +59,14 @@ enum class FieldType : std::uint8_t {
     kSFVec3f,
 };
 
+/// What the nodes of a class do in the walk.
+enum class NodeKind : std::uint8_t {
+    kShape,    ///< Is geometry.
+    kProperty, ///< Is in force for the shapes after it.
+    kGroup,    ///< Holds children.
+    kInfo,     ///< Nothing: text for readers of the file.
+};
+
 /// One field of a class of the catalogue.
 struct FieldInfo {
     std::string_view name;
@@ -65,6 +87,19 @@ struct FieldOf<Member> {
 template <auto Member>
 constexpr FieldInfo field(std::string_view name, const Enumeration* words = nullptr) {
     return {name, FieldOf<Member>::kType, words, FieldOf<Member>::of};
+}
+
+/// What a class of the catalogue says of itself.
+template <std::size_t Count>
+struct ClassDeclaration {
+    std::string_view name;
+    NodeKind kind;
+    std::array<FieldInfo, Count> fields;
+};
+template <class... Fields>
+constexpr ClassDeclaration<sizeof...(Fields)> declare(std::string_view name, NodeKind kind,
+                                                      Fields... fields) {
+    return {name, kind, {fields...}};
 }
 
 } // namespace meshcast

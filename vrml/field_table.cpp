@@ -1,6 +1,6 @@
 #include "vrml/field_table.h"
 
-#include "vrml/catalogue_names.h"
+#include "vrml/catalogue.h"
 
 #include <algorithm>
 
@@ -14,9 +14,10 @@ constexpr std::size_t kLongestSearched = 16;
 } // namespace
 
 const EnumWord* Enumeration::find(std::string_view word) const {
-    const auto found = std::find_if(words.begin(), words.end(),
-                                    [word](const EnumWord& each) { return each.word == word; });
-    return found == words.end() ? nullptr : &*found;
+    const auto* const end = words_.data() + count_;
+    const auto* const found = std::find_if(
+        words_.data(), end, [word](const EnumWord& each) { return each.word == word; });
+    return found == end ? nullptr : found;
 }
 
 FieldTable::FieldTable(std::string_view className, std::span<const FieldInfo> fields)

@@ -1,17 +1,26 @@
 #include "vrml/fields.h"
 
 #include "vrml/field_table.h"
-#include "vrml/out_of_memory.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <type_traits>
 
 namespace meshcast {
 
 namespace {
+
+/// Ends the process after an exhausted allocation. The installed new-handler has the word, as it
+/// has when `new` fails; without one the process aborts.
+[[noreturn]] void outOfMemory() {
+    if (const std::new_handler handler = std::get_new_handler()) {
+        handler();
+    }
+    std::abort();
+}
 
 /// Skips white space and looks at the next character; true, with the character taken, when it is
 /// `expected`.

@@ -80,35 +80,6 @@ public:
     std::array<float, Count> value{};
 };
 
-/// Red, green, blue.
-class QvSFColor final : public QvSFReals<3> {
-public:
-    static constexpr FieldType kType = FieldType::kSFColor;
-    using QvSFReals::QvSFReals;
-};
-/// Four rows of four, in the order read.
-class QvSFMatrix final : public QvSFReals<16> {
-public:
-    static constexpr FieldType kType = FieldType::kSFMatrix;
-    using QvSFReals::QvSFReals;
-};
-/// Axis x, y, z and the angle in radians.
-class QvSFRotation final : public QvSFReals<4> {
-public:
-    static constexpr FieldType kType = FieldType::kSFRotation;
-    using QvSFReals::QvSFReals;
-};
-class QvSFVec2f final : public QvSFReals<2> {
-public:
-    static constexpr FieldType kType = FieldType::kSFVec2f;
-    using QvSFReals::QvSFReals;
-};
-class QvSFVec3f final : public QvSFReals<3> {
-public:
-    static constexpr FieldType kType = FieldType::kSFVec3f;
-    using QvSFReals::QvSFReals;
-};
-
 class QvSFFloat final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFFloat;
@@ -246,30 +217,27 @@ public:
     Scalar* values = nullptr;
 };
 
-class QvMFColor final : public QvMFieldOf<float, 3> {
+/// A field of one of the types that differ in their names only.
+template <class Base, FieldType Type>
+class TypedField final : public Base {
 public:
-    static constexpr FieldType kType = FieldType::kMFColor;
-    using QvMFieldOf::QvMFieldOf;
+    static constexpr FieldType kType = Type;
+    using Base::Base;
 };
-class QvMFFloat final : public QvMFieldOf<float, 1> {
-public:
-    static constexpr FieldType kType = FieldType::kMFFloat;
-    using QvMFieldOf::QvMFieldOf;
-};
-class QvMFLong final : public QvMFieldOf<std::int32_t, 1> {
-public:
-    static constexpr FieldType kType = FieldType::kMFLong;
-    using QvMFieldOf::QvMFieldOf;
-};
-class QvMFVec2f final : public QvMFieldOf<float, 2> {
-public:
-    static constexpr FieldType kType = FieldType::kMFVec2f;
-    using QvMFieldOf::QvMFieldOf;
-};
-class QvMFVec3f final : public QvMFieldOf<float, 3> {
-public:
-    static constexpr FieldType kType = FieldType::kMFVec3f;
-    using QvMFieldOf::QvMFieldOf;
-};
+
+/// Red, green, blue.
+using QvSFColor = TypedField<QvSFReals<3>, FieldType::kSFColor>;
+/// Four rows of four, in the order read.
+using QvSFMatrix = TypedField<QvSFReals<16>, FieldType::kSFMatrix>;
+/// Axis x, y, z and the angle in radians.
+using QvSFRotation = TypedField<QvSFReals<4>, FieldType::kSFRotation>;
+using QvSFVec2f = TypedField<QvSFReals<2>, FieldType::kSFVec2f>;
+using QvSFVec3f = TypedField<QvSFReals<3>, FieldType::kSFVec3f>;
+
+using QvMFColor = TypedField<QvMFieldOf<float, 3>, FieldType::kMFColor>;
+using QvMFFloat = TypedField<QvMFieldOf<float, 1>, FieldType::kMFFloat>;
+using QvMFLong = TypedField<QvMFieldOf<std::int32_t, 1>, FieldType::kMFLong>;
+using QvMFVec2f = TypedField<QvMFieldOf<float, 2>, FieldType::kMFVec2f>;
+using QvMFVec3f = TypedField<QvMFieldOf<float, 3>, FieldType::kMFVec3f>;
 
 } // namespace meshcast

@@ -20,8 +20,7 @@ using ChildList = std::vector<QvNode*>;
 /// The base of all grouping nodes, and itself the node class "Group".
 class QvGroup : public BuiltIn<QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "Group";
-    static constexpr std::array<FieldInfo, 0> kFields{};
+    static constexpr auto kClass = declare("Group", NodeKind::kGroup);
 
     void traverse(QvState& state) const override;
     bool readBody(VrmlInput& input) override;

@@ -1,6 +1,5 @@
 #include "vrml/names.h"
 
-#include "vrml/catalogue_names.h"
 #include "vrml/characters.h"
 
 #include <algorithm>
@@ -11,10 +10,6 @@ namespace meshcast {
 
 namespace {
 
-constexpr std::size_t kFirstSlots = 256; // A power of two, as is the growth.
-constexpr std::size_t kGrowth = 4;
-constexpr std::size_t kPoolSize = 4000;
-
 bool isLegalInside(char c) {
     static constexpr std::string_view kForbidden = "+'\"\\{}";
     return !isSpace(c) && !isControl(c) && kForbidden.find(c) == std::string_view::npos;
@@ -22,35 +17,54 @@ bool isLegalInside(char c) {
 
 } // namespace
 
-NameTable::NameTable() : slots_(kFirstSlots), poolUsed_(kPoolSize) {}
+std::uint32_t NameTable::hashOf(std::string_view text) {
+    // The library's hash: for a simpler one it is easy to find any number of names of one hash.
+    return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
+}
+
+/// The slot that holds the text, or the free one where it belongs.
+std::size_t NameTable::slotOf(std::string_view text, std::uint32_t hash) const {
+    std::size_t slot = hash & (slots_.size() - 1);
+    while (slots_[slot].place != 0 && (slots_[slot].hash != hash || nameAt(slot).view() != text)) {
+        slot = after(slot);
+    }
+    return slot;
+}
+
+/// The name in a slot; the empty name if the slot is free.
+InternedName NameTable::nameAt(std::size_t slot) const {
+    const std::uint32_t place = slots_[slot].place;
+    return place == 0 ? InternedName() : InternedName(entries_[place - 1]);
+}
 
 InternedName NameTable::intern(std::string_view text) {
     if (text.empty()) {
         return {};
     }
-    if (const NameEntry* const shared = findCatalogueName(text)) {
-        return InternedName(*shared);
-    }
-    const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
-    std::size_t slot = hash & (slots_.size() - 1);
-    for (; slots_[slot].place != 0; slot = after(slot)) {
-        if (slots_[slot].hash == hash) {
-            const NameEntry& entry = entries_[slots_[slot].place - 1];
-            if (std::string_view(entry.text, entry.length) == text) {
-                return InternedName(entry);
-            }
+    const std::uint32_t hash = hashOf(text);
+    std::size_t number = entries_.size() + 1;
+    if (shared_ != nullptr) {
+        if (const InternedName name = shared_->nameAt(shared_->slotOf(text, hash)); !name.empty()) {
+            return name;
         }
+        number += shared_->entries_.size();
     }
-    const auto number = static_cast<std::uint32_t>(catalogueNameCount() + entries_.size() + 1);
-    const NameEntry& entry = entries_.emplace_back(NameEntry{copy(text), text.size(), number});
-    slots_[slot] = {hash, static_cast<std::uint32_t>(entries_.size())};
-    if (entries_.size() > slots_.size() / 2) {
-        grow();
+    const std::size_t slot = slotOf(text, hash);
+    if (slots_[slot].place == 0) {
+        auto* const copy = static_cast<char*>(texts_.allocate(text.size() + 1, 1));
+        *std::copy(text.begin(), text.end(), copy) = '\0';
+        entries_.push_back({copy, text.size(), static_cast<std::uint32_t>(number)});
+        slots_[slot] = {hash, static_cast<std::uint32_t>(entries_.size())};
+        if (entries_.size() > slots_.size() / 2) {
+            grow();
+        }
+        return InternedName(entries_.back());
     }
-    return InternedName(entry);
+    return nameAt(slot);
 }
 
 void NameTable::grow() {
+    constexpr std::size_t kGrowth = 4;
     std::vector<Slot> old(kGrowth * slots_.size());
     std::swap(old, slots_);
     for (const Slot& moved : old) {
@@ -62,29 +76,6 @@ void NameTable::grow() {
             slots_[slot] = moved;
         }
     }
-}
-
-/// Copies a text and ends it in a zero. Short texts share pools, so that many of them cost one
-/// allocation.
-const char* NameTable::copy(std::string_view text) {
-    const auto newPool = [this](std::size_t size) {
-        return pools_.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
-    };
-    const std::size_t size = text.size() + 1;
-    char* target = nullptr;
-    if (size >= kPoolSize) {
-        target = newPool(size);
-    } else {
-        if (size > kPoolSize - poolUsed_) {
-            pool_ = newPool(kPoolSize);
-            poolUsed_ = 0;
-        }
-        target = pool_ + poolUsed_;
-        poolUsed_ += size;
-    }
-    text.copy(target, text.size());
-    target[text.size()] = '\0';
-    return target;
 }
 
 void NameDictionary::add(InternedName name, QvNode* node) {

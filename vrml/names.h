@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <string_view>
@@ -34,8 +35,8 @@ struct NameEntry {
 /// The empty name, which every name variable starts with.
 inline constexpr NameEntry kEmptyName = {"", 0, 0};
 
-/// A handle to the one shared copy of a name's text. Equal texts of one scene, or of the catalogue,
-/// have equal handles, so comparing names compares pointers.
+/// A handle to the one shared copy of a name's text. Equal texts have equal handles, within a scene
+/// and where one is of the catalogue, so comparing names compares pointers.
 class InternedName {
 public:
     /// The empty name.
@@ -57,16 +58,18 @@ private:
     const NameEntry* entry_;
 };
 
-/// The names of one scene: each text is stored once. The names of the catalogue are not stored
-/// again, their handles are those of vrml/catalogue_names.h. Searched along neighbouring slots that
-/// hold the hashes, so that a new name, whatever the number of names, costs one look into memory
-/// that is not at hand.
+/// Names by their texts, each stored once. Searched along neighbouring slots that hold the hashes,
+/// so that a new name, whatever the number of names, costs one look into memory that is not at
+/// hand.
 class NameTable {
 public:
-    NameTable();
+    /// A table for the names that `shared` does not hold: the handles of those are its own.
+    explicit NameTable(const NameTable* shared = nullptr) : shared_(shared), slots_(kFirstSlots) {}
 
     /// The handle of a text, valid as long as the table; the first use of a text copies it.
     InternedName intern(std::string_view text);
+    /// The handle of a text that the table itself holds; the empty name for any other.
+    InternedName find(std::string_view text) const { return nameAt(slotOf(text, hashOf(text))); }
 
 private:
     struct Slot {
@@ -74,15 +77,18 @@ private:
         std::uint32_t place = 0; ///< Of the entry, from 1; 0 in a free slot.
     };
 
+    static constexpr std::size_t kFirstSlots = 256; // A power of two, as is the growth.
+
+    static std::uint32_t hashOf(std::string_view text);
+    std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
+    InternedName nameAt(std::size_t slot) const;
     std::size_t after(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
     void grow();
-    const char* copy(std::string_view text);
 
+    const NameTable* shared_;
     std::vector<Slot> slots_;
     std::deque<NameEntry> entries_;
-    std::vector<std::unique_ptr<char[]>> pools_;
-    char* pool_ = nullptr; ///< The pool in use.
-    std::size_t poolUsed_;
+    std::pmr::monotonic_buffer_resource texts_; ///< Many short ones cost one allocation.
 };
 
 /// Values by name. Names start with Value{}.

@@ -62,14 +62,17 @@ protected:
 };
 
 /// What every class of the catalogue derives from: one FieldTable for all nodes of the class, which
-/// names itself and its fields in kClassName and kFields.
+/// declares itself in kClass.
 template <class Self, class Base = QvNode>
 class BuiltIn : public Base {
 public:
     const FieldTable& getFieldTable() const override {
-        static const FieldTable& table = *new FieldTable(Self::kClassName, Self::kFields);
+        static const FieldTable& table = *new FieldTable(Self::kClass.name, Self::kClass.fields);
         return table;
     }
+
+protected:
+    using This = Self;
 };
 
 /// The owner of nodes. The tree has only plain pointers, since a node may stand under several

@@ -23,120 +23,100 @@ inline constexpr std::array<float, 4> kNoRotation = {0, 0, 1, 0};
 
 class QvAsciiText final : public BuiltIn<QvAsciiText> {
 public:
-    static constexpr std::string_view kClassName = "AsciiText";
     enum Justification : std::int32_t { LEFT = 0, CENTER = 1, RIGHT = 2 };
-    static constexpr EnumWord kJustificationWords[] = {
-        {"LEFT", LEFT}, {"CENTER", CENTER}, {"RIGHT", RIGHT}};
-    static constexpr Enumeration kJustification = {"Justification", kJustificationWords};
+    static constexpr Enumeration kJustification = {
+        "Justification", {{"LEFT", LEFT}, {"CENTER", CENTER}, {"RIGHT", RIGHT}}};
 
     QvSFString string{""};
     QvSFFloat spacing{1};
     QvSFEnum justification{kJustification, LEFT};
     QvSFFloat width{0};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvAsciiText::string>("string"), field<&QvAsciiText::spacing>("spacing"),
-        field<&QvAsciiText::justification>("justification", &kJustification),
-        field<&QvAsciiText::width>("width")};
+    static constexpr auto kClass =
+        declare("AsciiText", NodeKind::kShape, field<&This::string>("string"),
+                field<&This::spacing>("spacing"),
+                field<&This::justification>("justification", &kJustification),
+                field<&This::width>("width"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvCone final : public BuiltIn<QvCone> {
 public:
-    static constexpr std::string_view kClassName = "Cone";
     enum Part : std::int32_t { SIDES = 1, BOTTOM = 2, ALL = 3 };
-    static constexpr EnumWord kPartWords[] = {{"SIDES", SIDES}, {"BOTTOM", BOTTOM}, {"ALL", ALL}};
-    static constexpr Enumeration kPart = {"Part", kPartWords};
+    static constexpr Enumeration kPart = {"Part",
+                                          {{"SIDES", SIDES}, {"BOTTOM", BOTTOM}, {"ALL", ALL}}};
 
     QvSFBitMask parts{kPart, ALL};
-    QvSFFloat bottomRadius{1};
-    QvSFFloat height{2};
-    static constexpr FieldInfo kFields[] = {field<&QvCone::parts>("parts", &kPart),
-                                            field<&QvCone::bottomRadius>("bottomRadius"),
-                                            field<&QvCone::height>("height")};
+    QvSFFloat bottomRadius{1}, height{2};
+    static constexpr auto kClass =
+        declare("Cone", NodeKind::kShape, field<&This::parts>("parts", &kPart),
+                field<&This::bottomRadius>("bottomRadius"), field<&This::height>("height"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvCube final : public BuiltIn<QvCube> {
 public:
-    static constexpr std::string_view kClassName = "Cube";
-    QvSFFloat width{2};
-    QvSFFloat height{2};
-    QvSFFloat depth{2};
-    static constexpr FieldInfo kFields[] = {field<&QvCube::width>("width"),
-                                            field<&QvCube::height>("height"),
-                                            field<&QvCube::depth>("depth")};
+    QvSFFloat width{2}, height{2}, depth{2};
+    static constexpr auto kClass =
+        declare("Cube", NodeKind::kShape, field<&This::width>("width"),
+                field<&This::height>("height"), field<&This::depth>("depth"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvCylinder final : public BuiltIn<QvCylinder> {
 public:
-    static constexpr std::string_view kClassName = "Cylinder";
     enum Part : std::int32_t { SIDES = 1, TOP = 2, BOTTOM = 4, ALL = 7 };
-    static constexpr EnumWord kPartWords[] = {
-        {"SIDES", SIDES}, {"TOP", TOP}, {"BOTTOM", BOTTOM}, {"ALL", ALL}};
-    static constexpr Enumeration kPart = {"Part", kPartWords};
+    static constexpr Enumeration kPart = {
+        "Part", {{"SIDES", SIDES}, {"TOP", TOP}, {"BOTTOM", BOTTOM}, {"ALL", ALL}}};
 
     QvSFBitMask parts{kPart, ALL};
-    QvSFFloat radius{1};
-    QvSFFloat height{2};
-    static constexpr FieldInfo kFields[] = {field<&QvCylinder::parts>("parts", &kPart),
-                                            field<&QvCylinder::radius>("radius"),
-                                            field<&QvCylinder::height>("height")};
+    QvSFFloat radius{1}, height{2};
+    static constexpr auto kClass =
+        declare("Cylinder", NodeKind::kShape, field<&This::parts>("parts", &kPart),
+                field<&This::radius>("radius"), field<&This::height>("height"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvIndexedFaceSet final : public BuiltIn<QvIndexedFaceSet> {
 public:
-    static constexpr std::string_view kClassName = "IndexedFaceSet";
-    QvMFLong coordIndex{{0}};
-    QvMFLong materialIndex{{-1}};
-    QvMFLong normalIndex{{-1}};
-    QvMFLong textureCoordIndex{{-1}};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvIndexedFaceSet::coordIndex>("coordIndex"),
-        field<&QvIndexedFaceSet::materialIndex>("materialIndex"),
-        field<&QvIndexedFaceSet::normalIndex>("normalIndex"),
-        field<&QvIndexedFaceSet::textureCoordIndex>("textureCoordIndex")};
+    QvMFLong coordIndex{{0}}, materialIndex{{-1}}, normalIndex{{-1}}, textureCoordIndex{{-1}};
+    static constexpr auto kClass = declare(
+        "IndexedFaceSet", NodeKind::kShape, field<&This::coordIndex>("coordIndex"),
+        field<&This::materialIndex>("materialIndex"), field<&This::normalIndex>("normalIndex"),
+        field<&This::textureCoordIndex>("textureCoordIndex"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvIndexedLineSet final : public BuiltIn<QvIndexedLineSet> {
 public:
-    static constexpr std::string_view kClassName = "IndexedLineSet";
-    QvMFLong coordIndex{{0}};
-    QvMFLong materialIndex{{-1}};
-    QvMFLong normalIndex{{-1}};
-    QvMFLong textureCoordIndex{{-1}};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvIndexedLineSet::coordIndex>("coordIndex"),
-        field<&QvIndexedLineSet::materialIndex>("materialIndex"),
-        field<&QvIndexedLineSet::normalIndex>("normalIndex"),
-        field<&QvIndexedLineSet::textureCoordIndex>("textureCoordIndex")};
+    QvMFLong coordIndex{{0}}, materialIndex{{-1}}, normalIndex{{-1}}, textureCoordIndex{{-1}};
+    static constexpr auto kClass = declare(
+        "IndexedLineSet", NodeKind::kShape, field<&This::coordIndex>("coordIndex"),
+        field<&This::materialIndex>("materialIndex"), field<&This::normalIndex>("normalIndex"),
+        field<&This::textureCoordIndex>("textureCoordIndex"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvPointSet final : public BuiltIn<QvPointSet> {
 public:
-    static constexpr std::string_view kClassName = "PointSet";
-    QvSFLong startIndex{0};
-    QvSFLong numPoints{-1};
-    static constexpr FieldInfo kFields[] = {field<&QvPointSet::startIndex>("startIndex"),
-                                            field<&QvPointSet::numPoints>("numPoints")};
+    QvSFLong startIndex{0}, numPoints{-1};
+    static constexpr auto kClass =
+        declare("PointSet", NodeKind::kShape, field<&This::startIndex>("startIndex"),
+                field<&This::numPoints>("numPoints"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvSphere final : public BuiltIn<QvSphere> {
 public:
-    static constexpr std::string_view kClassName = "Sphere";
     QvSFFloat radius{1};
-    static constexpr FieldInfo kFields[] = {field<&QvSphere::radius>("radius")};
+    static constexpr auto kClass =
+        declare("Sphere", NodeKind::kShape, field<&This::radius>("radius"));
 
     void traverse(QvState& state) const override;
 };
@@ -145,18 +125,18 @@ public:
 
 class QvCoordinate3 final : public BuiltIn<QvCoordinate3> {
 public:
-    static constexpr std::string_view kClassName = "Coordinate3";
     QvMFVec3f point{{0, 0, 0}};
-    static constexpr FieldInfo kFields[] = {field<&QvCoordinate3::point>("point")};
+    static constexpr auto kClass =
+        declare("Coordinate3", NodeKind::kProperty, field<&This::point>("point"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvNormal final : public BuiltIn<QvNormal> {
 public:
-    static constexpr std::string_view kClassName = "Normal";
     QvMFVec3f vector{{0, 0, 1}};
-    static constexpr FieldInfo kFields[] = {field<&QvNormal::vector>("vector")};
+    static constexpr auto kClass =
+        declare("Normal", NodeKind::kProperty, field<&This::vector>("vector"));
 
     void traverse(QvState& state) const override;
 };
@@ -174,62 +154,55 @@ struct Binding {
         PER_VERTEX = 7,
         PER_VERTEX_INDEXED = 8,
     };
-    static constexpr EnumWord kWords[] = {
-        {"DEFAULT", DEFAULT},
-        {"NONE", NONE},
-        {"OVERALL", OVERALL},
-        {"PER_PART", PER_PART},
-        {"PER_PART_INDEXED", PER_PART_INDEXED},
-        {"PER_FACE", PER_FACE},
-        {"PER_FACE_INDEXED", PER_FACE_INDEXED},
-        {"PER_VERTEX", PER_VERTEX},
-        {"PER_VERTEX_INDEXED", PER_VERTEX_INDEXED},
-    };
-    static constexpr Enumeration kEnumeration = {"Binding", kWords};
+    static constexpr Enumeration kEnumeration = {"Binding",
+                                                 {{"DEFAULT", DEFAULT},
+                                                  {"NONE", NONE},
+                                                  {"OVERALL", OVERALL},
+                                                  {"PER_PART", PER_PART},
+                                                  {"PER_PART_INDEXED", PER_PART_INDEXED},
+                                                  {"PER_FACE", PER_FACE},
+                                                  {"PER_FACE_INDEXED", PER_FACE_INDEXED},
+                                                  {"PER_VERTEX", PER_VERTEX},
+                                                  {"PER_VERTEX_INDEXED", PER_VERTEX_INDEXED}}};
 };
 
 class QvNormalBinding final : public BuiltIn<QvNormalBinding> {
 public:
-    static constexpr std::string_view kClassName = "NormalBinding";
     QvSFEnum value{Binding::kEnumeration, Binding::DEFAULT};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvNormalBinding::value>("value", &Binding::kEnumeration)};
+    static constexpr auto kClass = declare("NormalBinding", NodeKind::kProperty,
+                                           field<&This::value>("value", &Binding::kEnumeration));
 
     void traverse(QvState& state) const override;
 };
 
 class QvShapeHints final : public BuiltIn<QvShapeHints> {
 public:
-    static constexpr std::string_view kClassName = "ShapeHints";
     enum VertexOrdering : std::int32_t {
         UNKNOWN_ORDERING = 0,
         CLOCKWISE = 1,
         COUNTERCLOCKWISE = 2
     };
-    static constexpr EnumWord kVertexOrderingWords[] = {{"UNKNOWN_ORDERING", UNKNOWN_ORDERING},
-                                                        {"CLOCKWISE", CLOCKWISE},
-                                                        {"COUNTERCLOCKWISE", COUNTERCLOCKWISE}};
-    static constexpr Enumeration kVertexOrdering = {"VertexOrdering", kVertexOrderingWords};
+    static constexpr Enumeration kVertexOrdering = {"VertexOrdering",
+                                                    {{"UNKNOWN_ORDERING", UNKNOWN_ORDERING},
+                                                     {"CLOCKWISE", CLOCKWISE},
+                                                     {"COUNTERCLOCKWISE", COUNTERCLOCKWISE}}};
 
     enum ShapeType : std::int32_t { UNKNOWN_SHAPE_TYPE = 0, SOLID = 1 };
-    static constexpr EnumWord kShapeTypeWords[] = {{"UNKNOWN_SHAPE_TYPE", UNKNOWN_SHAPE_TYPE},
-                                                   {"SOLID", SOLID}};
-    static constexpr Enumeration kShapeType = {"ShapeType", kShapeTypeWords};
+    static constexpr Enumeration kShapeType = {
+        "ShapeType", {{"UNKNOWN_SHAPE_TYPE", UNKNOWN_SHAPE_TYPE}, {"SOLID", SOLID}}};
 
     enum FaceType : std::int32_t { UNKNOWN_FACE_TYPE = 0, CONVEX = 1 };
-    static constexpr EnumWord kFaceTypeWords[] = {{"UNKNOWN_FACE_TYPE", UNKNOWN_FACE_TYPE},
-                                                  {"CONVEX", CONVEX}};
-    static constexpr Enumeration kFaceType = {"FaceType", kFaceTypeWords};
+    static constexpr Enumeration kFaceType = {
+        "FaceType", {{"UNKNOWN_FACE_TYPE", UNKNOWN_FACE_TYPE}, {"CONVEX", CONVEX}}};
 
     QvSFEnum vertexOrdering{kVertexOrdering, UNKNOWN_ORDERING};
-    QvSFEnum shapeType{kShapeType, UNKNOWN_SHAPE_TYPE};
-    QvSFEnum faceType{kFaceType, CONVEX};
+    QvSFEnum shapeType{kShapeType, UNKNOWN_SHAPE_TYPE}, faceType{kFaceType, CONVEX};
     QvSFFloat creaseAngle{0.5F};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvShapeHints::vertexOrdering>("vertexOrdering", &kVertexOrdering),
-        field<&QvShapeHints::shapeType>("shapeType", &kShapeType),
-        field<&QvShapeHints::faceType>("faceType", &kFaceType),
-        field<&QvShapeHints::creaseAngle>("creaseAngle")};
+    static constexpr auto kClass = declare(
+        "ShapeHints", NodeKind::kProperty,
+        field<&This::vertexOrdering>("vertexOrdering", &kVertexOrdering),
+        field<&This::shapeType>("shapeType", &kShapeType),
+        field<&This::faceType>("faceType", &kFaceType), field<&This::creaseAngle>("creaseAngle"));
 
     void traverse(QvState& state) const override;
 };
@@ -238,94 +211,82 @@ public:
 
 class QvMaterial final : public BuiltIn<QvMaterial> {
 public:
-    static constexpr std::string_view kClassName = "Material";
     QvMFColor ambientColor{{0.2F, 0.2F, 0.2F}};
     // As dark as the ambient colour: kept, scenes are looked at with this default.
-    QvMFColor diffuseColor{{0.2F, 0.2F, 0.2F}};
-    QvMFColor specularColor{{0, 0, 0}};
-    QvMFColor emissiveColor{{0, 0, 0}};
-    QvMFFloat shininess{{0.2F}};
-    QvMFFloat transparency{{0}};
-    static constexpr FieldInfo kFields[] = {field<&QvMaterial::ambientColor>("ambientColor"),
-                                            field<&QvMaterial::diffuseColor>("diffuseColor"),
-                                            field<&QvMaterial::specularColor>("specularColor"),
-                                            field<&QvMaterial::emissiveColor>("emissiveColor"),
-                                            field<&QvMaterial::shininess>("shininess"),
-                                            field<&QvMaterial::transparency>("transparency")};
+    QvMFColor diffuseColor{{0.2F, 0.2F, 0.2F}}, specularColor{{0, 0, 0}}, emissiveColor{{0, 0, 0}};
+    QvMFFloat shininess{{0.2F}}, transparency{{0}};
+    static constexpr auto kClass = declare(
+        "Material", NodeKind::kProperty, field<&This::ambientColor>("ambientColor"),
+        field<&This::diffuseColor>("diffuseColor"), field<&This::specularColor>("specularColor"),
+        field<&This::emissiveColor>("emissiveColor"), field<&This::shininess>("shininess"),
+        field<&This::transparency>("transparency"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvMaterialBinding final : public BuiltIn<QvMaterialBinding> {
 public:
-    static constexpr std::string_view kClassName = "MaterialBinding";
     QvSFEnum value{Binding::kEnumeration, Binding::DEFAULT};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvMaterialBinding::value>("value", &Binding::kEnumeration)};
+    static constexpr auto kClass = declare("MaterialBinding", NodeKind::kProperty,
+                                           field<&This::value>("value", &Binding::kEnumeration));
 
     void traverse(QvState& state) const override;
 };
 
 class QvTexture2 final : public BuiltIn<QvTexture2> {
 public:
-    static constexpr std::string_view kClassName = "Texture2";
     enum Wrap : std::int32_t { REPEAT = 0, CLAMP = 1 };
-    static constexpr EnumWord kWrapWords[] = {{"REPEAT", REPEAT}, {"CLAMP", CLAMP}};
-    static constexpr Enumeration kWrap = {"Wrap", kWrapWords};
+    static constexpr Enumeration kWrap = {"Wrap", {{"REPEAT", REPEAT}, {"CLAMP", CLAMP}}};
 
     QvSFString filename{""};
     QvSFImage image;
-    QvSFEnum wrapS{kWrap, REPEAT};
-    QvSFEnum wrapT{kWrap, REPEAT};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvTexture2::filename>("filename"), field<&QvTexture2::image>("image"),
-        field<&QvTexture2::wrapS>("wrapS", &kWrap), field<&QvTexture2::wrapT>("wrapT", &kWrap)};
+    QvSFEnum wrapS{kWrap, REPEAT}, wrapT{kWrap, REPEAT};
+    static constexpr auto kClass =
+        declare("Texture2", NodeKind::kProperty, field<&This::filename>("filename"),
+                field<&This::image>("image"), field<&This::wrapS>("wrapS", &kWrap),
+                field<&This::wrapT>("wrapT", &kWrap));
 
     void traverse(QvState& state) const override;
 };
 
 class QvTexture2Transform final : public BuiltIn<QvTexture2Transform> {
 public:
-    static constexpr std::string_view kClassName = "Texture2Transform";
     QvSFVec2f translation{{0, 0}};
     QvSFFloat rotation{0};
-    QvSFVec2f scaleFactor{{1, 1}};
-    QvSFVec2f center{{0, 0}};
-    static constexpr FieldInfo kFields[] = {field<&QvTexture2Transform::translation>("translation"),
-                                            field<&QvTexture2Transform::rotation>("rotation"),
-                                            field<&QvTexture2Transform::scaleFactor>("scaleFactor"),
-                                            field<&QvTexture2Transform::center>("center")};
+    QvSFVec2f scaleFactor{{1, 1}}, center{{0, 0}};
+    static constexpr auto kClass =
+        declare("Texture2Transform", NodeKind::kProperty, field<&This::translation>("translation"),
+                field<&This::rotation>("rotation"), field<&This::scaleFactor>("scaleFactor"),
+                field<&This::center>("center"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvTextureCoordinate2 final : public BuiltIn<QvTextureCoordinate2> {
 public:
-    static constexpr std::string_view kClassName = "TextureCoordinate2";
     QvMFVec2f point{{0, 0}};
-    static constexpr FieldInfo kFields[] = {field<&QvTextureCoordinate2::point>("point")};
+    static constexpr auto kClass =
+        declare("TextureCoordinate2", NodeKind::kProperty, field<&This::point>("point"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvFontStyle final : public BuiltIn<QvFontStyle> {
 public:
-    static constexpr std::string_view kClassName = "FontStyle";
     enum Family : std::int32_t { SERIF = 0, SANS = 1, TYPEWRITER = 2 };
-    static constexpr EnumWord kFamilyWords[] = {
-        {"SERIF", SERIF}, {"SANS", SANS}, {"TYPEWRITER", TYPEWRITER}};
-    static constexpr Enumeration kFamily = {"Fontfamily", kFamilyWords};
+    static constexpr Enumeration kFamily = {
+        "Fontfamily", {{"SERIF", SERIF}, {"SANS", SANS}, {"TYPEWRITER", TYPEWRITER}}};
 
     enum Style : std::int32_t { NONE = 0, BOLD = 1, ITALIC = 2 };
-    static constexpr EnumWord kStyleWords[] = {{"NONE", NONE}, {"BOLD", BOLD}, {"ITALIC", ITALIC}};
-    static constexpr Enumeration kStyle = {"Fontstyle", kStyleWords};
+    static constexpr Enumeration kStyle = {"Fontstyle",
+                                           {{"NONE", NONE}, {"BOLD", BOLD}, {"ITALIC", ITALIC}}};
 
     QvSFFloat size{10};
     QvSFEnum family{kFamily, SERIF};
     QvSFBitMask style{kStyle, NONE};
-    static constexpr FieldInfo kFields[] = {field<&QvFontStyle::size>("size"),
-                                            field<&QvFontStyle::family>("family", &kFamily),
-                                            field<&QvFontStyle::style>("style", &kStyle)};
+    static constexpr auto kClass =
+        declare("FontStyle", NodeKind::kProperty, field<&This::size>("size"),
+                field<&This::family>("family", &kFamily), field<&This::style>("style", &kStyle));
 
     void traverse(QvState& state) const override;
 };
@@ -334,94 +295,73 @@ public:
 
 class QvDirectionalLight final : public BuiltIn<QvDirectionalLight> {
 public:
-    static constexpr std::string_view kClassName = "DirectionalLight";
     QvSFBool on{true};
     QvSFFloat intensity{1};
     QvSFColor color{{1, 1, 1}};
     QvSFVec3f direction{{0, 0, -1}};
-    static constexpr FieldInfo kFields[] = {field<&QvDirectionalLight::on>("on"),
-                                            field<&QvDirectionalLight::intensity>("intensity"),
-                                            field<&QvDirectionalLight::color>("color"),
-                                            field<&QvDirectionalLight::direction>("direction")};
+    static constexpr auto kClass =
+        declare("DirectionalLight", NodeKind::kProperty, field<&This::on>("on"),
+                field<&This::intensity>("intensity"), field<&This::color>("color"),
+                field<&This::direction>("direction"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvPointLight final : public BuiltIn<QvPointLight> {
 public:
-    static constexpr std::string_view kClassName = "PointLight";
     QvSFBool on{true};
     QvSFFloat intensity{1};
     QvSFColor color{{1, 1, 1}};
     QvSFVec3f location{{0, 0, 1}};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvPointLight::on>("on"), field<&QvPointLight::intensity>("intensity"),
-        field<&QvPointLight::color>("color"), field<&QvPointLight::location>("location")};
+    static constexpr auto kClass =
+        declare("PointLight", NodeKind::kProperty, field<&This::on>("on"),
+                field<&This::intensity>("intensity"), field<&This::color>("color"),
+                field<&This::location>("location"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvSpotLight final : public BuiltIn<QvSpotLight> {
 public:
-    static constexpr std::string_view kClassName = "SpotLight";
     QvSFBool on{true};
     QvSFFloat intensity{1};
     QvSFColor color{{1, 1, 1}};
-    QvSFVec3f location{{0, 0, 1}};
-    QvSFVec3f direction{{0, 0, -1}};
-    QvSFFloat dropOffRate{0};
-    QvSFFloat cutOffAngle{kQuarterPi};
-    static constexpr FieldInfo kFields[] = {field<&QvSpotLight::on>("on"),
-                                            field<&QvSpotLight::intensity>("intensity"),
-                                            field<&QvSpotLight::color>("color"),
-                                            field<&QvSpotLight::location>("location"),
-                                            field<&QvSpotLight::direction>("direction"),
-                                            field<&QvSpotLight::dropOffRate>("dropOffRate"),
-                                            field<&QvSpotLight::cutOffAngle>("cutOffAngle")};
+    QvSFVec3f location{{0, 0, 1}}, direction{{0, 0, -1}};
+    QvSFFloat dropOffRate{0}, cutOffAngle{kQuarterPi};
+    static constexpr auto kClass =
+        declare("SpotLight", NodeKind::kProperty, field<&This::on>("on"),
+                field<&This::intensity>("intensity"), field<&This::color>("color"),
+                field<&This::location>("location"), field<&This::direction>("direction"),
+                field<&This::dropOffRate>("dropOffRate"), field<&This::cutOffAngle>("cutOffAngle"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvOrthographicCamera final : public BuiltIn<QvOrthographicCamera> {
 public:
-    static constexpr std::string_view kClassName = "OrthographicCamera";
     QvSFVec3f position{{0, 0, 1}};
     QvSFRotation orientation{kNoRotation};
-    QvSFFloat focalDistance{5};
-    QvSFFloat height{2};
-    QvSFFloat aspectRatio{1};
-    QvSFFloat nearDistance{1};
-    QvSFFloat farDistance{10};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvOrthographicCamera::position>("position"),
-        field<&QvOrthographicCamera::orientation>("orientation"),
-        field<&QvOrthographicCamera::focalDistance>("focalDistance"),
-        field<&QvOrthographicCamera::height>("height"),
-        field<&QvOrthographicCamera::aspectRatio>("aspectRatio"),
-        field<&QvOrthographicCamera::nearDistance>("nearDistance"),
-        field<&QvOrthographicCamera::farDistance>("farDistance")};
+    QvSFFloat focalDistance{5}, height{2}, aspectRatio{1}, nearDistance{1}, farDistance{10};
+    static constexpr auto kClass = declare(
+        "OrthographicCamera", NodeKind::kProperty, field<&This::position>("position"),
+        field<&This::orientation>("orientation"), field<&This::focalDistance>("focalDistance"),
+        field<&This::height>("height"), field<&This::aspectRatio>("aspectRatio"),
+        field<&This::nearDistance>("nearDistance"), field<&This::farDistance>("farDistance"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvPerspectiveCamera final : public BuiltIn<QvPerspectiveCamera> {
 public:
-    static constexpr std::string_view kClassName = "PerspectiveCamera";
     QvSFVec3f position{{0, 0, 1}};
     QvSFRotation orientation{kNoRotation};
-    QvSFFloat focalDistance{5};
-    QvSFFloat heightAngle{kQuarterPi};
-    QvSFFloat aspectRatio{1};
-    QvSFFloat nearDistance{1};
+    QvSFFloat focalDistance{5}, heightAngle{kQuarterPi}, aspectRatio{1}, nearDistance{1};
     QvSFFloat farDistance{10};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvPerspectiveCamera::position>("position"),
-        field<&QvPerspectiveCamera::orientation>("orientation"),
-        field<&QvPerspectiveCamera::focalDistance>("focalDistance"),
-        field<&QvPerspectiveCamera::heightAngle>("heightAngle"),
-        field<&QvPerspectiveCamera::aspectRatio>("aspectRatio"),
-        field<&QvPerspectiveCamera::nearDistance>("nearDistance"),
-        field<&QvPerspectiveCamera::farDistance>("farDistance")};
+    static constexpr auto kClass = declare(
+        "PerspectiveCamera", NodeKind::kProperty, field<&This::position>("position"),
+        field<&This::orientation>("orientation"), field<&This::focalDistance>("focalDistance"),
+        field<&This::heightAngle>("heightAngle"), field<&This::aspectRatio>("aspectRatio"),
+        field<&This::nearDistance>("nearDistance"), field<&This::farDistance>("farDistance"));
 
     void traverse(QvState& state) const override;
 };
@@ -430,53 +370,51 @@ public:
 
 class QvMatrixTransform final : public BuiltIn<QvMatrixTransform> {
 public:
-    static constexpr std::string_view kClassName = "MatrixTransform";
     QvSFMatrix matrix{{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
-    static constexpr FieldInfo kFields[] = {field<&QvMatrixTransform::matrix>("matrix")};
+    static constexpr auto kClass =
+        declare("MatrixTransform", NodeKind::kProperty, field<&This::matrix>("matrix"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvRotation final : public BuiltIn<QvRotation> {
 public:
-    static constexpr std::string_view kClassName = "Rotation";
     QvSFRotation rotation{kNoRotation};
-    static constexpr FieldInfo kFields[] = {field<&QvRotation::rotation>("rotation")};
+    static constexpr auto kClass =
+        declare("Rotation", NodeKind::kProperty, field<&This::rotation>("rotation"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvScale final : public BuiltIn<QvScale> {
 public:
-    static constexpr std::string_view kClassName = "Scale";
     QvSFVec3f scaleFactor{{1, 1, 1}};
-    static constexpr FieldInfo kFields[] = {field<&QvScale::scaleFactor>("scaleFactor")};
+    static constexpr auto kClass =
+        declare("Scale", NodeKind::kProperty, field<&This::scaleFactor>("scaleFactor"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvTransform final : public BuiltIn<QvTransform> {
 public:
-    static constexpr std::string_view kClassName = "Transform";
     QvSFVec3f translation{{0, 0, 0}};
     QvSFRotation rotation{kNoRotation};
     QvSFVec3f scaleFactor{{1, 1, 1}};
     QvSFRotation scaleOrientation{kNoRotation};
     QvSFVec3f center{{0, 0, 0}};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvTransform::translation>("translation"), field<&QvTransform::rotation>("rotation"),
-        field<&QvTransform::scaleFactor>("scaleFactor"),
-        field<&QvTransform::scaleOrientation>("scaleOrientation"),
-        field<&QvTransform::center>("center")};
+    static constexpr auto kClass =
+        declare("Transform", NodeKind::kProperty, field<&This::translation>("translation"),
+                field<&This::rotation>("rotation"), field<&This::scaleFactor>("scaleFactor"),
+                field<&This::scaleOrientation>("scaleOrientation"), field<&This::center>("center"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvTranslation final : public BuiltIn<QvTranslation> {
 public:
-    static constexpr std::string_view kClassName = "Translation";
     QvSFVec3f translation{{0, 0, 0}};
-    static constexpr FieldInfo kFields[] = {field<&QvTranslation::translation>("translation")};
+    static constexpr auto kClass =
+        declare("Translation", NodeKind::kProperty, field<&This::translation>("translation"));
 
     void traverse(QvState& state) const override;
 };
@@ -485,72 +423,65 @@ public:
 
 class QvLevelOfDetail final : public BuiltIn<QvLevelOfDetail, QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "LevelOfDetail";
     QvMFFloat range{{0}};
     QvSFVec3f center{{0, 0, 0}};
-    static constexpr FieldInfo kFields[] = {field<&QvLevelOfDetail::range>("range"),
-                                            field<&QvLevelOfDetail::center>("center")};
+    static constexpr auto kClass =
+        declare("LevelOfDetail", NodeKind::kGroup, field<&This::range>("range"),
+                field<&This::center>("center"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvSeparator final : public BuiltIn<QvSeparator, QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "Separator";
     enum CullEnabled : std::int32_t { OFF = 0, ON = 1, AUTO = 2 };
-    static constexpr EnumWord kCullEnabledWords[] = {{"ON", ON}, {"OFF", OFF}, {"AUTO", AUTO}};
-    static constexpr Enumeration kCullEnabled = {"CullEnabled", kCullEnabledWords};
+    static constexpr Enumeration kCullEnabled = {"CullEnabled",
+                                                 {{"ON", ON}, {"OFF", OFF}, {"AUTO", AUTO}}};
 
     QvSFEnum renderCulling{kCullEnabled, AUTO};
-    static constexpr FieldInfo kFields[] = {
-        field<&QvSeparator::renderCulling>("renderCulling", &kCullEnabled)};
+    static constexpr auto kClass = declare(
+        "Separator", NodeKind::kGroup, field<&This::renderCulling>("renderCulling", &kCullEnabled));
 
     void traverse(QvState& state) const override;
 };
 
 class QvSwitch final : public BuiltIn<QvSwitch, QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "Switch";
     QvSFLong whichChild{-1};
-    static constexpr FieldInfo kFields[] = {field<&QvSwitch::whichChild>("whichChild")};
+    static constexpr auto kClass =
+        declare("Switch", NodeKind::kGroup, field<&This::whichChild>("whichChild"));
 
     void traverse(QvState& state) const override;
 };
 
 class QvTransformSeparator final : public BuiltIn<QvTransformSeparator, QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "TransformSeparator";
-    static constexpr std::array<FieldInfo, 0> kFields{};
+    static constexpr auto kClass = declare("TransformSeparator", NodeKind::kGroup);
 
     void traverse(QvState& state) const override;
 };
 
 class QvWWWAnchor final : public BuiltIn<QvWWWAnchor, QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "WWWAnchor";
     enum Map : std::int32_t { NONE = 0, POINT = 1 };
-    static constexpr EnumWord kMapWords[] = {{"NONE", NONE}, {"POINT", POINT}};
-    static constexpr Enumeration kMap = {"Map", kMapWords};
+    static constexpr Enumeration kMap = {"Map", {{"NONE", NONE}, {"POINT", POINT}}};
 
-    QvSFString name{""};
-    QvSFString description{""};
+    QvSFString name{""}, description{""};
     QvSFEnum map{kMap, NONE};
-    static constexpr FieldInfo kFields[] = {field<&QvWWWAnchor::name>("name"),
-                                            field<&QvWWWAnchor::description>("description"),
-                                            field<&QvWWWAnchor::map>("map", &kMap)};
+    static constexpr auto kClass =
+        declare("WWWAnchor", NodeKind::kGroup, field<&This::name>("name"),
+                field<&This::description>("description"), field<&This::map>("map", &kMap));
 
     void traverse(QvState& state) const override;
 };
 
 class QvWWWInline final : public BuiltIn<QvWWWInline, QvGroup> {
 public:
-    static constexpr std::string_view kClassName = "WWWInline";
     QvSFString name{""};
-    QvSFVec3f bboxSize{{0, 0, 0}};
-    QvSFVec3f bboxCenter{{0, 0, 0}};
-    static constexpr FieldInfo kFields[] = {field<&QvWWWInline::name>("name"),
-                                            field<&QvWWWInline::bboxSize>("bboxSize"),
-                                            field<&QvWWWInline::bboxCenter>("bboxCenter")};
+    QvSFVec3f bboxSize{{0, 0, 0}}, bboxCenter{{0, 0, 0}};
+    static constexpr auto kClass =
+        declare("WWWInline", NodeKind::kShape, field<&This::name>("name"),
+                field<&This::bboxSize>("bboxSize"), field<&This::bboxCenter>("bboxCenter"));
 
     void traverse(QvState& state) const override;
 };
@@ -560,9 +491,8 @@ public:
 /// Text for readers of the file; nothing to the walk.
 class QvInfo final : public BuiltIn<QvInfo> {
 public:
-    static constexpr std::string_view kClassName = "Info";
     QvSFString string{"<Undefined info>"};
-    static constexpr FieldInfo kFields[] = {field<&QvInfo::string>("string")};
+    static constexpr auto kClass = declare("Info", NodeKind::kInfo, field<&This::string>("string"));
 
     void traverse(QvState& state) const override;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vrml/catalogue.h"
 #include "vrml/group.h"
 #include "vrml/names.h"
 #include "vrml/node.h"
@@ -17,7 +18,7 @@ class Diagnostics;
 /// Scenes share nothing that changes, so each may be read and walked by a thread of its own.
 class Scene {
 public:
-    Scene() = default;
+    Scene() : names_(&catalogueNames()) {}
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 

@@ -1,7 +1,6 @@
 #include "vrml/scene_reader.h"
 
 #include "vrml/catalogue.h"
-#include "vrml/catalogue_names.h"
 #include "vrml/input.h"
 #include "vrml/scene.h"
 

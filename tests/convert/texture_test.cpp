@@ -29,7 +29,7 @@ protected:
         options_.textures = true;
         options_.images.folder = path;
         for (std::string& converter : options_.images.converters) {
-            converter = path + "/" + (converter.empty() ? "other" : converter);
+            converter.insert(0, path + "/");
             std::ofstream(converter)
                 << "#!/bin/sh\nprintf '%s|' \"${0##*/}\" \"$@\" >>" << path << "/calls\n";
             std::filesystem::permissions(converter, std::filesystem::perms::owner_all);
@@ -78,10 +78,10 @@ TEST_F(Textures, ConvertersRunOnImageFiles) {
     EXPECT_EQ(calls("http://h/p.jpeg"), "jpg2kra|./p.jpeg|" + folder_ + "/p.jx|");
     EXPECT_EQ(calls("x'; touch $(id) `id` & .gif"),
               "gif2kra|./x'; touch $(id) `id` & .gif|" + folder_ + "/x'; touch $(id) `id` & .x|");
-    options_.images.converters.fill(folder_ + "/other -o");
-    EXPECT_EQ(calls("p.sgi"), "other|-o|./p.sgi|" + folder_ + "/p.x|");
-    EXPECT_EQ(calls("p.gif"), "other|-o|./p.gif|" + folder_ + "/p.x|");
-    EXPECT_EQ(calls("p.jpg"), "other|-o|./p.jpg|" + folder_ + "/p.x|");
+    options_.images.converters.fill(folder_ + "/rgb2kra -o");
+    EXPECT_EQ(calls("p.sgi"), "rgb2kra|-o|./p.sgi|" + folder_ + "/p.x|");
+    EXPECT_EQ(calls("p.gif"), "rgb2kra|-o|./p.gif|" + folder_ + "/p.x|");
+    EXPECT_EQ(calls("p.jpg"), "rgb2kra|-o|./p.jpg|" + folder_ + "/p.x|");
 }
 
 TEST_F(Textures, UnknownTypesSwitchTexturesOff) {

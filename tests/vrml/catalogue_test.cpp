@@ -103,8 +103,8 @@ TEST(Catalogue, Enumerations) {
             }
             last = info.words;
             found.append(nodeClass.name).append(".").append(last->typeName).append(":");
-            for (const EnumWord& word : last->words) {
-                found.append(&word == last->words.data() ? " " : ", ").append(word.word);
+            for (const EnumWord& word : last->words()) {
+                found.append(&word == last->words().data() ? " " : ", ").append(word.word);
                 found.append(" ").append(std::to_string(word.value));
             }
             found += "\n";

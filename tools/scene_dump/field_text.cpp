@@ -83,9 +83,9 @@ const EnumWord* wordOf(std::int32_t value, const Enumeration* words) {
     if (words == nullptr) {
         return nullptr;
     }
-    const auto found = std::find_if(words->words.begin(), words->words.end(),
+    const auto found = std::find_if(words->words().begin(), words->words().end(),
                                     [value](const EnumWord& word) { return word.value == value; });
-    return found == words->words.end() ? nullptr : &*found;
+    return found == words->words().end() ? nullptr : &*found;
 }
 
 /// One word where there is one for the value, otherwise a list of those that make it up.
@@ -95,7 +95,7 @@ std::string maskText(std::int32_t value, const Enumeration* words) {
     }
     std::string text;
     if (words != nullptr) {
-        for (const EnumWord& word : words->words) {
+        for (const EnumWord& word : words->words()) {
             if (word.value != 0 && (value & word.value) == word.value) {
                 text.append(text.empty() ? "" : " | ").append(word.word);
             }

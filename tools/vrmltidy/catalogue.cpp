@@ -37,9 +37,9 @@ ClassInfo describe(const meshcast::ClassInfo& nodeClass) {
     ClassInfo info;
     info.name = nodeClass.name;
     info.isGroup = nodeClass.isGroup;
-    info.picksChild = nodeClass.name == QvSwitch::kClassName ||
-                      nodeClass.fields.data() == QvLevelOfDetail::kFields;
-    info.isInline = nodeClass.name == QvWWWInline::kClassName;
+    info.picksChild = nodeClass.name == QvSwitch::kClass.name ||
+                      nodeClass.fields.data() == QvLevelOfDetail::kClass.fields.data();
+    info.isInline = nodeClass.name == QvWWWInline::kClass.name;
     for (const meshcast::FieldInfo& field : nodeClass.fields) {
         info.addField(field.name, valueType(field.type, field.words));
     }
@@ -171,7 +171,7 @@ std::string_view meantWord(const Enumeration* words, std::string_view written) {
         return {};
     }
     std::vector<std::string_view> begun;
-    for (const auto& [word, value] : words->words) {
+    for (const auto& [word, value] : words->words()) {
         const std::string candidate = bare(word);
         if (candidate == text) {
             return word;
