@@ -4,6 +4,8 @@
 #include "convert/object_sink.h"
 #include "vrml/byte_source.h"
 #include "vrml/diagnostics.h"
+#include "vrml/scene.h"
+#include "vrml/scene_reader.h"
 
 #include <cstdlib>
 #include <new>
@@ -39,10 +41,12 @@ int main() {
     std::set_new_handler([] { GEOMfatal_error("out of memory"); });
     // POSIX makes no difference between text and binary descriptors, so no byte of the stream is
     // translated on its way out.
-    DescriptorSource scene(STDIN_FILENO);
+    DescriptorSource source(STDIN_FILENO);
     DescriptorSink stream(STDOUT_FILENO);
     StandardErrorDiagnostics messages;
+    Scene& scene = *new Scene; // Never taken apart: what it holds goes with the process.
     // A scene that cannot be read has been reported, and the exit status is 0 all the same.
+    readScene(scene, source, messages);
     convertScene(scene, stream, messages, environmentOptions());
     return 0;
 }

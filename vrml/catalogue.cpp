@@ -72,12 +72,7 @@ const NameTable& catalogueNames() {
 }
 
 InternedName catalogueName(std::string_view text) {
-    return catalogueNames().find(text);
-}
-
-QvNode* createNode(Scene& scene, InternedName className) {
-    const ClassInfo* const found = findClass(className);
-    return found == nullptr ? nullptr : found->create(scene);
+    return catalogueNames().at(text);
 }
 
 } // namespace meshcast

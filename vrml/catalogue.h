@@ -33,7 +33,4 @@ const NameTable& catalogueNames();
 /// The handle of such a name.
 InternedName catalogueName(std::string_view text);
 
-/// Makes a node of a class, with its defaults; null when the catalogue has no class of that name.
-QvNode* createNode(Scene& scene, InternedName className);
-
 } // namespace meshcast

@@ -19,12 +19,7 @@ namespace meshcast {
 
 namespace {
 
-struct Header {
-    std::string_view line;
-    float version;
-};
-
-constexpr std::array<Header, 1> kHeaders = {{{"#VRML V1.0 ascii", 1.0F}}};
+constexpr std::string_view kHeader = "#VRML V1.0 ascii";
 /// Lines are collected up to this length, beyond which none can match.
 constexpr std::size_t kMaxHeaderLength = 256;
 
@@ -90,10 +85,7 @@ bool VrmlInput::checkHeader() {
         }
     }
     line_ += c == '\n' ? 1 : 0;
-    const auto* const header =
-        std::find_if(kHeaders.begin(), kHeaders.end(),
-                     [&line](const Header& candidate) { return candidate.line == line; });
-    version_ = header == kHeaders.end() ? 0.0F : header->version;
+    version_ = line == kHeader ? 1.0F : 0.0F;
     return version_ != 0.0F || rejectHeader();
 }
 

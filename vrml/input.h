@@ -69,15 +69,12 @@ public:
 
     /// Reads one character and fails, with the character put back, when it is not `expected`.
     bool readExpected(char expected) {
-        char c = 0;
-        if (!get(c)) {
+        if (next_ == end_ && !advance()) {
             return false;
         }
-        if (c != expected) {
-            putBack(c);
-            return false;
-        }
-        return true;
+        const char c = *next_;
+        next_ += c == expected || c == kEndOfFile ? 1 : 0;
+        return c == expected;
     }
 
     /// Reads an identifier: a letter or `_`, then letters, digits and `_`. When no such character

@@ -5,10 +5,18 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <new>
 
 namespace meshcast {
 
 namespace {
+
+constexpr std::size_t kFirstSlots = 256; // A power of two, as is the growth.
+constexpr std::size_t kGrowth = 4;
+
+std::string_view viewOf(const NameEntry& entry) {
+    return {entry.text, entry.length};
+}
 
 bool isLegalInside(char c) {
     static constexpr std::string_view kForbidden = "+'\"\\{}";
@@ -17,63 +25,58 @@ bool isLegalInside(char c) {
 
 } // namespace
 
-std::uint32_t NameTable::hashOf(std::string_view text) {
-    // The library's hash: for a simpler one it is easy to find any number of names of one hash.
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
-}
+NameTable::NameTable(const NameTable* shared) : shared_(shared), slots_(kFirstSlots) {}
 
 /// The slot that holds the text, or the free one where it belongs.
-std::size_t NameTable::slotOf(std::string_view text, std::uint32_t hash) const {
-    std::size_t slot = hash & (slots_.size() - 1);
-    while (slots_[slot].place != 0 && (slots_[slot].hash != hash || nameAt(slot).view() != text)) {
-        slot = after(slot);
+std::size_t NameTable::slotOf(std::string_view text, std::size_t hash) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = hash & mask;
+    while (slots_[slot].entry != nullptr &&
+           (slots_[slot].hash != hash || viewOf(*slots_[slot].entry) != text)) {
+        slot = (slot + 1) & mask;
     }
     return slot;
-}
-
-/// The name in a slot; the empty name if the slot is free.
-InternedName NameTable::nameAt(std::size_t slot) const {
-    const std::uint32_t place = slots_[slot].place;
-    return place == 0 ? InternedName() : InternedName(entries_[place - 1]);
 }
 
 InternedName NameTable::intern(std::string_view text) {
     if (text.empty()) {
         return {};
     }
-    const std::uint32_t hash = hashOf(text);
-    std::size_t number = entries_.size() + 1;
+    // The library's hash: for a simpler one it is easy to find any number of names of one hash.
+    const std::size_t hash = std::hash<std::string_view>()(text);
     if (shared_ != nullptr) {
-        if (const InternedName name = shared_->nameAt(shared_->slotOf(text, hash)); !name.empty()) {
-            return name;
+        if (const Slot& slot = shared_->slots_[shared_->slotOf(text, hash)];
+            slot.entry != nullptr) {
+            return InternedName(*slot.entry);
         }
-        number += shared_->entries_.size();
     }
-    const std::size_t slot = slotOf(text, hash);
-    if (slots_[slot].place == 0) {
-        auto* const copy = static_cast<char*>(texts_.allocate(text.size() + 1, 1));
-        *std::copy(text.begin(), text.end(), copy) = '\0';
-        entries_.push_back({copy, text.size(), static_cast<std::uint32_t>(number)});
-        slots_[slot] = {hash, static_cast<std::uint32_t>(entries_.size())};
-        if (entries_.size() > slots_.size() / 2) {
-            grow();
-        }
-        return InternedName(entries_.back());
+    Slot& slot = slots_[slotOf(text, hash)];
+    if (slot.entry != nullptr) {
+        return InternedName(*slot.entry);
     }
-    return nameAt(slot);
+    auto* const copy = static_cast<char*>(memory_.allocate(text.size() + 1, 1));
+    *std::copy(text.begin(), text.end(), copy) = '\0';
+    const std::size_t number = ++size_ + (shared_ != nullptr ? shared_->size_ : 0);
+    void* const place = memory_.allocate(sizeof(NameEntry), alignof(NameEntry));
+    auto* const entry =
+        new (place) NameEntry{copy, text.size(), static_cast<std::uint32_t>(number)};
+    slot = {hash, entry};
+    if (size_ > slots_.size() / 2) {
+        grow();
+    }
+    return InternedName(*entry);
+}
+
+InternedName NameTable::at(std::string_view text) const {
+    return InternedName(*slots_[slotOf(text, std::hash<std::string_view>()(text))].entry);
 }
 
 void NameTable::grow() {
-    constexpr std::size_t kGrowth = 4;
     std::vector<Slot> old(kGrowth * slots_.size());
     std::swap(old, slots_);
     for (const Slot& moved : old) {
-        if (moved.place != 0) {
-            std::size_t slot = moved.hash & (slots_.size() - 1);
-            while (slots_[slot].place != 0) {
-                slot = after(slot);
-            }
-            slots_[slot] = moved;
+        if (moved.entry != nullptr) {
+            slots_[slotOf(viewOf(*moved.entry), moved.hash)] = moved;
         }
     }
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <memory_resource>
 #include <span>
@@ -64,31 +63,27 @@ private:
 class NameTable {
 public:
     /// A table for the names that `shared` does not hold: the handles of those are its own.
-    explicit NameTable(const NameTable* shared = nullptr) : shared_(shared), slots_(kFirstSlots) {}
+    explicit NameTable(const NameTable* shared = nullptr);
 
     /// The handle of a text, valid as long as the table; the first use of a text copies it.
     InternedName intern(std::string_view text);
-    /// The handle of a text that the table itself holds; the empty name for any other.
-    InternedName find(std::string_view text) const { return nameAt(slotOf(text, hashOf(text))); }
+    /// The handle of a text that the table itself must hold.
+    InternedName at(std::string_view text) const;
+    std::size_t size() const { return size_; }
 
 private:
     struct Slot {
-        std::uint32_t hash = 0;
-        std::uint32_t place = 0; ///< Of the entry, from 1; 0 in a free slot.
+        std::size_t hash = 0;
+        const NameEntry* entry = nullptr; ///< Null in a free slot.
     };
 
-    static constexpr std::size_t kFirstSlots = 256; // A power of two, as is the growth.
-
-    static std::uint32_t hashOf(std::string_view text);
-    std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
-    InternedName nameAt(std::size_t slot) const;
-    std::size_t after(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
+    std::size_t slotOf(std::string_view text, std::size_t hash) const;
     void grow();
 
     const NameTable* shared_;
     std::vector<Slot> slots_;
-    std::deque<NameEntry> entries_;
-    std::pmr::monotonic_buffer_resource texts_; ///< Many short ones cost one allocation.
+    std::size_t size_ = 0;
+    std::pmr::monotonic_buffer_resource memory_; ///< Of the entries and their texts.
 };
 
 /// Values by name. Names start with Value{}.

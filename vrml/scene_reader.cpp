@@ -69,8 +69,8 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
 /// Makes the node of a class. Outside the registry a class is known by the word "fields" at the
 /// start of its body, which is left to be read again. Reports a class that is not known.
 QvNode* createFromInput(VrmlInput& input, InternedName className) {
-    if (QvNode* const node = createNode(input.scene(), className)) {
-        return node;
+    if (const ClassInfo* const known = findClass(className)) {
+        return known->create(input.scene());
     }
     std::string word;
     if (!input.readString(word) || word != "fields") {

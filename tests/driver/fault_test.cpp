@@ -76,7 +76,7 @@ TEST(Faults, MemoryEndsTheRunWithItsWordsBetweenTwoRecords) {
                                         std::fprintf(stderr, "%d", INT_MAX - allocation_to_fail);
                                     }).messages;
         const int allocations = std::stoi(counted.substr(whole.messages.size()));
-        EXPECT_GT(allocations, 300);
+        EXPECT_GT(allocations, 200);
         for (int n = 1; n <= allocations; ++n) {
             const Result failed = run(scene, failing(n));
             std::smatch words;

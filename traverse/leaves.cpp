@@ -4,8 +4,9 @@
 
 #include <memory>
 
-// A property node in the walk puts an element that refers to it on the stack of its kind. Shapes
-// read the node's fields through the element.
+// Nodes without children. A property puts an element that refers to it on the stack of its kind,
+// through which shapes read its fields. A shape hands itself to the visitor of the walk: that is
+// the place to look for what becomes of it.
 
 namespace meshcast {
 
@@ -71,6 +72,16 @@ void QvTextureCoordinate2::traverse(QvState& state) const {
     add(state, Kind::TextureCoordinate2, *this);
 }
 void QvFontStyle::traverse(QvState& state) const { add(state, Kind::FontStyle, *this); }
+
+void QvAsciiText::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvCone::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvCube::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvCylinder::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvIndexedFaceSet::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvIndexedLineSet::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvPointSet::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvSphere::traverse(QvState& state) const { state.shapes().visit(*this, state); }
+void QvWWWInline::traverse(QvState& state) const { state.shapes().visit(*this, state); }
 
 void QvInfo::traverse(QvState& /*state*/) const {}
 
