@@ -8,13 +8,13 @@
 set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
-nlohmann-json3-dev zlib1g-dev libgtest-dev libgmock-dev parallel groff-base"
+nlohmann-json3-dev zlib1g-dev libgtest-dev libgmock-dev parallel groff-base python3"
 [ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then
-    packages="$packages clang-format clang-tidy cppcheck shellcheck libbenchmark-dev python3 valgrind git"
+    packages="$packages clang-format clang-tidy cppcheck shellcheck libbenchmark-dev valgrind git"
 fi
 if [ "${1:-}" = "--portability" ]; then
-    packages="$packages clang python3 g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user"
+    packages="$packages clang g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user"
 fi
 
 missing=""
