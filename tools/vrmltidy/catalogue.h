@@ -9,7 +9,7 @@
 #include <vector>
 
 namespace meshcast {
-struct Enumeration;
+class Enumeration;
 } // namespace meshcast
 
 namespace meshcast::tidy {
