@@ -3,8 +3,8 @@
 #include "convert/convert.h"
 #include "fuzz/finding.h"
 #include "fuzz/object_values.h"
+#include "geom_stream/decoder.h"
 #include "tests/support/memory_sink.h"
-#include "tools/geomtool/decoder.h"
 #include "vrml/input.h"
 #include "vrml/nodes.h"
 #include "vrml/scene.h"
@@ -145,7 +145,7 @@ Outcome run(std::string_view text, std::size_t pieceSize, const ConvertOptions& 
     const std::string stream = sink.bytes();
     auto decoded = geom_stream::decode(std::as_bytes(std::span(stream)));
     if (decoded.error) {
-        finding("at byte %llu: %s", static_cast<unsigned long long>(decoded.error->offset),
+        finding("at byte %s: %s", std::to_string(decoded.error->offset).c_str(),
                 decoded.error->message.c_str());
     }
     return {std::move(decoded.objects), sink.printed + messages.text};

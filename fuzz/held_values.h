@@ -1,7 +1,7 @@
 #pragma once
 
 #include "compat/geom/geom.h"
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
 namespace meshcast::fuzz {
 

@@ -5,7 +5,7 @@
 #include "fuzz/memory_file.h"
 #include "fuzz/object_values.h"
 #include "fuzz/random_object.h"
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -47,7 +47,8 @@ void checkDecoded(const std::vector<RandomObject>& objects, const std::string& s
                   int version) {
     const auto decoded = geom_stream::decode(std::as_bytes(std::span(stream)));
     if (decoded.error) {
-        finding("at byte %zu: %s", decoded.error->offset, decoded.error->message.c_str());
+        finding("at byte %s: %s", std::to_string(decoded.error->offset).c_str(),
+                decoded.error->message.c_str());
     }
     check(decoded.objects.size() == objects.size(), "objects are missing");
     for (std::size_t i = 0; i < objects.size(); ++i) {

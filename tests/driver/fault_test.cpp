@@ -1,7 +1,7 @@
 #include "tests/driver/scene_files.h"
 #include "tests/support/capture.h"
 #include "tests/support/faults.h"
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
 #include <gtest/gtest.h>
 

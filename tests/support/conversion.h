@@ -2,7 +2,7 @@
 
 #include "convert/convert.h"
 #include "tests/support/memory_sink.h"
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 #include "vrml/byte_source.h"
 #include "vrml/input.h"
 #include "vrml/nodes.h"

@@ -122,6 +122,28 @@ TEST_F(Geomtool, ListsObjectsAsJson) {
     EXPECT_EQ(broken["error"]["offset"], 297);
 }
 
+TEST_F(Geomtool, NeedsNoMoreMemoryThanTheLargestRecord) {
+    // 100 MB through a pipe, and then a count that no memory holds, in 64 MB of address space. Not
+    // under the sanitizers, whose shadow alone takes more.
+#ifndef __SANITIZE_ADDRESS__
+    auto claim = records::named("sphere 10").bytes;
+    std::fill_n(&claim[64], 3, std::byte{0x7f});
+    std::ofstream(folder + "/claim", std::ios::binary)
+        .write(reinterpret_cast<const char*>(claim.data()), std::ssize(claim));
+    const auto all = records::all().bytes;
+    const int copies = 100'000'000 / static_cast<int>(all.size());
+    const Outcome outcome =
+        run("--version >/dev/null && ulimit -v 65536 && { yes stream | head -n " +
+                std::to_string(copies) + " | xargs cat; cat claim; } | '" + GEOMTOOL_PROGRAM +
+                "' info --totals",
+            all);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.out.starts_with("objects   " + std::to_string(copies * 10) + "\n"))
+        << outcome.out << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("centres of 12 bytes each, 12 bytes left"));
+#endif
+}
+
 TEST_F(Geomtool, SaysByItsStatusHowItWent) {
     const Outcome empty = run("info <stream");
     EXPECT_EQ(empty.status, 0);

@@ -1,19 +1,19 @@
 #include "tools/geomtool/info.h"
 
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 #include "tools/geomtool/listing.h"
 #include "tools/geomtool/summary.h"
 
-#include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <memory>
-#include <span>
-#include <system_error>
-#include <variant>
-#include <vector>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
 
 namespace geomtool {
 namespace {
@@ -22,45 +22,34 @@ struct FileCloser {
     void operator()(std::FILE* file) const { (void)std::fclose(file); }
 };
 
-/// Every byte of the file until its end, or the reason why they cannot be had.
-std::variant<std::vector<std::byte>, std::error_code> read_all(std::FILE* file) {
-    std::vector<std::byte> bytes;
-    std::array<std::byte, 65536> block{};
-    while (const std::size_t size = std::fread(block.data(), 1, block.size(), file))
-        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(size));
-    if (std::ferror(file) != 0)
-        return std::error_code(errno, std::generic_category());
-    return bytes;
+/// A file, or standard input; null when it cannot be opened.
+std::unique_ptr<std::FILE, FileCloser> open_input(const std::string& name) {
+    return std::unique_ptr<std::FILE, FileCloser>(name == "-" ? stdin
+                                                              : std::fopen(name.c_str(), "rb"));
 }
 
-std::variant<std::vector<std::byte>, std::error_code> read_input(const std::string& name) {
-    if (name == "-")
-        return read_all(stdin);
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(name.c_str(), "rb"));
-    if (!file)
-        return std::error_code(errno, std::generic_category());
-    return read_all(file.get());
+/// The size of a regular file that is read from its beginning, if it is one.
+std::optional<std::uint64_t> size_of(std::FILE* file) {
+    struct stat status {};
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || ftello(file) != 0)
+        return std::nullopt;
+    return static_cast<std::uint64_t>(status.st_size);
 }
 
-Totals list_objects(std::span<const std::byte> stream, Listing& listing) {
+Totals list_objects(geom_stream::RecordReader& stream, Listing& listing) {
     Totals totals;
-    totals.stream_bytes = stream.size();
-    while (totals.bytes < stream.size()) {
-        const auto record = geom_stream::decode_record(stream, totals.bytes);
-        if (const auto* error = std::get_if<geom_stream::Error>(&record)) {
-            totals.error = *error;
-            break;
-        }
-        const auto& object = std::get<geom_stream::Object>(record);
-        listing.add(++totals.objects, object);
-        for (const Count& count : counts(object)) {
+    while (const auto object = stream.next()) {
+        listing.add(++totals.objects, *object);
+        for (const Count& count : counts(*object)) {
             if (count.name == "vertices")
                 totals.vertices += count.value;
             else if (count.name == "polygons")
                 totals.polygons += count.value;
         }
-        totals.bytes += object.size;
+        totals.bytes += object->size;
     }
+    totals.error = stream.error();
+    totals.stream_bytes = stream.skipRest();
     return totals;
 }
 
@@ -68,18 +57,27 @@ Totals list_objects(std::span<const std::byte> stream, Listing& listing) {
 
 ExitStatus run_info(const InfoOptions& options) {
     const std::string name = options.file == "-" ? "standard input" : options.file;
-    const auto input = read_input(options.file);
-    if (const auto* error = std::get_if<std::error_code>(&input)) {
-        std::cerr << "geomtool: cannot read " << name << ": " << error->message() << '\n';
+    const auto cannot_read = [&name] {
+        std::cerr << "geomtool: cannot read " << name << ": " << std::strerror(errno) << '\n';
         return status_failed;
-    }
+    };
+    const auto input = open_input(options.file);
+    if (!input)
+        return cannot_read();
 
     const Coverage coverage = options.totals   ? Coverage::none
                               : options.values ? Coverage::values
                                                : Coverage::objects;
     const auto listing = options.json ? make_json_listing(std::cout, coverage)
                                       : make_text_listing(std::cout, coverage);
-    const Totals totals = list_objects(std::get<std::vector<std::byte>>(input), *listing);
+    geom_stream::RecordReader stream(
+        [&input](std::byte* into, std::size_t capacity) {
+            return std::fread(into, 1, capacity, input.get());
+        },
+        size_of(input.get()));
+    const Totals totals = list_objects(stream, *listing);
+    if (std::ferror(input.get()) != 0)
+        return cannot_read();
     listing->finish(totals);
     if (!std::cout.flush()) {
         std::cerr << "geomtool: cannot write the listing\n";

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +15,8 @@ struct Totals {
     std::size_t objects = 0;
     std::int64_t vertices = 0; ///< of the objects listed, as their counts name them
     std::int64_t polygons = 0;
-    std::size_t bytes = 0;        ///< of the objects listed
-    std::size_t stream_bytes = 0; ///< of the whole stream; more than `bytes` when it is broken
+    std::uint64_t bytes = 0;        ///< of the objects listed
+    std::uint64_t stream_bytes = 0; ///< of the whole stream; more than `bytes` when it is broken
     std::optional<geom_stream::Error> error;
 };
 

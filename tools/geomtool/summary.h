@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -82,7 +82,7 @@ void append(std::string& text, const Sequence& numbers) {
     }
 }
 
-std::string counted(std::size_t number, std::string_view noun) {
+std::string counted(std::uint64_t number, std::string_view noun) {
     std::string text = std::to_string(number);
     text.append(" ").append(noun);
     return number == 1 ? text : text + "s";

@@ -1,6 +1,6 @@
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
-#include "tools/geomtool/reader.h"
+#include "geom_stream/reader.h"
 
 #include <algorithm>
 #include <limits>
@@ -15,7 +15,7 @@ namespace {
 // is well.
 
 constexpr std::uint32_t magic = 0x474D3634;
-constexpr std::size_t magic_size = 4;
+constexpr std::uint32_t reversed_magic = 0x34364D47;
 constexpr std::size_t property_words_size = 12;
 constexpr std::uint32_t longest_string = 9'999'999;
 
@@ -26,13 +26,6 @@ constexpr std::uint32_t known_flags = [] {
     return bits;
 }();
 
-std::string text_of(std::span<const std::byte> bytes) {
-    std::string text(bytes.size(), '\0');
-    std::ranges::transform(bytes, text.begin(),
-                           [](std::byte byte) { return static_cast<char>(byte); });
-    return text;
-}
-
 std::vector<Property> read_properties(Reader& in) {
     std::vector<Property> properties;
     const auto count = in.count<std::int32_t>("property count");
@@ -41,15 +34,14 @@ std::vector<Property> read_properties(Reader& in) {
         property.kind = in.word("property kind");
         const std::uint32_t length = in.word("property length");
         property.value = in.word("property value");
-        const std::span bytes = in.run(length, "property bytes");
-        property.bytes.assign(bytes.begin(), bytes.end());
+        property.bytes = in.run<std::vector<std::byte>>(length, "property bytes");
         properties.push_back(std::move(property));
     }
     return properties;
 }
 
 std::string read_string(Reader& in, std::string_view what) {
-    const std::size_t start = in.offset();
+    const std::uint64_t start = in.offset();
     const std::uint32_t length = in.word(what);
     if (length > longest_string) {
         in.fail(start, "expected " + std::string(what) + " of at most " +
@@ -57,19 +49,17 @@ std::string read_string(Reader& in, std::string_view what) {
                            std::to_string(length));
         return {};
     }
-    return text_of(in.run(length, what));
+    return in.run<std::string>(length, what);
 }
 
 /// Text that ends with the first NUL and takes no more than `limit` bytes with it.
 std::string read_terminated(Reader& in, std::uint64_t limit, std::string_view what) {
     std::string text;
     for (std::uint64_t i = 0; i < limit && in.ok(); ++i) {
-        const std::span byte = in.take(1, what);
-        if (byte.empty())
-            return {};
-        if (byte.front() == std::byte{0})
-            return text;
-        text.push_back(static_cast<char>(byte.front()));
+        const auto byte = in.scalar<std::byte>(what);
+        if (byte == std::byte{0})
+            return in.ok() ? text : "";
+        text.push_back(static_cast<char>(byte));
     }
     in.fail(in.offset(), "expected the NUL of " + std::string(what) + " within hdrsize");
     return {};
@@ -114,14 +104,14 @@ void read_attributes(Reader& in, std::uint32_t flags, ArrayPlan plan, std::int64
     const auto has = [present = flags & plan.allowed](std::uint32_t bit) {
         return (present & bit) != 0;
     };
-    into.normals = in.array_if<Vec3>(has(flag::normals), count, "normals");
-    into.colours = in.array_if<Vec3>(has(flag::colours), count, "colours");
-    into.uvs = in.array_if<Vec2>(has(flag::uvs), count, "uvs");
-    into.uvws = in.array_if<Vec3>(has(flag::uvws), count, "uvws");
-    into.vertex_data = in.array_if<std::int32_t>(has(flag::vertex_data), count, "vertex data ints");
-    into.primitive_data = in.array_if<std::int32_t>(has(flag::primitive_data), plan.primitives,
-                                                    "primitive data ints");
-    into.vertex_trans = in.array_if<float>(has(flag::vertex_trans), count, "vertex trans values");
+    into.normals = in.arrayIf<Vec3>(has(flag::normals), count, "normals");
+    into.colours = in.arrayIf<Vec3>(has(flag::colours), count, "colours");
+    into.uvs = in.arrayIf<Vec2>(has(flag::uvs), count, "uvs");
+    into.uvws = in.arrayIf<Vec3>(has(flag::uvws), count, "uvws");
+    into.vertex_data = in.arrayIf<std::int32_t>(has(flag::vertex_data), count, "vertex data ints");
+    into.primitive_data =
+        in.arrayIf<std::int32_t>(has(flag::primitive_data), plan.primitives, "primitive data ints");
+    into.vertex_trans = in.arrayIf<float>(has(flag::vertex_trans), count, "vertex trans values");
 }
 
 void read_arrays(Reader& in, std::uint32_t flags, ArrayPlan plan, std::int64_t count,
@@ -140,8 +130,7 @@ Mesh read_mesh(Reader& in, std::uint32_t flags) {
     mesh.u = in.count("mesh dimension u");
     mesh.v = in.count("mesh dimension v");
     if (mesh.u != 0 && mesh.v > std::numeric_limits<std::int64_t>::max() / mesh.u) {
-        in.fail(in.offset(), "expected " + std::to_string(mesh.u) + " x " + std::to_string(mesh.v) +
-                                 " vertices, " + std::to_string(in.left()) + " bytes left");
+        in.failShort(std::to_string(mesh.u) + " x " + std::to_string(mesh.v) + " vertices");
         return mesh;
     }
     const std::int64_t vertices = mesh.u * mesh.v;
@@ -151,7 +140,7 @@ Mesh read_mesh(Reader& in, std::uint32_t flags) {
 }
 
 /// Walks the list and reports the first word that contradicts P or I, by its place in the stream.
-void check_polygon_list(Reader& in, const Polyhedron& polyhedron, std::size_t start) {
+void check_polygon_list(Reader& in, const Polyhedron& polyhedron, std::uint64_t start) {
     const std::vector<std::int64_t>& words = polyhedron.polygon_list;
     const auto fail_at = [&](std::size_t word, const std::string& message) {
         in.fail(start + word * sizeof(std::int64_t), message);
@@ -191,11 +180,10 @@ Polyhedron read_polyhedron(Reader& in, std::uint32_t flags) {
     polyhedron.polygon_count = in.count("polygon count");
     polyhedron.index_count = in.count("index count");
     const std::int64_t vertices = in.count("vertex count");
-    const std::size_t list = in.offset();
-    // Each count alone is held against the bytes left, so that their sum cannot overflow.
-    const auto most = static_cast<std::int64_t>(in.left() / sizeof(std::int64_t));
-    const std::int64_t words = std::max(polyhedron.polygon_count, polyhedron.index_count) > most
-                                   ? std::numeric_limits<std::int64_t>::max()
+    const std::uint64_t list = in.offset();
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    const std::int64_t words = polyhedron.polygon_count >= most - polyhedron.index_count
+                                   ? most
                                    : polyhedron.polygon_count + polyhedron.index_count + 1;
     polyhedron.polygon_list = in.array<std::int64_t>(words, "polygon list words");
     if (in.ok())
@@ -230,15 +218,15 @@ Sphere read_sphere(Reader& in, std::uint32_t flags) {
     Sphere sphere;
     const std::int64_t count = in.count("sphere count");
     sphere.vertices = in.array<Vec3>(count, "centres");
-    sphere.radii = in.array_if<float>((flags & flag::no_radii) == 0, count, "radii");
+    sphere.radii = in.arrayIf<float>((flags & flag::no_radii) == 0, count, "radii");
     read_attributes(in, flags, {sphere_flags, 0}, count, sphere);
     return sphere;
 }
 
 std::string read_label_text(Reader& in) {
     const auto length = in.count<std::int32_t>("label length", 1);
-    const std::size_t start = in.offset();
-    std::string text = text_of(in.run(static_cast<std::size_t>(length), "label text"));
+    const std::uint64_t start = in.offset();
+    auto text = in.run<std::string>(static_cast<std::uint64_t>(length), "label text");
     if (!in.ok())
         return {};
     if (text.find('\0') != text.size() - 1)
@@ -256,22 +244,21 @@ Label read_label(Reader& in, std::uint32_t flags) {
     label.positions = in.array<Vec3>(count, "positions");
     label.offsets = in.array<Vec3>(count, "offsets");
     label.heights = in.array<float>(count, "heights");
-    label.colours = in.array_if<Vec3>((flags & flag::colours) != 0, count, "colours");
+    label.colours = in.arrayIf<Vec3>((flags & flag::colours) != 0, count, "colours");
     label.data =
-        in.array_if<std::int32_t>((flags & flag::label_data) != 0, count, "label data ints");
+        in.arrayIf<std::int32_t>((flags & flag::label_data) != 0, count, "label data ints");
     return label;
 }
 
 void read_magic(Reader& in, Object& object) {
-    const std::size_t start = in.offset();
-    const std::span bytes = in.take(magic_size, "magic");
-    if (!in.ok())
-        return;
-    if (load<std::endian::big, std::uint32_t>(bytes.data()) == magic) {
+    const std::uint64_t start = in.offset();
+    in.setOrder(std::endian::big);
+    const std::uint32_t word = in.word("magic");
+    if (word == magic) {
         object.version = 10;
-    } else if (load<std::endian::little, std::uint32_t>(bytes.data()) == magic) {
+    } else if (word == reversed_magic) {
         object.version = 7;
-        in.set_order(std::endian::little);
+        in.setOrder(std::endian::little);
     } else {
         in.fail(start, "expected magic \"GM64\" or \"46MG\"");
     }
@@ -298,7 +285,7 @@ void read_body(Reader& in, Kind kind, Object& object) {
 }
 
 std::uint32_t read_flags(Reader& in) {
-    const std::size_t start = in.offset();
+    const std::uint64_t start = in.offset();
     const std::uint32_t flags = in.word("data");
     // An unknown bit may stand for an array of unknown length: nothing after it could be placed.
     if ((flags & ~known_flags) != 0)
@@ -307,7 +294,7 @@ std::uint32_t read_flags(Reader& in) {
 }
 
 Kind read_kind(Reader& in) {
-    const std::size_t start = in.offset();
+    const std::uint64_t start = in.offset();
     const std::uint32_t type = in.word("type");
     if (type < static_cast<std::uint32_t>(Kind::mesh) ||
         type > static_cast<std::uint32_t>(Kind::label))
@@ -355,26 +342,40 @@ std::vector<std::vector<std::int64_t>> Polyhedron::polygons() const {
     return polygons;
 }
 
-std::variant<Object, Error> decode_record(std::span<const std::byte> stream, std::size_t offset) {
-    Reader in(stream, std::min(offset, stream.size()));
-    Object object = read_record(in);
-    if (in.error())
-        return *in.error();
-    return object;
+RecordReader::RecordReader(ReadBytes read, std::optional<std::uint64_t> streamSize)
+    : reader_(std::make_unique<Reader>(std::move(read), streamSize)) {}
+
+RecordReader::~RecordReader() = default;
+
+std::optional<Object> RecordReader::next() {
+    if (!reader_->ok() || reader_->atEnd())
+        return std::nullopt;
+    Object object = read_record(*reader_);
+    return reader_->ok() ? std::optional(std::move(object)) : std::nullopt;
+}
+
+const std::optional<Error>& RecordReader::error() const {
+    return reader_->error();
+}
+
+std::uint64_t RecordReader::skipRest() {
+    return reader_->skipRest();
 }
 
 DecodeResult decode(std::span<const std::byte> stream) {
+    std::span<const std::byte> rest = stream;
+    RecordReader reader(
+        [&rest](std::byte* into, std::size_t capacity) {
+            const std::size_t count = std::min(capacity, rest.size());
+            std::copy_n(rest.begin(), count, into);
+            rest = rest.subspan(count);
+            return count;
+        },
+        stream.size());
     DecodeResult result;
-    std::size_t offset = 0;
-    while (offset < stream.size()) {
-        std::variant<Object, Error> record = decode_record(stream, offset);
-        if (Error* error = std::get_if<Error>(&record)) {
-            result.error = std::move(*error);
-            break;
-        }
-        result.objects.push_back(std::move(std::get<Object>(record)));
-        offset += result.objects.back().size;
-    }
+    while (std::optional<Object> object = reader.next())
+        result.objects.push_back(std::move(*object));
+    result.error = reader.error();
     return result;
 }
 

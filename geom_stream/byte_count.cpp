@@ -1,4 +1,4 @@
-#include "tools/geomtool/decoder.h"
+#include "geom_stream/decoder.h"
 
 #include <cstdint>
 #include <string>

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,9 +15,9 @@
 /// Decoder of GEOM streams, written from docs/stream-format.md alone. It shares nothing with the
 /// writer, so that each checks the other.
 ///
-/// It accepts any bytes: every count is checked against the bytes that are left before anything is
-/// allocated, so memory stays proportional to the input. A departure from the format is an error
-/// with its offset; vertex numbers and `bytecount` are handed on as they stand.
+/// It accepts any bytes. Arrays are read in steps, so memory follows the largest record that is
+/// there, not the stream and not a count that a stream claims. A departure from the format is an
+/// error with its offset; vertex numbers and `bytecount` are handed on as they stand.
 namespace geom_stream {
 
 using Vec2 = std::array<float, 2>;
@@ -119,8 +121,8 @@ struct Label {
 
 /// One decoded record.
 struct Object {
-    std::size_t offset = 0;        ///< of the record in the stream, bytes
-    std::size_t size = 0;          ///< of the record, bytes; the next one begins at offset + size
+    std::uint64_t offset = 0;      ///< of the record in the stream, bytes
+    std::uint64_t size = 0;        ///< of the record, bytes; the next one begins at offset + size
     int version = 0;               ///< 10 (big-endian) or 7 (little-endian)
     std::uint32_t header_size = 0; ///< the `hdrsize` word
     std::uint32_t flags = 0;       ///< the `data` word
@@ -149,20 +151,42 @@ struct Object {
 std::int64_t expected_byte_count(const Object& object);
 
 struct Error {
-    std::size_t offset = 0; ///< in the stream, of the item that is missing or wrong
-    std::string message;    ///< what was expected there and what was found
+    std::uint64_t offset = 0; ///< in the stream, of the item that is missing or wrong
+    std::string message;      ///< what was expected there and what was found
 };
 
-/// Decodes the record that begins at `offset`; at the very end of the stream there is none, which
-/// is an error here.
-std::variant<Object, Error> decode_record(std::span<const std::byte> stream, std::size_t offset);
+/// Stores at most `capacity` bytes of a stream, in order, and returns how many; 0 at its end, for
+/// good.
+using ReadBytes = std::function<std::size_t(std::byte* into, std::size_t capacity)>;
+
+class Reader;
+
+/// Reads a stream record by record.
+class RecordReader {
+public:
+    /// With the size of the stream, where it is known, counts that it cannot hold are told before
+    /// anything is read for them.
+    explicit RecordReader(ReadBytes read, std::optional<std::uint64_t> streamSize = std::nullopt);
+    ~RecordReader();
+    RecordReader(const RecordReader&) = delete;
+    RecordReader& operator=(const RecordReader&) = delete;
+
+    /// The next object; none at the end of the stream and from the first error on.
+    std::optional<Object> next();
+    const std::optional<Error>& error() const;
+    /// Reads what is left of the stream, and returns the size of all of it.
+    std::uint64_t skipRest();
+
+private:
+    std::unique_ptr<Reader> reader_;
+};
 
 struct DecodeResult {
     std::vector<Object> objects; ///< in stream order; those before the error, if there is one
     std::optional<Error> error;
 };
 
-/// Decodes a whole stream; an empty one holds zero objects.
+/// Decodes a whole stream in memory; an empty one holds zero objects.
 DecodeResult decode(std::span<const std::byte> stream);
 
 } // namespace geom_stream

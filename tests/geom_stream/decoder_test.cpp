@@ -1,5 +1,5 @@
+#include "geom_stream/decoder.h"
 #include "tests/support/records.h"
-#include "tools/geomtool/decoder.h"
 
 #include <gtest/gtest.h>
 
@@ -114,7 +114,7 @@ TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
     ASSERT_EQ(ends.size(), records::by_name.size());
 
     for (std::size_t cut = 0; cut < stream.bytes.size(); ++cut) {
-        // A copy of its own, so that a sanitizer sees a read behind the cut.
+        // A copy of its own, so that a sanitizer sees a read after the cut.
         const std::vector<std::byte> prefix(stream.bytes.data(), stream.bytes.data() + cut);
         const DecodeResult result = decode(prefix);
         EXPECT_EQ(result.objects.size(), std::ranges::upper_bound(ends, cut) - ends.begin());
@@ -123,6 +123,39 @@ TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
         if (!between) {
             EXPECT_EQ(result.error->offset, *(std::ranges::upper_bound(stream.items, cut) - 1))
                 << "cut at " << cut << ": " << result.error->message;
+        }
+    }
+}
+
+// A stream that comes in pieces, with its size known or not, decodes like one in memory: the same
+// number of objects, and the same error.
+TEST(Decoder, TakesAStreamInPieces) {
+    const records::Bytes stream = records::all();
+    for (std::size_t cut = 0; cut <= stream.bytes.size(); ++cut) {
+        const std::span whole(stream.bytes.data(), cut);
+        const DecodeResult expected = decode(whole);
+        for (const std::size_t piece : {std::size_t(1), cut % 61 + 2}) {
+            std::size_t place = 0;
+            RecordReader reader([&](std::byte* into, std::size_t capacity) {
+                const std::size_t count = std::min({capacity, piece, cut - place});
+                std::copy_n(whole.begin() + static_cast<std::ptrdiff_t>(place), count, into);
+                place += count;
+                return count;
+            });
+            std::size_t objects = 0;
+            while (const std::optional<Object> object = reader.next()) {
+                const Object& same = expected.objects.at(objects++);
+                ASSERT_EQ(object->offset, same.offset);
+                ASSERT_EQ(object->size, same.size);
+                ASSERT_EQ(object->byte_count, expected_byte_count(*object));
+            }
+            ASSERT_EQ(objects, expected.objects.size()) << "cut at " << cut;
+            ASSERT_EQ(reader.error().has_value(), expected.error.has_value()) << "cut at " << cut;
+            if (expected.error) {
+                EXPECT_EQ(reader.error()->offset, expected.error->offset);
+                EXPECT_EQ(reader.error()->message, expected.error->message);
+            }
+            EXPECT_EQ(reader.skipRest(), cut);
         }
     }
 }
