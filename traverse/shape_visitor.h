@@ -10,9 +10,6 @@ class QvState;
 /// holds the properties in force there.
 class ShapeVisitor {
 public:
-    ShapeVisitor() = default;
-    ShapeVisitor(const ShapeVisitor&) = delete;
-    ShapeVisitor& operator=(const ShapeVisitor&) = delete;
     virtual ~ShapeVisitor() = default;
 
     virtual void visit(const QvAsciiText& shape, const QvState& state) = 0;

@@ -11,24 +11,16 @@ template <class Use>
 void forEachTransform(const QvState& state, Use use) {
     for (const QvElement* element = state.getTopElement(QvElementKind::Transformation);
          element != nullptr; element = element->next) {
+        const QvNode& node = *element->data;
         switch (element->type) {
         case QvElementType::MatrixTransform:
-            use(static_cast<const QvMatrixTransform&>(*element->data));
+            use(static_cast<const QvMatrixTransform&>(node));
             break;
-        case QvElementType::Rotation:
-            use(static_cast<const QvRotation&>(*element->data));
-            break;
-        case QvElementType::Scale:
-            use(static_cast<const QvScale&>(*element->data));
-            break;
-        case QvElementType::Transform:
-            use(static_cast<const QvTransform&>(*element->data));
-            break;
-        case QvElementType::Translation:
-            use(static_cast<const QvTranslation&>(*element->data));
-            break;
-        default:
-            break;
+        case QvElementType::Rotation: use(static_cast<const QvRotation&>(node)); break;
+        case QvElementType::Scale: use(static_cast<const QvScale&>(node)); break;
+        case QvElementType::Transform: use(static_cast<const QvTransform&>(node)); break;
+        case QvElementType::Translation: use(static_cast<const QvTranslation&>(node)); break;
+        default: break;
         }
     }
 }

@@ -8,9 +8,6 @@ namespace meshcast {
 /// Where the reader's bytes come from.
 class ByteSource {
 public:
-    ByteSource() = default;
-    ByteSource(const ByteSource&) = delete;
-    ByteSource& operator=(const ByteSource&) = delete;
     virtual ~ByteSource() = default;
 
     /// Stores at most `capacity` bytes in `buffer` and returns how many; 0 at the end of the

@@ -26,9 +26,6 @@ struct Diagnostic {
 /// Receives the messages about one scene, in the order in which things happen.
 class Diagnostics {
 public:
-    Diagnostics() = default;
-    Diagnostics(const Diagnostics&) = delete;
-    Diagnostics& operator=(const Diagnostics&) = delete;
     virtual ~Diagnostics() = default;
 
     virtual void report(const Diagnostic& diagnostic) = 0;
