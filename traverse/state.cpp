@@ -56,32 +56,32 @@ void QvState::popElement(QvElementKind kind) {
 }
 
 bool QvState::enter(const QvGroup& group) {
-    if (group.groupNumber() >= groups_.size()) {
-        groups_.resize(group.groupNumber() + 1);
+    if (group.groupNumber() >= openGroups_.size()) {
+        openGroups_.resize(group.groupNumber() + 1);
     }
-    GroupMarks& marks = groups_[group.groupNumber()];
-    if (!marks.isOpen && traversalNestingLevel < kMaxNestingDepth) {
-        marks.isOpen = true;
+    const bool isOpen = openGroups_[group.groupNumber()];
+    if (!isOpen && traversalNestingLevel < kMaxNestingDepth) {
+        openGroups_[group.groupNumber()] = true;
         ++traversalNestingLevel;
         return true;
     }
-    if (!marks.isRefused) {
-        marks.isRefused = true;
-        if (marks.isOpen) {
-            report(diagnostics_, DiagnosticKind::kSceneError, 0,
-                   "QvGroup::traverse(): Node \"%s\" contains itself", group.nodeName().c_str());
-        } else {
-            report(diagnostics_, DiagnosticKind::kSceneError, 0,
-                   "QvGroup::traverse(): Nesting deeper than %d levels at node \"%s\"",
-                   kMaxNestingDepth, group.nodeName().c_str());
-        }
+    if (!refusedGroups_.insert(&group).second) {
+        return false;
+    }
+    if (isOpen) {
+        report(diagnostics_, DiagnosticKind::kSceneError, 0,
+               "QvGroup::traverse(): Node \"%s\" contains itself", group.nodeName().c_str());
+    } else {
+        report(diagnostics_, DiagnosticKind::kSceneError, 0,
+               "QvGroup::traverse(): Nesting deeper than %d levels at node \"%s\"",
+               kMaxNestingDepth, group.nodeName().c_str());
     }
     return false;
 }
 
 void QvState::leave(const QvGroup& group) {
     --traversalNestingLevel;
-    groups_[group.groupNumber()].isOpen = false;
+    openGroups_[group.groupNumber()] = false;
 }
 
 } // namespace meshcast

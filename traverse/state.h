@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace meshcast {
@@ -144,16 +145,11 @@ private:
         return element == nullptr ? nullptr : static_cast<const Node*>(element->data);
     }
 
-    /// What the walk knows of a group.
-    struct GroupMarks {
-        bool isOpen : 1 = false;
-        bool isRefused : 1 = false; ///< An attempt to enter it has been reported.
-    };
-
     ShapeVisitor& shapes_;
     Diagnostics& diagnostics_;
     std::array<std::int32_t, kElementKinds> counts_{};
-    std::vector<GroupMarks> groups_; ///< By the group's number.
+    std::vector<bool> openGroups_;           ///< By the group's number.
+    std::set<const QvGroup*> refusedGroups_; ///< Those that have been reported.
 };
 
 } // namespace meshcast

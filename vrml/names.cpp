@@ -18,6 +18,11 @@ std::string_view viewOf(const NameEntry& entry) {
     return {entry.text, entry.length};
 }
 
+/// The library's hash: for a simpler one it is easy to find any number of names of one hash.
+std::uint32_t hashOf(std::string_view text) {
+    return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
+}
+
 bool isLegalInside(char c) {
     static constexpr std::string_view kForbidden = "+'\"\\{}";
     return !isSpace(c) && !isControl(c) && kForbidden.find(c) == std::string_view::npos;
@@ -25,58 +30,56 @@ bool isLegalInside(char c) {
 
 } // namespace
 
-NameTable::NameTable(const NameTable* shared) : shared_(shared), slots_(kFirstSlots) {}
+NameTable::NameTable(const NameTable* shared)
+    : shared_(shared), slots_(std::make_unique<const NameEntry*[]>(kFirstSlots)),
+      slotCount_(kFirstSlots) {}
 
 /// The slot that holds the text, or the free one where it belongs.
-std::size_t NameTable::slotOf(std::string_view text, std::size_t hash) const {
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t slot = hash & mask;
-    while (slots_[slot].entry != nullptr &&
-           (slots_[slot].hash != hash || viewOf(*slots_[slot].entry) != text)) {
-        slot = (slot + 1) & mask;
+const NameEntry*& NameTable::slotOf(std::string_view text, std::uint32_t hash) const {
+    std::size_t slot = hash & (slotCount_ - 1);
+    while (slots_[slot] != nullptr &&
+           (slots_[slot]->hash != hash || viewOf(*slots_[slot]) != text)) {
+        slot = (slot + 1) & (slotCount_ - 1);
     }
-    return slot;
+    return slots_[slot];
 }
 
 InternedName NameTable::intern(std::string_view text) {
     if (text.empty()) {
         return {};
     }
-    // The library's hash: for a simpler one it is easy to find any number of names of one hash.
-    const std::size_t hash = std::hash<std::string_view>()(text);
-    if (shared_ != nullptr) {
-        if (const Slot& slot = shared_->slots_[shared_->slotOf(text, hash)];
-            slot.entry != nullptr) {
-            return InternedName(*slot.entry);
-        }
+    const std::uint32_t hash = hashOf(text);
+    const NameEntry* const shared = shared_ == nullptr ? nullptr : shared_->slotOf(text, hash);
+    if (shared != nullptr) {
+        return InternedName(*shared);
     }
-    Slot& slot = slots_[slotOf(text, hash)];
-    if (slot.entry != nullptr) {
-        return InternedName(*slot.entry);
+    const NameEntry*& slot = slotOf(text, hash);
+    if (slot != nullptr) {
+        return InternedName(*slot);
     }
     auto* const copy = static_cast<char*>(memory_.allocate(text.size() + 1, 1));
     *std::copy(text.begin(), text.end(), copy) = '\0';
-    const std::size_t number = ++size_ + (shared_ != nullptr ? shared_->size_ : 0);
+    const std::size_t number = ++size_ + (shared_ == nullptr ? 0 : shared_->size_);
     void* const place = memory_.allocate(sizeof(NameEntry), alignof(NameEntry));
-    auto* const entry =
-        new (place) NameEntry{copy, text.size(), static_cast<std::uint32_t>(number)};
-    slot = {hash, entry};
-    if (size_ > slots_.size() / 2) {
+    slot = new (place) NameEntry{copy, text.size(), static_cast<std::uint32_t>(number), hash};
+    const InternedName name(*slot);
+    if (size_ > slotCount_ / 2) {
         grow();
     }
-    return InternedName(*entry);
+    return name;
 }
 
 InternedName NameTable::at(std::string_view text) const {
-    return InternedName(*slots_[slotOf(text, std::hash<std::string_view>()(text))].entry);
+    return InternedName(*slotOf(text, hashOf(text)));
 }
 
 void NameTable::grow() {
-    std::vector<Slot> old(kGrowth * slots_.size());
-    std::swap(old, slots_);
-    for (const Slot& moved : old) {
-        if (moved.entry != nullptr) {
-            slots_[slotOf(viewOf(*moved.entry), moved.hash)] = moved;
+    const auto old =
+        std::exchange(slots_, std::make_unique<const NameEntry*[]>(kGrowth * slotCount_));
+    const std::size_t oldCount = std::exchange(slotCount_, kGrowth * slotCount_);
+    for (std::size_t i = 0; i < oldCount; ++i) {
+        if (old[i] != nullptr) {
+            slotOf(viewOf(*old[i]), old[i]->hash) = old[i];
         }
     }
 }

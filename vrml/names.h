@@ -29,10 +29,11 @@ struct NameEntry {
     const char* text; ///< Ends in a zero byte that is not part of the name.
     std::size_t length;
     std::uint32_t number; ///< 0 for the empty name, then the catalogue's names, then a scene's.
+    std::uint32_t hash;   ///< Of the text.
 };
 
 /// The empty name, which every name variable starts with.
-inline constexpr NameEntry kEmptyName = {"", 0, 0};
+inline constexpr NameEntry kEmptyName = {"", 0, 0, 0};
 
 /// A handle to the one shared copy of a name's text. Equal texts have equal handles, within a scene
 /// and where one is of the catalogue, so comparing names compares pointers.
@@ -72,16 +73,12 @@ public:
     std::size_t size() const { return size_; }
 
 private:
-    struct Slot {
-        std::size_t hash = 0;
-        const NameEntry* entry = nullptr; ///< Null in a free slot.
-    };
-
-    std::size_t slotOf(std::string_view text, std::size_t hash) const;
+    const NameEntry*& slotOf(std::string_view text, std::uint32_t hash) const;
     void grow();
 
     const NameTable* shared_;
-    std::vector<Slot> slots_;
+    std::unique_ptr<const NameEntry*[]> slots_; ///< Null where a slot is free.
+    std::size_t slotCount_;
     std::size_t size_ = 0;
     std::pmr::monotonic_buffer_resource memory_; ///< Of the entries and their texts.
 };
