@@ -1,7 +1,6 @@
-#include "tests/driver/scene_files.h"
-#include "tests/support/capture.h"
-#include "tests/support/faults.h"
 #include "geom_stream/decoder.h"
+#include "tests/driver/scene_files.h"
+#include "tests/support/faults.h"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +20,14 @@ int meshcast_main(); // The program's own main, under another name.
 
 // The whole program, whose memory and whose input and output fail here and there.
 namespace {
+
+/// All bytes of an open file, which is closed.
+std::string takeContents(int file) {
+    std::string bytes(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
+    EXPECT_EQ(pread(file, bytes.data(), bytes.size(), 0), std::ssize(bytes));
+    close(file);
+    return bytes;
+}
 
 struct Result {
     int status;

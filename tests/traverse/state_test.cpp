@@ -1,4 +1,3 @@
-#include "tests/support/capture.h"
 #include "tests/support/conversion.h"
 #include "tests/support/walk.h"
 
@@ -52,15 +51,6 @@ TEST(State, WalksGoThroughASceneAtOnce) {
     EXPECT_EQ(other.messages.text, circle);
     EXPECT_EQ(one.state.material(), &scene.child<QvMaterial>(0));
     EXPECT_EQ(other.state.material(), nullptr);
-}
-
-TEST(State, ElementsPrintTheirType) {
-    const auto printed = [](QvElementType type) {
-        return capture([type] { QvElement(nullptr, type).print(); }).out;
-    };
-    EXPECT_EQ(printed(QvElementType::Unknown), "\t\tElement of type Unknown\n");
-    EXPECT_EQ(printed(QvElementType::NoOpTransform), "\t\tElement of type NoOpTransform\n");
-    EXPECT_EQ(printed(QvElementType::FontStyle), "\t\tElement of type FontStyle\n");
 }
 
 } // namespace

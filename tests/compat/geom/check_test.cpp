@@ -115,8 +115,8 @@ TEST(Check, EndsAtTheFirstFailure) {
               "nan encountered in label offset array entry: 2\n"
               "nan encountered in label height array entry: 0\n"
               "number of colors: 2, does not match the number of verts: 1\n");
-    EXPECT_EQ(capture([] { EXPECT_EQ(GEOMcheck_obj(nullptr, 0, nullptr), 0); }).err,
-              "GEOMcheck_obj error: NULL object received\n");
+    EXPECT_EQ(messages_of([] { EXPECT_EQ(GEOMcheck_obj(nullptr, 0, nullptr), 0); }),
+              "finding: NULL object received\n");
 }
 
 TEST(Check, PassesRangesAndWhatConvertersBuild) {

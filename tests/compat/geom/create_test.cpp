@@ -51,7 +51,7 @@ TEST(Objects, RefuseWhatTheirKindCannotTake) {
         const Object obj = make(type);
         obj->flags = flags;
         const std::string before = bytes_of(*obj);
-        all += capture([&] { add(obj.get()); }).err;
+        all += messages_of([&] { add(obj.get()); });
         EXPECT_EQ(bytes_of(*obj), before) << all;
     };
     refuse(9, 0, [](GEOMobj* o) { GEOMadd_vertices(o, kRamp, 1, 0); });
@@ -69,20 +69,20 @@ TEST(Objects, RefuseWhatTheirKindCannotTake) {
     refuse(4, 0,
            [](GEOMobj*) { Object(GEOMcreate_sphere(nullptr, nullptr, kRamp, {}, {}, 1, 0)); });
     refuse(6, 0, [](GEOMobj* o) { written([o](int fd) { GEOMwrite_obj(o, fd, 0); }); });
-    EXPECT_EQ(all, "GEOM error: GEOMadd_vertices: can't add vertices to object type\n"
-                   "GEOM error: Normals required for polytriangle: ignoring\n"
-                   "GEOM error: Colors required for polytriangle: ignoring\n"
-                   "GEOM error: Colors required for polyline: ignoring\n"
-                   "GEOM error: GEOMadd_normals: can't add normals to object type specified\n"
-                   "GEOM error: GEOMadd_colors: can't add colors to object type specified\n"
-                   "GEOM error: GEOMadd_uvs: can't add u-v to object type\n"
-                   "GEOM error: GEOMadd_radii: can't add radii to obj type\n"
-                   "GEOM error: GEOMadd_vertex_data: use GEOMadd_polytriangle_vertex_data\n\n"
-                   "GEOM error: GEOMadd_vertex_trans:use GEOMadd_polytriangle_vertex_trans\n\n"
-                   "GEOM error: Don't support primitive data for labels\n"
-                   "GEOM error: GEOMcreate_mesh: invalid null vertex list\n"
-                   "GEOM error: GEOMcreate_sphere: invalid null vertex list\n"
-                   "GEOM error: GEOMserialize_obj: unable to write out object type\n");
+    EXPECT_EQ(all, "error: GEOMadd_vertices: can't add vertices to object type\n"
+                   "error: Normals required for polytriangle: ignoring\n"
+                   "error: Colors required for polytriangle: ignoring\n"
+                   "error: Colors required for polyline: ignoring\n"
+                   "error: GEOMadd_normals: can't add normals to object type specified\n"
+                   "error: GEOMadd_colors: can't add colors to object type specified\n"
+                   "error: GEOMadd_uvs: can't add u-v to object type\n"
+                   "error: GEOMadd_radii: can't add radii to obj type\n"
+                   "error: GEOMadd_vertex_data: use GEOMadd_polytriangle_vertex_data\n\n"
+                   "error: GEOMadd_vertex_trans:use GEOMadd_polytriangle_vertex_trans\n\n"
+                   "error: Don't support primitive data for labels\n"
+                   "error: GEOMcreate_mesh: invalid null vertex list\n"
+                   "error: GEOMcreate_sphere: invalid null vertex list\n"
+                   "error: GEOMserialize_obj: unable to write out object type\n");
 }
 
 TEST(Objects, SetTheFlagsOfWhatTheyGet) {
@@ -154,6 +154,6 @@ TEST(Labels, PackFlagsAndFontNumbers) {
     EXPECT_EQ(GEOMfont_number("Times", 1, 1), 142);
     EXPECT_EQ(GEOMfont_number("Mathematics", 2, 0), 128 + 32 + 2 + 1);
     const std::string name(100'000, 'x'); // of a message that is not cut
-    EXPECT_EQ(capture([&] { EXPECT_EQ(GEOMfont_number(name.c_str(), 0, 0), 129); }).err,
-              "GEOM error: unrecognized font name: " + name + " (using: Courier)\n");
+    EXPECT_EQ(messages_of([&] { EXPECT_EQ(GEOMfont_number(name.c_str(), 0, 0), 129); }),
+              "error: unrecognized font name: " + name + " (using: Courier)\n");
 }

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <sys/mman.h>
+#include <unistd.h>
 
 void* raw_block(std::size_t bytes) {
     return std::malloc(bytes + 1); // never of size 0, which might be null
@@ -10,5 +11,25 @@ void* raw_block(std::size_t bytes) {
 std::string written(const std::function<void(int fd)>& code) {
     const int fd = memfd_create("written", 0);
     code(fd);
-    return takeContents(fd);
+    std::string bytes(static_cast<std::size_t>(lseek(fd, 0, SEEK_END)), '\0');
+    const ssize_t count = pread(fd, bytes.data(), bytes.size(), 0);
+    close(fd);
+    return count == std::ssize(bytes) ? bytes : "cannot be read";
+}
+
+GEOMsettings noting(std::string& messages) {
+    GEOMsettings settings;
+    settings.context = &messages;
+    settings.receiver = [](void* context, GEOMmessage kind, const char* text) {
+        const char* word = kind == GEOMmessage::error ? "error: " : "finding: ";
+        *static_cast<std::string*>(context) += std::string(word) + text + "\n";
+    };
+    return settings;
+}
+
+std::string messages_of(const std::function<void()>& code) {
+    std::string messages;
+    const GEOMscope scope(noting(messages));
+    code();
+    return messages;
 }

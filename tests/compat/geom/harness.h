@@ -1,7 +1,7 @@
 #pragma once
 
 #include "compat/geom/geom.h"
-#include "tests/support/capture.h"
+#include "compat/geom/settings.h"
 #include "tests/support/faults.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ T* block(const std::vector<T>& values) {
     return copy;
 }
 
-// The one property record of an object, words in the machine's own order, with bytes behind them.
+// The one property record of an object, words in the machine's own order, with bytes after them.
 inline unsigned char* property(std::uint32_t kind, std::uint32_t value,
                                std::vector<unsigned char> bytes) {
     const std::uint32_t words[] = {kind, static_cast<std::uint32_t>(bytes.size()), value};
@@ -47,6 +47,12 @@ template <class T, int N>
 std::vector<T> values_of(const GEOMlist<T, N>& list) {
     return {list.data, list.data + list.used * N};
 }
+
+// Settings whose messages are appended to a text, "error: " or "finding: " before each.
+GEOMsettings noting(std::string& messages);
+
+// The messages of `code`.
+std::string messages_of(const std::function<void()>& code);
 
 // The bytes that reach a descriptor which `code` writes to.
 std::string written(const std::function<void(int fd)>& code);

@@ -81,8 +81,8 @@ TEST(Normals, OfAMeshComeFromTheNeighbours) {
     // 3 x 2 grid over x and y, height 1 at the middle of the first row
     const Floats grid = {0, 0, 0, 1, 0, 1, 2, 0, 0, 0, 1, 0, 1, 1, 0, 2, 1, 0};
     const Object obj(GEOMcreate_mesh(nullptr, grid.data(), 3, 2, 0));
-    EXPECT_EQ(capture([&] { GEOMgen_normals(obj.get(), 1); }).err,
-              "GEOM error: Warning: Can't compute facet normals of mesh objects.\n\n");
+    EXPECT_EQ(messages_of([&] { GEOMgen_normals(obj.get(), 1); }),
+              "error: Warning: Can't compute facet normals of mesh objects.\n\n");
     const float half = 0.70710678F;
     expect_near(obj->mesh.normals,
                 {-half, 0, half, 0, half, half, half, 0, half, 0, 0, 1, 0, half, half, 0, 0, 1});

@@ -1,4 +1,3 @@
-#include "compat/geom/settings.h"
 #include "tests/compat/geom/harness.h"
 
 #include <gtest/gtest.h>
@@ -8,16 +7,6 @@
 #include <thread>
 
 namespace {
-
-GEOMsettings noting(std::string& messages) {
-    GEOMsettings settings;
-    settings.context = &messages;
-    settings.receiver = [](void* context, GEOMmessage kind, const char* text) {
-        const char* word = kind == GEOMmessage::error ? "error: " : "finding: ";
-        *static_cast<std::string*>(context) += std::string(word) + text + "\n";
-    };
-    return settings;
-}
 
 // The records of many faulty objects, and after them the messages about them. Those who share
 // `pace` make each object at the same time.
@@ -50,22 +39,26 @@ TEST(Settings, DecideOnTheirThreadUntilTheirScopeEnds) {
     std::string outer;
     std::string inner;
     const std::string longer(100'000, 'x');
-    const std::string err = capture([&] {
-                                const GEOMscope scope(noting(outer));
-                                GEOMerror("%s", longer.c_str());
-                                {
-                                    const GEOMscope nested(noting(inner));
-                                    GEOMcheck_obj(nullptr, 0, nullptr);
-                                    const GEOMscope innermost{GEOMsettings()};
-                                    GEOMerror("no receiver");
-                                }
-                                std::thread([] { GEOMerror("another thread"); }).join();
-                                GEOMerror("outer again");
-                            }).err;
-    EXPECT_EQ(err, "GEOM error: no receiver\nGEOM error: another thread\n");
+    {
+        const GEOMscope scope(noting(outer));
+        GEOMerror("%s", longer.c_str());
+        {
+            const GEOMscope nested(noting(inner));
+            GEOMcheck_obj(nullptr, 0, nullptr);
+        }
+        GEOMerror("outer again");
+    }
     EXPECT_EQ(inner, "finding: NULL object received\n");
     EXPECT_EQ(outer, "error: " + longer + "\nerror: outer again\n");
     const GEOMscope scope(noting(outer)); // not told of what ends the process
+    const auto print = [] {
+        const GEOMscope innermost{GEOMsettings()};
+        GEOMerror("no receiver");
+        std::thread([] { GEOMcheck_obj(nullptr, 0, nullptr); }).join();
+        std::exit(0);
+    };
+    EXPECT_EXIT(print(), testing::ExitedWithCode(0),
+                "^GEOM error: no receiver\nGEOMcheck_obj error: NULL object received\n$");
     EXPECT_EXIT(GEOMfatal_error("end"), testing::ExitedWithCode(1), "^GEOM fatal error: end\n$");
 }
 
