@@ -34,8 +34,10 @@ public:
     std::string_view typeName;
 
 private:
+    static constexpr std::size_t kMostWords = 9; // Of a binding.
+
     std::size_t count_;
-    std::array<EnumWord, 9> words_{};
+    std::array<EnumWord, kMostWords> words_{};
 };
 
 /// The field types, in the order of their names.
