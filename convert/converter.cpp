@@ -6,6 +6,8 @@
 #include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
+#include <cstdio>
+
 namespace meshcast {
 
 namespace {
@@ -17,6 +19,14 @@ void forward(void* diagnostics, GEOMmessage kind, const char* text) {
 }
 
 } // namespace
+
+void DescriptorSink::write(const GEOMobj& object) {
+    GEOMwrite_obj(&object, descriptor_, 0);
+}
+
+void DescriptorSink::print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
 
 void Converter::write(ObjectOwner object) {
     sink_.write(*object);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "convert/convert.h"
-#include "convert/object_sink.h"
+#include "convert/texture.h"
 #include "traverse/shape_visitor.h"
 #include "vrml/fields.h"
 
@@ -10,13 +10,10 @@
 #include <optional>
 #include <set>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace meshcast {
-
-class Diagnostics;
 
 struct DestroyObject {
     void operator()(GEOMobj* object) const { GEOMdestroy_obj(object); }
@@ -27,13 +24,6 @@ using ObjectOwner = std::unique_ptr<GEOMobj, DestroyObject>;
 
 /// Whether and how a polyhedron gets normals.
 enum class Normals : std::int8_t { kNone, kSmooth, kFacet };
-
-/// How a shape uses the texture in force.
-struct TextureUse {
-    std::string name; ///< Of the converted image.
-    bool clampS;      ///< Coordinates outside [0, 1] are clamped; otherwise mirrored.
-    bool clampT;
-};
 
 /// The visitor that turns shapes into GEOM objects: one for each conversion. How a shape is
 /// converted stands in the file named after it.

@@ -1,6 +1,5 @@
 #include "convert/context.h"
 #include "convert/converter.h"
-#include "convert/texture_coordinates.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
