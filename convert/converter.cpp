@@ -28,14 +28,10 @@ void DescriptorSink::print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
-void Converter::write(ObjectOwner object) {
-    sink_.write(*object);
-}
-
 void Converter::writePolyhedron(std::span<const float> vertices,
                                 std::span<const std::int32_t> polygons, Normals normals,
                                 std::span<const float> uvs) {
-    ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
+    const ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
     GEOMadd_vertices(object.get(), vertices.data(), static_cast<std::int64_t>(vertices.size() / 3),
                      GEOM_COPY);
     GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
@@ -45,7 +41,7 @@ void Converter::writePolyhedron(std::span<const float> vertices,
     if (!uvs.empty()) {
         GEOMadd_uvs(object.get(), uvs.data(), static_cast<std::int64_t>(uvs.size() / 2), GEOM_COPY);
     }
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 void Converter::reportBadIndex(const char* shape, std::int32_t index) {

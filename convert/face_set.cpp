@@ -8,7 +8,6 @@
 #include <limits>
 #include <optional>
 #include <span>
-#include <utility>
 #include <vector>
 
 // An indexed face set becomes one polyhedron: all points of the coordinates in force are its
@@ -207,7 +206,7 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
     const std::vector<GEOMpacked_color> colors = vertexColors(state, shape, points.num);
     const std::vector<float> uvs = textureCoordinates(state, shape, points);
 
-    ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
+    const ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
     GEOMadd_vertices_with_data(object.get(), points.values, normals,
                                colors.empty() ? nullptr : colors.data(), points.num, GEOM_COPY);
     GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
@@ -219,7 +218,7 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
     if (!uvs.empty()) {
         GEOMadd_uvs(object.get(), uvs.data(), points.num, GEOM_COPY);
     }
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 } // namespace meshcast
