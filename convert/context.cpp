@@ -2,6 +2,7 @@
 
 #include "traverse/transforms.h"
 
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <new>
@@ -23,46 +24,7 @@ std::array<float, 3> normalised(const std::array<float, 3>& v) {
     return {v[0] / length, v[1] / length, v[2] / length};
 }
 
-Matrix4 matrixOf(const QvSFRotation& rotation, float sign = 1) {
-    const auto& [x, y, z, angle] = rotation.value;
-    return rotationMatrix({x, y, z}, sign * angle);
-}
-
-void fold(Matrix4& m, const QvMatrixTransform& node) {
-    Matrix4 matrix;
-    for (std::size_t i = 0; i < 4; ++i) {
-        for (std::size_t j = 0; j < 4; ++j) {
-            matrix[i][j] = node.matrix.value[4 * i + j];
-        }
-    }
-    multiply(m, matrix);
-}
-
-void fold(Matrix4& m, const QvRotation& node) {
-    multiply(m, matrixOf(node.rotation));
-}
-
-void fold(Matrix4& m, const QvScale& node) {
-    multiply(m, scaleMatrix(node.scaleFactor.value));
-}
-
-void fold(Matrix4& m, const QvTranslation& node) {
-    multiply(m, translationMatrix(node.translation.value));
-}
-
-void fold(Matrix4& m, const QvTransform& node) {
-    const auto& center = node.center.value;
-    multiply(m, translationMatrix({-center[0], -center[1], -center[2]}));
-    multiply(m, matrixOf(node.scaleOrientation, -1));
-    multiply(m, scaleMatrix(node.scaleFactor.value));
-    multiply(m, matrixOf(node.scaleOrientation));
-    multiply(m, matrixOf(node.rotation));
-    multiply(m, translationMatrix(center));
-    multiply(m, translationMatrix(node.translation.value));
-}
-
-} // namespace
-
+/// M := M B. Every element is a sum from 0 over k = 0 to 3, in float.
 void multiply(Matrix4& m, const Matrix4& b) {
     const Matrix4 a = m;
     for (std::size_t i = 0; i < 4; ++i) {
@@ -76,35 +38,58 @@ void multiply(Matrix4& m, const Matrix4& b) {
     }
 }
 
-Matrix4 scaleMatrix(const std::array<float, 3>& factors) {
-    Matrix4 matrix = kIdentity4;
-    for (std::size_t i = 0; i < 3; ++i) {
-        matrix[i][i] = factors[i];
-    }
-    return matrix;
+Matrix4 scaling(const QvSFVec3f& factors) {
+    const auto [x, y, z] = factors.value;
+    return {{{x, 0, 0, 0}, {0, y, 0, 0}, {0, 0, z, 0}, {0, 0, 0, 1}}};
 }
 
-Matrix4 translationMatrix(const std::array<float, 3>& offset) {
-    Matrix4 matrix = kIdentity4;
-    for (std::size_t i = 0; i < 3; ++i) {
-        matrix[3][i] = offset[i];
-    }
-    return matrix;
+Matrix4 translation(const QvSFVec3f& offset, float sign = 1) {
+    const auto [x, y, z] = offset.value;
+    return {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {sign * x, sign * y, sign * z, 1}}};
 }
 
 // The transpose of the matrix that the textbooks give for column vectors (Foley et al., "Computer
 // Graphics: Principles and Practice", rotation about an arbitrary axis).
-Matrix4 rotationMatrix(const std::array<float, 3>& axis, float angle) {
-    const auto s = static_cast<float>(std::sin(static_cast<double>(angle)));
-    const auto c = static_cast<float>(std::cos(static_cast<double>(angle)));
-    const auto [x, y, z] = normalised(axis);
+Matrix4 rotation(const QvSFRotation& field, float sign = 1) {
+    const auto& value = field.value;
+    const auto angle = static_cast<double>(sign * value[3]);
+    const auto s = static_cast<float>(std::sin(angle));
+    const auto c = static_cast<float>(std::cos(angle));
+    const auto [x, y, z] = normalised({value[0], value[1], value[2]});
     const float t = 1 - c;
-    Matrix4 matrix = kIdentity4;
-    matrix[0] = {x * x + (1 - x * x) * c, x * y * t + z * s, x * z * t - y * s, 0};
-    matrix[1] = {x * y * t - z * s, y * y + (1 - y * y) * c, y * z * t + x * s, 0};
-    matrix[2] = {x * z * t + y * s, y * z * t - x * s, z * z + (1 - z * z) * c, 0};
-    return matrix;
+    return {{{x * x + (1 - x * x) * c, x * y * t + z * s, x * z * t - y * s, 0},
+             {x * y * t - z * s, y * y + (1 - y * y) * c, y * z * t + x * s, 0},
+             {x * z * t + y * s, y * z * t - x * s, z * z + (1 - z * z) * c, 0},
+             {0, 0, 0, 1}}};
 }
+
+void fold(Matrix4& m, const QvMatrixTransform& node) {
+    multiply(m, std::bit_cast<Matrix4>(node.matrix.value));
+}
+
+void fold(Matrix4& m, const QvRotation& node) {
+    multiply(m, rotation(node.rotation));
+}
+
+void fold(Matrix4& m, const QvScale& node) {
+    multiply(m, scaling(node.scaleFactor));
+}
+
+void fold(Matrix4& m, const QvTranslation& node) {
+    multiply(m, translation(node.translation));
+}
+
+void fold(Matrix4& m, const QvTransform& node) {
+    multiply(m, translation(node.center, -1));
+    multiply(m, rotation(node.scaleOrientation, -1));
+    multiply(m, scaling(node.scaleFactor));
+    multiply(m, rotation(node.scaleOrientation));
+    multiply(m, rotation(node.rotation));
+    multiply(m, translation(node.center));
+    multiply(m, translation(node.translation));
+}
+
+} // namespace
 
 ShapeContext::~ShapeContext() {
     while (TransformStack != nullptr) {

@@ -10,22 +10,12 @@ class QvState;
 /// row 3.
 using Matrix4 = std::array<std::array<float, 4>, 4>;
 
-inline constexpr Matrix4 kIdentity4 = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
-
 /// One level of the transform stack.
 struct TransformRecord {
-    Matrix4 matrix = kIdentity4;
+    Matrix4 matrix = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
     void* unused = nullptr;
     TransformRecord* next = nullptr;
 };
-
-/// M := M B. Every element is a sum from 0 over k = 0 to 3, in float.
-void multiply(Matrix4& m, const Matrix4& b);
-
-Matrix4 scaleMatrix(const std::array<float, 3>& factors);
-Matrix4 translationMatrix(const std::array<float, 3>& offset);
-/// The rotation about an axis, which is normalised first, by `angle` radians.
-Matrix4 rotationMatrix(const std::array<float, 3>& axis, float angle);
 
 /// The transform stack of the shape being converted. Nothing is transformed by it: the stream holds
 /// every shape in its own local space.

@@ -6,6 +6,8 @@
 #include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
+#include <cstdio>
+
 namespace meshcast {
 
 namespace {
@@ -18,14 +20,18 @@ void forward(void* diagnostics, GEOMmessage kind, const char* text) {
 
 } // namespace
 
-void Converter::write(ObjectOwner object) {
-    sink_.write(*object);
+void DescriptorSink::write(const GEOMobj& object) {
+    GEOMwrite_obj(&object, descriptor_, 0);
+}
+
+void DescriptorSink::print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 void Converter::writePolyhedron(std::span<const float> vertices,
                                 std::span<const std::int32_t> polygons, Normals normals,
                                 std::span<const float> uvs) {
-    ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
+    const ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
     GEOMadd_vertices(object.get(), vertices.data(), static_cast<std::int64_t>(vertices.size() / 3),
                      GEOM_COPY);
     GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
@@ -35,7 +41,7 @@ void Converter::writePolyhedron(std::span<const float> vertices,
     if (!uvs.empty()) {
         GEOMadd_uvs(object.get(), uvs.data(), static_cast<std::int64_t>(uvs.size() / 2), GEOM_COPY);
     }
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 void Converter::reportBadIndex(const char* shape, std::int32_t index) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "convert/convert.h"
-#include "convert/object_sink.h"
+#include "convert/texture.h"
 #include "traverse/shape_visitor.h"
 #include "vrml/fields.h"
 
@@ -10,13 +10,10 @@
 #include <optional>
 #include <set>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace meshcast {
-
-class Diagnostics;
 
 struct DestroyObject {
     void operator()(GEOMobj* object) const { GEOMdestroy_obj(object); }
@@ -28,15 +25,14 @@ using ObjectOwner = std::unique_ptr<GEOMobj, DestroyObject>;
 /// Whether and how a polyhedron gets normals.
 enum class Normals : std::int8_t { kNone, kSmooth, kFacet };
 
-/// How a shape uses the texture in force.
-struct TextureUse {
-    std::string name; ///< Of the converted image.
-    bool clampS;      ///< Coordinates outside [0, 1] are clamped; otherwise mirrored.
-    bool clampT;
-};
+/// Half a length: multiplied in double, then rounded.
+inline float half(float length) {
+    return static_cast<float>(static_cast<double>(length) * 0.5);
+}
 
 /// The visitor that turns shapes into GEOM objects: one for each conversion. How a shape is
-/// converted stands in the file named after it.
+/// converted stands in the file named after it; box.cpp holds cubes and inlined scenes,
+/// primitives.cpp cones, cylinders and spheres.
 class Converter final : public ShapeVisitor {
 public:
     Converter(ObjectSink& sink, Diagnostics& diagnostics, const ConvertOptions& options)
@@ -62,12 +58,10 @@ public:
     std::optional<TextureUse> textureInForce(const QvState& state) const;
 
 private:
-    void write(ObjectOwner object);
     /// Writes a polyhedron: `vertices` holds 3 floats per vertex, `polygons` the counts and 1-based
     /// indices of a polygon list with its closing 0, `uvs` 2 floats per vertex or nothing.
     void writePolyhedron(std::span<const float> vertices, std::span<const std::int32_t> polygons,
                          Normals normals, std::span<const float> uvs = {});
-    void writeTexturedSphere(float radius);
     void reportBadIndex(const char* shape, std::int32_t index);
     std::vector<std::int32_t> polygonList(std::span<const std::int32_t> coordIndex,
                                           std::int32_t points);

@@ -1,6 +1,5 @@
 #include "convert/context.h"
 #include "convert/converter.h"
-#include "convert/texture_coordinates.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
@@ -9,7 +8,6 @@
 #include <limits>
 #include <optional>
 #include <span>
-#include <utility>
 #include <vector>
 
 // An indexed face set becomes one polyhedron: all points of the coordinates in force are its
@@ -31,30 +29,6 @@ std::span<const std::int32_t> entries(const QvMFLong& field) {
 /// Whether `index` lies in a list of `count` values.
 bool isInside(std::int32_t index, std::int32_t count) {
     return index >= 0 && index < count;
-}
-
-// ---- normals
-
-enum class NormalMode : std::uint8_t {
-    kGenerate,
-    kPerVertex,
-    kIndexed,
-    kNone,
-};
-
-NormalMode normalMode(const QvNormalBinding* binding, const QvNormal* normal,
-                      const QvIndexedFaceSet& shape, std::int32_t points) {
-    const std::int32_t value = binding == nullptr ? Binding::NONE : binding->value.value;
-    if (value == Binding::PER_VERTEX && normal != nullptr && normal->vector.num == points) {
-        return NormalMode::kPerVertex;
-    }
-    if (value == Binding::PER_VERTEX_INDEXED && normal != nullptr && shape.normalIndex.num >= 2) {
-        return NormalMode::kIndexed;
-    }
-    // Unlike every other binding that gives no normals, an explicit DEFAULT generates none either:
-    // kept, the stream's readers rely on it.
-    return value >= Binding::NONE && value <= Binding::PER_VERTEX_INDEXED ? NormalMode::kGenerate
-                                                                          : NormalMode::kNone;
 }
 
 /// `Width` floats per point, spread from the values of a field by pairs of indices: the entry j of
@@ -86,89 +60,59 @@ std::uint8_t colorByte(float component) {
     return static_cast<std::uint8_t>(static_cast<std::uint32_t>(static_cast<std::int32_t>(scaled)));
 }
 
-/// Packs the diffuse colours onto the vertices that a binding gives them to.
-class VertexColors {
-public:
-    VertexColors(const QvMFColor& diffuse, std::int32_t points)
-        : diffuse_(diffuse), points_(points),
-          packed_(std::max<std::size_t>(static_cast<std::size_t>(points), 1)) {}
-
-    /// Gives a vertex the colour of that number, counted round and round the list. What lies
-    /// outside after that, as most negative numbers do, gives nothing.
-    void set(std::int32_t vertex, std::int32_t color) {
-        const std::int32_t wrapped = color % diffuse_.num;
-        if (!isInside(vertex, points_) || wrapped < 0) {
-            return;
-        }
-        const float* const rgb = diffuse_.at(wrapped);
-        packed_[static_cast<std::size_t>(vertex)] = {0, colorByte(rgb[0]), colorByte(rgb[1]),
-                                                     colorByte(rgb[2])};
-    }
-
-    const GEOMpacked_color* data() const { return packed_.data(); }
-
-private:
-    const QvMFColor& diffuse_;
-    std::int32_t points_;
-    std::vector<GEOMpacked_color> packed_;
-};
-
-void colorVertices(VertexColors& colors, std::span<const std::int32_t> coordIndex,
-                   std::span<const std::int32_t> materialIndex) {
-    for (std::size_t j = 0; j < std::min(materialIndex.size(), coordIndex.size()); ++j) {
-        if (materialIndex[j] != -1) {
-            colors.set(coordIndex[j], materialIndex[j]);
-        }
-    }
-}
-
-/// `colorOfFace` tells the number of a face's colour, or -1 for none.
-template <class ColorOfFace>
-void colorFaces(VertexColors& colors, std::span<const std::int32_t> coordIndex,
-                ColorOfFace colorOfFace) {
-    std::size_t face = 0;
-    for (const std::int32_t index : coordIndex) {
-        if (index == kEndOfFace) {
-            ++face;
-        } else {
-            colors.set(index, colorOfFace(face));
-        }
-    }
-}
-
-/// The colours of the vertices, where the shape has any: a binding and more than one
-/// diffuse colour make them.
-std::optional<VertexColors> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
-                                         std::int32_t points) {
+/// The colours of the vertices; none where the shape has none: a binding and more than one diffuse
+/// colour make them. An array for no points has one entry, so that it counts as given.
+std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
+                                           std::int32_t points) {
     const auto* const binding = state.materialBinding();
     const auto* const material = state.material();
     if (binding == nullptr || material == nullptr || material->diffuseColor.num <= 1 ||
-        binding->value.value < Binding::PER_FACE ||
-        binding->value.value > Binding::PER_VERTEX_INDEXED) {
-        return std::nullopt;
+        binding->value.value < Binding::PER_FACE) {
+        return {};
     }
-    const auto coordIndex = entries(shape.coordIndex);
+    const QvMFColor& diffuse = material->diffuseColor;
+    std::vector<GEOMpacked_color> colors(
+        std::max<std::size_t>(static_cast<std::size_t>(points), 1));
+    // Gives a vertex the colour of that number, counted round and round the list. What lies outside
+    // after that, as most negative numbers do, gives nothing.
+    const auto set = [&diffuse, points, packed = colors.data()](std::int32_t vertex,
+                                                                std::int32_t color) {
+        const std::int32_t wrapped = color % diffuse.num;
+        if (isInside(vertex, points) && wrapped >= 0) {
+            const float* const rgb = diffuse.at(wrapped);
+            packed[vertex] = {0, colorByte(rgb[0]), colorByte(rgb[1]), colorByte(rgb[2])};
+        }
+    };
+    // `colorOf` tells the number of an entry's colour by its place in the list and by its face.
+    const auto setAll = [set, coordIndex = entries(shape.coordIndex)](auto colorOf) {
+        std::size_t face = 0;
+        for (std::size_t i = 0; i < coordIndex.size(); ++i) {
+            if (coordIndex[i] == kEndOfFace) {
+                ++face;
+            } else {
+                set(coordIndex[i], colorOf(i, face));
+            }
+        }
+    };
     // One entry, as every shape has by default, is no list to index by: all vertices stay black.
-    const auto materialIndex = shape.materialIndex.num >= 2 ? entries(shape.materialIndex)
-                                                            : std::span<const std::int32_t>();
-    VertexColors colors(material->diffuseColor, points);
+    const auto list = entries(shape.materialIndex);
+    const auto listed = [list, size = list.size() >= 2 ? list.size() : 0](std::size_t i) {
+        return i < size ? list[i] : -1;
+    };
     switch (binding->value.value) {
     case Binding::PER_VERTEX:
         for (std::int32_t i = 0; i < points; ++i) {
-            colors.set(i, i);
+            set(i, i);
         }
         break;
     case Binding::PER_VERTEX_INDEXED:
-        colorVertices(colors, coordIndex, materialIndex);
+        setAll([listed](std::size_t i, std::size_t) { return listed(i); });
         break;
     case Binding::PER_FACE:
-        colorFaces(colors, coordIndex,
-                   [](std::size_t face) { return static_cast<std::int32_t>(face); });
+        setAll([](std::size_t, std::size_t face) { return static_cast<std::int32_t>(face); });
         break;
     default: // PER_FACE_INDEXED
-        colorFaces(colors, coordIndex, [materialIndex](std::size_t face) {
-            return face < materialIndex.size() ? materialIndex[face] : -1;
-        });
+        setAll([listed](std::size_t, std::size_t face) { return listed(face); });
         break;
     }
     return colors;
@@ -236,39 +180,45 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    const auto* const binding = state.normalBinding();
-    const auto* const normal = state.normal();
-    const NormalMode mode = normalMode(binding, normal, shape, points.num);
     // The messages about bad indices come before any that building the object may print.
     std::vector<std::int32_t> polygons = polygonList(entries(shape.coordIndex), points.num);
 
+    const auto* const normal = state.normal();
+    const auto* const binding = state.normalBinding();
+    const std::int32_t mode = binding == nullptr ? Binding::NONE : binding->value.value;
     std::vector<float> spreadNormals;
     const float* normals = nullptr;
-    if (mode == NormalMode::kPerVertex) {
+    bool generate = false;
+    if (mode == Binding::PER_VERTEX && normal != nullptr && normal->vector.num == points.num) {
         normals = normal->vector.values;
-    } else if (mode == NormalMode::kIndexed) {
+    } else if (mode == Binding::PER_VERTEX_INDEXED && normal != nullptr &&
+               shape.normalIndex.num >= 2) {
         spreadNormals = spreadIndexed(normal->vector, entries(shape.normalIndex),
                                       entries(shape.coordIndex), points.num);
         // An array made for no points is still one that was given.
         spreadNormals.reserve(1);
         normals = spreadNormals.data();
+    } else {
+        // Unlike every other binding that gives no normals, an explicit DEFAULT generates none
+        // either: kept, the stream's readers rely on it.
+        generate = mode != Binding::DEFAULT;
     }
-    const std::optional<VertexColors> colors = vertexColors(state, shape, points.num);
+    const std::vector<GEOMpacked_color> colors = vertexColors(state, shape, points.num);
     const std::vector<float> uvs = textureCoordinates(state, shape, points);
 
-    ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
+    const ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
     GEOMadd_vertices_with_data(object.get(), points.values, normals,
-                               colors ? colors->data() : nullptr, points.num, GEOM_COPY);
+                               colors.empty() ? nullptr : colors.data(), points.num, GEOM_COPY);
     GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
     // As large as the index list, and not needed while the normals are made.
     polygons = {};
-    if (mode == NormalMode::kGenerate) {
+    if (generate) {
         GEOMgen_normals(object.get(), 0);
     }
     if (!uvs.empty()) {
         GEOMadd_uvs(object.get(), uvs.data(), points.num, GEOM_COPY);
     }
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 } // namespace meshcast

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 // An indexed line set becomes one polytriangle with a polyline for each run of indices between the
@@ -64,7 +63,7 @@ void Converter::visit(const QvIndexedLineSet& shape, const QvState& state) {
     const QvMFVec3f& points = coordinates->point;
     const std::optional<LineColors> coloring = lineColors(state, shape, points.num);
 
-    ObjectOwner object(GEOMcreate_obj(GEOM_POLYTRIANGLE, nullptr));
+    const ObjectOwner object(GEOMcreate_obj(GEOM_POLYTRIANGLE, nullptr));
     std::vector<float> vertices;
     std::vector<float> colors;
     std::int32_t runStart = 0;
@@ -99,7 +98,7 @@ void Converter::visit(const QvIndexedLineSet& shape, const QvState& state) {
         runStart = i + 1;
         length = 0;
     }
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 } // namespace meshcast

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 namespace meshcast {
@@ -33,13 +32,13 @@ void Converter::visit(const QvPointSet& shape, const QvState& state) {
     }
 
     const std::vector<float> radii(static_cast<std::size_t>(count), kPointRadius);
-    ObjectOwner object(GEOMcreate_obj(GEOM_SPHERE, nullptr));
+    const ObjectOwner object(GEOMcreate_obj(GEOM_SPHERE, nullptr));
     if (count > 0) {
         GEOMadd_vertices(object.get(), points.at(static_cast<std::int32_t>(begin)), count,
                          GEOM_COPY);
         GEOMadd_radii(object.get(), radii.data(), count, GEOM_COPY);
     }
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 } // namespace meshcast

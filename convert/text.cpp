@@ -4,32 +4,21 @@
 #include "vrml/nodes.h"
 
 #include <cstdint>
-#include <utility>
 
 namespace meshcast {
 
 namespace {
 
 const char* fontName(std::int32_t family) {
-    switch (family) {
-    case QvFontStyle::SERIF:
-        return "Times";
-    case QvFontStyle::SANS:
-        return "Helvetica";
-    default:
-        return "Courier";
-    }
+    return family == QvFontStyle::SERIF  ? "Times"
+           : family == QvFontStyle::SANS ? "Helvetica"
+                                         : "Courier";
 }
 
 std::uint32_t alignment(std::int32_t justification) {
-    switch (justification) {
-    case QvAsciiText::CENTER:
-        return GEOM_LABEL_CENTER;
-    case QvAsciiText::RIGHT:
-        return GEOM_LABEL_RIGHT;
-    default:
-        return GEOM_LABEL_LEFT;
-    }
+    return justification == QvAsciiText::CENTER  ? GEOM_LABEL_CENTER
+           : justification == QvAsciiText::RIGHT ? GEOM_LABEL_RIGHT
+                                                 : GEOM_LABEL_LEFT;
 }
 
 } // namespace
@@ -49,10 +38,10 @@ void Converter::visit(const QvAsciiText& shape, const QvState& state) {
     const int fontNumber =
         GEOMfont_number(fontName(font.family.value), font.style.value & QvFontStyle::BOLD,
                         font.style.value & QvFontStyle::ITALIC);
-    ObjectOwner object(GEOMcreate_label(
+    const ObjectOwner object(GEOMcreate_label(
         nullptr, GEOMlabel_flags(fontNumber, 0, 0, 0, alignment(shape.justification.value), 0)));
     GEOMadd_label(object.get(), shape.string.value.c_str(), kOrigin, kOrigin, kHeight, nullptr, -1);
-    write(std::move(object));
+    sink_.write(*object);
 }
 
 } // namespace meshcast

@@ -2,28 +2,20 @@
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <span>
+#include <utility>
 
 namespace meshcast {
 
 namespace {
 
-struct Extension {
-    std::string_view text;
-    ImageType type;
-};
-
-constexpr std::array<Extension, 5> kExtensions = {{{"rgb", ImageType::kRgb},
-                                                   {"sgi", ImageType::kRgb},
-                                                   {"gif", ImageType::kGif},
-                                                   {"jpg", ImageType::kJpeg},
-                                                   {"jpeg", ImageType::kJpeg}}};
+/// Which converter an image needs, by the text after the last '.' of its path.
+constexpr std::array<std::pair<std::string_view, std::size_t>, 5> kExtensions = {
+    {{"rgb", 0}, {"sgi", 0}, {"gif", 1}, {"jpg", 2}, {"jpeg", 2}}};
 
 /// A file name shorter than this names no file.
 constexpr std::size_t kShortestName = 2;
@@ -49,50 +41,38 @@ std::string sourcePath(std::string_view name) {
     return std::string(kSceneDirectory).append(isAddress(name) ? afterLastSlash(name) : name);
 }
 
-// ---- inline images
-
-/// Pixels of an inline image as records of alpha, red, green, blue.
-class PixelReader {
-public:
-    explicit PixelReader(const QvSFImage& image) : image_(image) {}
-
-    std::array<std::uint8_t, 4> read(std::size_t row, std::size_t column) {
-        const auto components = static_cast<std::size_t>(image_.components);
-        // Rows are a height apart, not a width: kept, the files' readers undo it.
-        const std::size_t first =
-            (row * static_cast<std::size_t>(image_.height) + column) * components;
-        switch (components) {
-        case 1:
-            return gray(byteAt(first));
-        case 2:
-            alpha_ = inverted(byteAt(first + 1));
-            return gray(byteAt(first));
-        case 3:
-            return {alpha_, byteAt(first), byteAt(first + 1), byteAt(first + 2)};
-        case 4:
-            alpha_ = inverted(byteAt(first + 3));
-            return {alpha_, byteAt(first), byteAt(first + 1), byteAt(first + 2)};
-        default:
-            return gray(0);
+/// The number of the converter for an image; none when its type is unknown.
+std::optional<std::size_t> converterFor(std::string_view path) {
+    const std::size_t point = path.rfind('.');
+    for (const auto& [extension, converter] : kExtensions) {
+        if (point != std::string_view::npos && path.substr(point + 1) == extension) {
+            return converter;
         }
     }
+    return std::nullopt;
+}
 
-private:
-    static std::uint8_t inverted(std::uint8_t byte) {
-        return static_cast<std::uint8_t>(~static_cast<unsigned>(byte));
+// ---- inline images
+
+/// A pixel of an inline image: alpha, red, green, blue.
+std::array<std::uint8_t, 4> pixelAt(const QvSFImage& image, std::size_t row, std::size_t column) {
+    const auto components = static_cast<std::size_t>(image.components);
+    if (components < 1 || components > 4) {
+        return {};
     }
-    std::array<std::uint8_t, 4> gray(std::uint8_t value) const {
-        return {alpha_, value, value, value};
-    }
-    /// Zero where the distance of the rows leads out of the image.
-    std::uint8_t byteAt(std::size_t index) const {
-        const std::span<const std::uint8_t> bytes = image_.bytes();
+    // Rows are a height apart, not a width: kept, the files' readers undo it. Where that leads out
+    // of the image, bytes are zero.
+    const std::size_t first = (row * static_cast<std::size_t>(image.height) + column) * components;
+    const auto byteAt = [first, bytes = image.bytes()](std::size_t component) {
+        const std::size_t index = first + component;
         return index < bytes.size() ? bytes[index] : std::uint8_t(0);
-    }
-
-    const QvSFImage& image_;
-    std::uint8_t alpha_ = 0; // Stays from pixel to pixel.
-};
+    };
+    const bool hasAlpha = components % 2 == 0;
+    const std::size_t green = components < 3 ? 0 : 1; // Gray gives all three colours.
+    return {hasAlpha ? static_cast<std::uint8_t>(~unsigned{byteAt(components - 1)})
+                     : std::uint8_t(0),
+            byteAt(0), byteAt(green), byteAt(2 * green)};
+}
 
 /// Writes the raw file of an inline image: 8 bytes that hold width and height, big-endian, then the
 /// pixels, the last row first. False when the file cannot be opened.
@@ -110,10 +90,9 @@ bool writeRawImage(const std::string& path, const QvSFImage& image) {
         0, 0, static_cast<std::uint8_t>(width >> 8),  static_cast<std::uint8_t>(width & 0xFF),
         0, 0, static_cast<std::uint8_t>(height >> 8), static_cast<std::uint8_t>(height & 0xFF)};
     std::fwrite(header.data(), 1, header.size(), file.get());
-    PixelReader pixels(image);
     for (std::size_t row = height; row-- > 0;) {
         for (std::size_t column = 0; column < width; ++column) {
-            const std::array<std::uint8_t, 4> pixel = pixels.read(row, column);
+            const std::array<std::uint8_t, 4> pixel = pixelAt(image, row, column);
             std::fwrite(pixel.data(), 1, pixel.size(), file.get());
         }
     }
@@ -122,24 +101,12 @@ bool writeRawImage(const std::string& path, const QvSFImage& image) {
 
 } // namespace
 
-ImageType imageType(std::string_view path) {
-    const std::size_t point = path.rfind('.');
-    if (point == std::string_view::npos) {
-        return ImageType::kUnknown;
-    }
-    const std::string_view text = path.substr(point + 1);
-    const auto* const found =
-        std::find_if(kExtensions.begin(), kExtensions.end(),
-                     [text](const Extension& extension) { return extension.text == text; });
-    return found == kExtensions.end() ? ImageType::kUnknown : found->type;
-}
-
 std::string convertedName(const std::string& folder, std::string_view source) {
     std::string name = folder;
     const std::string_view part =
         isAbsolute(source) || isAddress(source) ? afterLastSlash(source) : source;
     name.append("/").append(part);
-    if (imageType(part) == ImageType::kUnknown) {
+    if (!converterFor(part)) {
         return name.append(".x");
     }
     name.resize(name.size() - 3);
@@ -154,11 +121,7 @@ std::string shellWord(const std::string& text) {
     }
     std::string quoted = "'";
     for (const char c : text) {
-        if (c == '\'') {
-            quoted += "'\\''";
-        } else {
-            quoted += c;
-        }
+        quoted += c == '\'' ? std::string_view("'\\''") : std::string_view(&c, 1);
     }
     return quoted += '\'';
 }
@@ -181,15 +144,14 @@ void Converter::prepareTexture(const QvTexture2& texture) {
         }
         return;
     }
-    const ImageType type = imageType(name);
-    if (type == ImageType::kUnknown) {
+    const std::optional<std::size_t> converter = converterFor(name);
+    if (!converter) {
         sink_.print("Unknown Image type:\n" + std::string(name));
         textures_ = false;
         return;
     }
-    const std::string command = images.converters[static_cast<std::size_t>(type) - 1] + " " +
-                                shellWord(sourcePath(name)) + " " +
-                                shellWord(convertedName(images.folder, name));
+    const std::string command = images.converters[*converter] + " " + shellWord(sourcePath(name)) +
+                                " " + shellWord(convertedName(images.folder, name));
     // Whether the converter has done its work shows in the copy, not in its exit status.
     [[maybe_unused]] const int status = std::system(command.c_str());
 }

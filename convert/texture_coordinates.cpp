@@ -1,6 +1,4 @@
-#include "convert/texture_coordinates.h"
-
-#include "convert/converter.h"
+#include "convert/texture.h"
 #include "traverse/transforms.h"
 
 #include <algorithm>
@@ -15,8 +13,6 @@ namespace {
 
 /// For row vectors: (u, v, 1) maps to (u, v, 1) M.
 using Matrix3 = std::array<std::array<float, 3>, 3>;
-
-constexpr Matrix3 kIdentity3 = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
 Matrix3 product(const Matrix3& a, const Matrix3& b) {
     Matrix3 result{};
@@ -40,8 +36,9 @@ Matrix3 rotation(float angle) {
     return {{{c, s, 0}, {-s, c, 0}, {0, 0, 1}}};
 }
 
+/// The product of the texture transforms in force, the newest first.
 Matrix3 gather(const QvState& state) {
-    Matrix3 matrix = kIdentity3;
+    Matrix3 matrix = translation(0, 0);
     forEachTextureTransform(state, [&matrix](const QvTexture2Transform& node) {
         const auto [cx, cy] = node.center.value;
         const auto [sx, sy] = node.scaleFactor.value;

@@ -1,7 +1,6 @@
 #include "compat/geom/geom.h"
 #include "compat/geom/settings.h"
 #include "convert/convert.h"
-#include "convert/object_sink.h"
 #include "vrml/byte_source.h"
 #include "vrml/diagnostics.h"
 #include "vrml/scene.h"

@@ -1,5 +1,4 @@
 #include "convert/converter.h"
-#include "convert/texture_coordinates.h"
 #include "tests/support/conversion.h"
 #include "tests/support/walk.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "convert/object_sink.h"
+#include "convert/convert.h"
 #include "vrml/diagnostics.h"
 
 #include <string>
