@@ -1,5 +1,3 @@
 // A program that does nothing: what starting any C++ program costs on this machine.
 
-int main() {
-    return 0;
-}
+int main() { return 0; }

@@ -87,9 +87,7 @@ Vector pointAt(std::span<const float> points, int index) {
     return {p[0], p[1], p[2]};
 }
 
-Vector operator-(Vector a, Vector b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
+Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
 // Not inlined: where one call feeds the next, GCC 12 vectorises the two and forgets to round to
 // float in between.
@@ -182,9 +180,7 @@ struct Solid {
     float depth = 0;
 };
 
-float half(float v) {
-    return static_cast<float>(static_cast<double>(v) * 0.5);
-}
+float half(float v) { return static_cast<float>(static_cast<double>(v) * 0.5); }
 
 class Solids {
 public:

@@ -56,9 +56,7 @@ double sineOfTurns(double turns) {
     return within < 0.5 ? angle * sum : -angle * sum;
 }
 
-double cosineOfTurns(double turns) {
-    return sineOfTurns(turns + 0.25);
-}
+double cosineOfTurns(double turns) { return sineOfTurns(turns + 0.25); }
 
 Thousandths rounded(double thousandths) {
     return static_cast<Thousandths>(std::floor(thousandths + 0.5));

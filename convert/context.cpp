@@ -67,17 +67,11 @@ void fold(Matrix4& m, const QvMatrixTransform& node) {
     multiply(m, std::bit_cast<Matrix4>(node.matrix.value));
 }
 
-void fold(Matrix4& m, const QvRotation& node) {
-    multiply(m, rotation(node.rotation));
-}
+void fold(Matrix4& m, const QvRotation& node) { multiply(m, rotation(node.rotation)); }
 
-void fold(Matrix4& m, const QvScale& node) {
-    multiply(m, scaling(node.scaleFactor));
-}
+void fold(Matrix4& m, const QvScale& node) { multiply(m, scaling(node.scaleFactor)); }
 
-void fold(Matrix4& m, const QvTranslation& node) {
-    multiply(m, translation(node.translation));
-}
+void fold(Matrix4& m, const QvTranslation& node) { multiply(m, translation(node.translation)); }
 
 void fold(Matrix4& m, const QvTransform& node) {
     multiply(m, translation(node.center, -1));

@@ -15,9 +15,6 @@ class Scene;
 /// Receives the objects of a conversion, one by one.
 class ObjectSink {
 public:
-    ObjectSink() = default;
-    ObjectSink(const ObjectSink&) = delete;
-    ObjectSink& operator=(const ObjectSink&) = delete;
     virtual ~ObjectSink() = default;
 
     /// Takes an object, which is destroyed after the call. While it runs, GEOMwrite_obj() writes

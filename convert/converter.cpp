@@ -20,9 +20,7 @@ void forward(void* diagnostics, GEOMmessage kind, const char* text) {
 
 } // namespace
 
-void DescriptorSink::write(const GEOMobj& object) {
-    GEOMwrite_obj(&object, descriptor_, 0);
-}
+void DescriptorSink::write(const GEOMobj& object) { GEOMwrite_obj(&object, descriptor_, 0); }
 
 void DescriptorSink::print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);

@@ -26,9 +26,7 @@ using ObjectOwner = std::unique_ptr<GEOMobj, DestroyObject>;
 enum class Normals : std::int8_t { kNone, kSmooth, kFacet };
 
 /// Half a length: multiplied in double, then rounded.
-inline float half(float length) {
-    return static_cast<float>(static_cast<double>(length) * 0.5);
-}
+inline float half(float length) { return static_cast<float>(static_cast<double>(length) * 0.5); }
 
 /// The visitor that turns shapes into GEOM objects: one for each conversion. How a shape is
 /// converted stands in the file named after it; box.cpp holds cubes and inlined scenes,

@@ -27,9 +27,7 @@ std::span<const std::int32_t> entries(const QvMFLong& field) {
 }
 
 /// Whether `index` lies in a list of `count` values.
-bool isInside(std::int32_t index, std::int32_t count) {
-    return index >= 0 && index < count;
-}
+bool isInside(std::int32_t index, std::int32_t count) { return index >= 0 && index < count; }
 
 /// `Width` floats per point, spread from the values of a field by pairs of indices: the entry j of
 /// `index` names the value of the point that entry j of `coordIndex` names.

@@ -27,12 +27,8 @@ std::string_view afterLastSlash(std::string_view path) {
     return path.substr(path.rfind('/') + 1); // npos + 1 is 0: the whole path.
 }
 
-bool isAbsolute(std::string_view path) {
-    return path.starts_with('/');
-}
-bool isAddress(std::string_view path) {
-    return path.starts_with("http:");
-}
+bool isAbsolute(std::string_view path) { return path.starts_with('/'); }
+bool isAddress(std::string_view path) { return path.starts_with("http:"); }
 
 std::string sourcePath(std::string_view name) {
     if (isAbsolute(name)) {

@@ -26,9 +26,7 @@ Matrix3 product(const Matrix3& a, const Matrix3& b) {
     return result;
 }
 
-Matrix3 translation(float x, float y) {
-    return {{{1, 0, 0}, {0, 1, 0}, {x, y, 1}}};
-}
+Matrix3 translation(float x, float y) { return {{{1, 0, 0}, {0, 1, 0}, {x, y, 1}}}; }
 
 Matrix3 rotation(float angle) {
     const auto s = static_cast<float>(std::sin(static_cast<double>(angle)));

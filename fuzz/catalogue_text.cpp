@@ -27,9 +27,7 @@ std::string reals(Random& random, Words /*words*/) {
     return several(random, Count, randomReal);
 }
 
-std::string integer(Random& random, Words /*words*/) {
-    return randomInteger(random);
-}
+std::string integer(Random& random, Words /*words*/) { return randomInteger(random); }
 
 template <std::string (*One)(Random&, Words)>
 std::string list(Random& random, Words words) {
@@ -124,9 +122,7 @@ std::string undeclaredNode(Random& random) {
 
 } // namespace
 
-std::span<const ValueWriter> fieldTypes() {
-    return kFieldTypes;
-}
+std::span<const ValueWriter> fieldTypes() { return kFieldTypes; }
 
 const CatalogueField* CatalogueClass::find(std::string_view fieldName) const {
     const auto found = std::find_if(fields.begin(), fields.end(),

@@ -509,8 +509,6 @@ private:
 
 } // namespace
 
-RandomObject randomObject(FuzzedDataProvider& choices) {
-    return Maker(choices).make();
-}
+RandomObject randomObject(FuzzedDataProvider& choices) { return Maker(choices).make(); }
 
 } // namespace meshcast::fuzz

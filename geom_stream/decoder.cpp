@@ -354,13 +354,9 @@ std::optional<Object> RecordReader::next() {
     return reader_->ok() ? std::optional(std::move(object)) : std::nullopt;
 }
 
-const std::optional<Error>& RecordReader::error() const {
-    return reader_->error();
-}
+const std::optional<Error>& RecordReader::error() const { return reader_->error(); }
 
-std::uint64_t RecordReader::skipRest() {
-    return reader_->skipRest();
-}
+std::uint64_t RecordReader::skipRest() { return reader_->skipRest(); }
 
 DecodeResult decode(std::span<const std::byte> stream) {
     std::span<const std::byte> rest = stream;

@@ -16,11 +16,20 @@ void forEachTransform(const QvState& state, Use use) {
         case QvElementType::MatrixTransform:
             use(static_cast<const QvMatrixTransform&>(node));
             break;
-        case QvElementType::Rotation: use(static_cast<const QvRotation&>(node)); break;
-        case QvElementType::Scale: use(static_cast<const QvScale&>(node)); break;
-        case QvElementType::Transform: use(static_cast<const QvTransform&>(node)); break;
-        case QvElementType::Translation: use(static_cast<const QvTranslation&>(node)); break;
-        default: break;
+        case QvElementType::Rotation:
+            use(static_cast<const QvRotation&>(node));
+            break;
+        case QvElementType::Scale:
+            use(static_cast<const QvScale&>(node));
+            break;
+        case QvElementType::Transform:
+            use(static_cast<const QvTransform&>(node));
+            break;
+        case QvElementType::Translation:
+            use(static_cast<const QvTranslation&>(node));
+            break;
+        default:
+            break;
         }
     }
 }

@@ -57,9 +57,7 @@ const NameTable& internNames() {
 
 } // namespace
 
-std::span<const ClassInfo> nodeClasses() {
-    return kClasses;
-}
+std::span<const ClassInfo> nodeClasses() { return kClasses; }
 
 const ClassInfo* findClass(InternedName name) {
     return !name.empty() && name.number() <= kClasses.size() ? &kClasses[name.number() - 1]
@@ -71,8 +69,6 @@ const NameTable& catalogueNames() {
     return names;
 }
 
-InternedName catalogueName(std::string_view text) {
-    return catalogueNames().at(text);
-}
+InternedName catalogueName(std::string_view text) { return catalogueNames().at(text); }
 
 } // namespace meshcast

@@ -43,12 +43,8 @@ constexpr bool has(char c, unsigned classes) {
 
 } // namespace characters
 
-constexpr bool isSpace(char c) {
-    return characters::has(c, characters::kSpace);
-}
-constexpr bool isControl(char c) {
-    return characters::has(c, characters::kControl);
-}
+constexpr bool isSpace(char c) { return characters::has(c, characters::kSpace); }
+constexpr bool isControl(char c) { return characters::has(c, characters::kControl); }
 constexpr bool isNameStart(char c) {
     return characters::has(c, characters::kLetter | characters::kUnderscore);
 }

@@ -37,12 +37,8 @@ bool readFloat(VrmlInput& input, float& value) {
     return true;
 }
 
-bool readScalar(VrmlInput& input, float& value) {
-    return readFloat(input, value);
-}
-bool readScalar(VrmlInput& input, std::int32_t& value) {
-    return input.readInteger(value);
-}
+bool readScalar(VrmlInput& input, float& value) { return readFloat(input, value); }
+bool readScalar(VrmlInput& input, std::int32_t& value) { return input.readInteger(value); }
 
 } // namespace
 
@@ -127,13 +123,9 @@ template class QvSFReals<3>;
 template class QvSFReals<4>;
 template class QvSFReals<16>;
 
-bool QvSFFloat::readValue(VrmlInput& input) {
-    return readFloat(input, value);
-}
+bool QvSFFloat::readValue(VrmlInput& input) { return readFloat(input, value); }
 
-bool QvSFLong::readValue(VrmlInput& input) {
-    return input.readInteger(value);
-}
+bool QvSFLong::readValue(VrmlInput& input) { return input.readInteger(value); }
 
 bool QvSFBool::readValue(VrmlInput& input) {
     std::int32_t number = 0;
@@ -235,9 +227,7 @@ bool QvSFImage::readValue(VrmlInput& input) {
     return true;
 }
 
-bool QvSFString::readValue(VrmlInput& input) {
-    return input.readString(value);
-}
+bool QvSFString::readValue(VrmlInput& input) { return input.readString(value); }
 
 // ---- lists
 

@@ -32,9 +32,7 @@ QvUnknownNode::QvUnknownNode(Scene& scene, InternedName className)
     scene.newestUnknownTable = &table_;
 }
 
-const FieldTable& QvUnknownNode::getFieldTable() const {
-    return *scene_.newestUnknownTable;
-}
+const FieldTable& QvUnknownNode::getFieldTable() const { return *scene_.newestUnknownTable; }
 
 bool QvUnknownNode::adoptField(InternedName typeName, InternedName fieldName) {
     const std::optional<FieldType> type = findFieldType(typeName.view());

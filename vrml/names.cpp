@@ -14,9 +14,7 @@ namespace {
 constexpr std::size_t kFirstSlots = 256; // A power of two, as is the growth.
 constexpr std::size_t kGrowth = 4;
 
-std::string_view viewOf(const NameEntry& entry) {
-    return {entry.text, entry.length};
-}
+std::string_view viewOf(const NameEntry& entry) { return {entry.text, entry.length}; }
 
 /// The library's hash: for a simpler one it is easy to find any number of names of one hash.
 std::uint32_t hashOf(std::string_view text) {

@@ -8,9 +8,7 @@ namespace meshcast {
 // that belongs to no number (a terminating zero serves). Nothing here depends on the locale.
 
 /// True for the decimal digits only.
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// True for the decimal digits and the letters a to f in either case.
 constexpr bool isHexDigit(char c) {

@@ -9,9 +9,7 @@ namespace {
 using Count = std::uint64_t; // wraps where a hostile object's numbers do not fit
 
 // 1 when the bit is set, else 0.
-Count has(std::uint32_t flags, std::uint32_t bit) {
-    return (flags & bit) != 0 ? 1 : 0;
-}
+Count has(std::uint32_t flags, std::uint32_t bit) { return (flags & bit) != 0 ? 1 : 0; }
 
 Count values_per_vertex(std::uint32_t flags) {
     return 3 + 3 * has(flags, GEOM_HAS_NORMALS) + 3 * has(flags, GEOM_HAS_COLORS) +

@@ -46,9 +46,7 @@ private:
 };
 
 // Counts are printed as ints, as they always were; larger ones show their low 32 bits.
-int as_int(std::int64_t count) {
-    return static_cast<int>(count);
-}
+int as_int(std::int64_t count) { return static_cast<int>(count); }
 
 // The values of a list, if it is there.
 template <int N>

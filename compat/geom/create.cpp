@@ -16,9 +16,7 @@ namespace {
 namespace sites = geom::create_sites;
 
 // Batches grow a list to exactly what is needed; single elements leave room for more.
-std::int64_t extension_for(std::int64_t n) {
-    return n == 1 ? geom::kHeadroom : n;
-}
+std::int64_t extension_for(std::int64_t n) { return n == 1 ? geom::kHeadroom : n; }
 
 template <class T, int N>
 void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, int flag,

@@ -75,12 +75,8 @@ void* reallocate(void* old, std::int64_t count, std::size_t size, const Allocati
     return block_for(count, size, old, site, [old](std::size_t n) { return std::realloc(old, n); });
 }
 
-void* try_allocate(std::size_t bytes) {
-    return std::malloc(bytes);
-}
+void* try_allocate(std::size_t bytes) { return std::malloc(bytes); }
 
-void release(const void* block) {
-    std::free(const_cast<void*>(block));
-}
+void release(const void* block) { std::free(const_cast<void*>(block)); }
 
 } // namespace geom

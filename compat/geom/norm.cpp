@@ -39,9 +39,7 @@ struct Vec3 {
     float x, y, z;
 };
 
-Vec3 load(const float* at) {
-    return {at[0], at[1], at[2]};
-}
+Vec3 load(const float* at) { return {at[0], at[1], at[2]}; }
 
 void store(float* at, const Vec3& v) {
     at[0] = v.x;
@@ -49,9 +47,7 @@ void store(float* at, const Vec3& v) {
     at[2] = v.z;
 }
 
-Vec3 operator-(const Vec3& a, const Vec3& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
+Vec3 operator-(const Vec3& a, const Vec3& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
 Vec3& operator+=(Vec3& a, const Vec3& b) {
     a.x += b.x;
@@ -293,6 +289,4 @@ void geom::normalize_vector(float* vector) {
     store(vector, l == 0 ? Vec3{0, 0, 1} : divide(v, l));
 }
 
-void GEOMgen_normals(GEOMobj* obj, int mode) {
-    geom::generate_normals(*obj, mode, kDegenerate);
-}
+void GEOMgen_normals(GEOMobj* obj, int mode) { geom::generate_normals(*obj, mode, kDegenerate); }

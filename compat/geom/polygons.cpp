@@ -14,9 +14,7 @@ namespace {
 namespace sites = geom::create_sites;
 
 // Entries of a list: the counts, the indices and the final 0.
-std::int64_t entries(const GEOMpolygon_list& list) {
-    return list.polygons + list.indices + 1;
-}
+std::int64_t entries(const GEOMpolygon_list& list) { return list.polygons + list.indices + 1; }
 
 // Counts the polygons of a caller's list and copies them into a new block of 64-bit entries.
 GEOMpolygon_list widen(const std::int32_t* list) {

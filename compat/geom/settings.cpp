@@ -10,9 +10,7 @@ namespace {
 
 constinit thread_local const GEOMsettings* in_force = nullptr;
 
-bool is_set(const char* variable) {
-    return std::getenv(variable) != nullptr;
-}
+bool is_set(const char* variable) { return std::getenv(variable) != nullptr; }
 
 int environment_version() {
     return is_set("KRA_GEOM_WRITE_V2") ? GEOM_VERSION_RAW : GEOM_VERSION_XDR;
@@ -23,9 +21,7 @@ bool environment_verifies() {
     return answer;
 }
 
-bool has_receiver() {
-    return in_force != nullptr && in_force->receiver != nullptr;
-}
+bool has_receiver() { return in_force != nullptr && in_force->receiver != nullptr; }
 
 // Printed piece by piece: no buffer, so no message is cut and none needs memory when there is none.
 // The lock keeps the pieces together when threads print at the same time.
@@ -44,9 +40,7 @@ GEOMscope::GEOMscope(const GEOMsettings& settings) : m_settings(settings), m_out
     in_force = &m_settings;
 }
 
-GEOMscope::~GEOMscope() {
-    in_force = m_outer;
-}
+GEOMscope::~GEOMscope() { in_force = m_outer; }
 
 GEOMsettings GEOMenvironment_settings() {
     return {.version = environment_version(), .verify = environment_verifies()};

@@ -83,9 +83,7 @@ bool refill(GEOMstream& stream) {
 
 // ---- The operations of the XDR handles
 
-GEOMstream& stream_of(XDR* handle) {
-    return *static_cast<GEOMstream*>(handle->x_private);
-}
+GEOMstream& stream_of(XDR* handle) { return *static_cast<GEOMstream*>(handle->x_private); }
 
 bool_t get_long(XDR* handle, long* value) {
     std::uint32_t word = 0;
@@ -110,23 +108,17 @@ bool_t put_bytes(XDR* handle, const char* bytes, u_int n) {
     return stream.sink(&stream, bytes, n) == n ? TRUE : FALSE;
 }
 
-u_int get_position(XDR* /*handle*/) {
-    return 0;
-}
+u_int get_position(XDR* /*handle*/) { return 0; }
 
 bool_t set_position(XDR* /*handle*/, u_int /*position*/) {
     return TRUE; // nothing moves, and callers that rewind go on
 }
 
-std::int32_t* no_inline_access(XDR* /*handle*/, u_int /*n*/) {
-    return nullptr;
-}
+std::int32_t* no_inline_access(XDR* /*handle*/, u_int /*n*/) { return nullptr; }
 
 void destroy_nothing(XDR* /*handle*/) {}
 
-bool_t control_nothing(XDR* /*handle*/, int /*request*/, void* /*info*/) {
-    return FALSE;
-}
+bool_t control_nothing(XDR* /*handle*/, int /*request*/, void* /*info*/) { return FALSE; }
 
 constexpr XDR::xdr_ops kOperations = {get_long,         put_long,        get_bytes,
                                       put_bytes,        get_position,    set_position,

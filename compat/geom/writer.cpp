@@ -59,17 +59,11 @@ void put_word(GEOMstream* stream, std::uint32_t word) {
     geom::put_int(stream, static_cast<std::int32_t>(word));
 }
 
-bool is_xdr(const GEOMstream& stream) {
-    return stream.version >= GEOM_FIRST_XDR_VERSION;
-}
+bool is_xdr(const GEOMstream& stream) { return stream.version >= GEOM_FIRST_XDR_VERSION; }
 
-const char* text_or_empty(const char* text) {
-    return text == nullptr ? "" : text;
-}
+const char* text_or_empty(const char* text) { return text == nullptr ? "" : text; }
 
-std::size_t bytes_with_nul(const char* text) {
-    return std::strlen(text) + 1;
-}
+std::size_t bytes_with_nul(const char* text) { return std::strlen(text) + 1; }
 
 GEOMhead make_head(const GEOMobj& obj, int flags, const GEOMstream& stream) {
     constexpr int droppable = GEOM_HAS_NORMALS | GEOM_HAS_COLORS;

@@ -14,9 +14,7 @@ using List = std::vector<std::int64_t>;
 const std::string kSquare = "Coordinate3 { point [ 0 0 0, 1 0 0, 1 1 0, 0 1 0 ] } ";
 const std::string kTwoTriangles = "IndexedFaceSet { coordIndex [ 0, 1, 2, -1, 0, 2, 3, -1 ] } ";
 
-std::string group(const std::string& nodes) {
-    return "Separator { " + nodes + " }";
-}
+std::string group(const std::string& nodes) { return "Separator { " + nodes + " }"; }
 
 TEST(FaceSet, PolygonsAndMessages) {
     struct Case {

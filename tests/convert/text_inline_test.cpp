@@ -25,9 +25,7 @@ TEST(Inline, ABoxStandsInForTheScene) {
     EXPECT_EQ(convert("WWWInline { bboxSize 0.1 0 0 }").objects.size(), 1U);
 }
 
-TEST(Text, IsSwitchedOff) {
-    EXPECT_TRUE(convert("AsciiText { string \"hello\" }").bytes.empty());
-}
+TEST(Text, IsSwitchedOff) { EXPECT_TRUE(convert("AsciiText { string \"hello\" }").bytes.empty()); }
 
 TEST(Text, BecomesALabelOnceSwitchedOn) {
     struct Case {

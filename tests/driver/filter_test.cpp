@@ -1,6 +1,6 @@
+#include "geom_stream/decoder.h"
 #include "tests/driver/scene_files.h"
 #include "tests/support/conversion.h"
-#include "geom_stream/decoder.h"
 
 #include <gtest/gtest.h>
 

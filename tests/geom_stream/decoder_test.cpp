@@ -25,9 +25,7 @@ Object object_of(const std::string& name, const std::vector<std::byte>& stream) 
     return object;
 }
 
-Object object_of(const std::string& name) {
-    return object_of(name, records::named(name).bytes);
-}
+Object object_of(const std::string& name) { return object_of(name, records::named(name).bytes); }
 
 // The arrays must be those that the flags promise, as the records have them.
 void expect_arrays(const VertexArrays& arrays, std::uint32_t flags, std::size_t n,

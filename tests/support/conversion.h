@@ -1,8 +1,8 @@
 #pragma once
 
 #include "convert/convert.h"
-#include "tests/support/memory_sink.h"
 #include "geom_stream/decoder.h"
+#include "tests/support/memory_sink.h"
 #include "vrml/byte_source.h"
 #include "vrml/input.h"
 #include "vrml/nodes.h"

@@ -44,9 +44,7 @@ void* __real_realloc(void* old, std::size_t bytes);
 ssize_t __real_write(int fd, const void* bytes, std::size_t n);
 ssize_t __real_read(int fd, void* bytes, std::size_t n);
 
-void* __wrap_malloc(std::size_t bytes) {
-    return fails_now() ? nullptr : __real_malloc(bytes);
-}
+void* __wrap_malloc(std::size_t bytes) { return fails_now() ? nullptr : __real_malloc(bytes); }
 
 void* __wrap_calloc(std::size_t count, std::size_t bytes) {
     return fails_now() ? nullptr : __real_calloc(count, bytes);
@@ -77,23 +75,13 @@ void* operator new(std::size_t bytes) {
     }
 }
 
-void* operator new[](std::size_t bytes) {
-    return operator new(bytes);
-}
+void* operator new[](std::size_t bytes) { return operator new(bytes); }
 
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
+void operator delete(void* block) noexcept { std::free(block); }
 
-void operator delete[](void* block) noexcept {
-    std::free(block);
-}
+void operator delete[](void* block) noexcept { std::free(block); }
 
-void operator delete(void* block, std::size_t /*bytes*/) noexcept {
-    std::free(block);
-}
+void operator delete(void* block, std::size_t /*bytes*/) noexcept { std::free(block); }
 
-void operator delete[](void* block, std::size_t /*bytes*/) noexcept {
-    std::free(block);
-}
+void operator delete[](void* block, std::size_t /*bytes*/) noexcept { std::free(block); }
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -96,9 +96,7 @@ inline const std::map<std::string, std::string> by_name{
     {"label 7", header_7("z4", "05z3", "1900") + "02z7,8190z2,01z3,00,02z3,ff00,z24,z24,z8,"},
 };
 
-inline Bytes named(const std::string& name) {
-    return from_hex(by_name.at(name));
-}
+inline Bytes named(const std::string& name) { return from_hex(by_name.at(name)); }
 
 /// All records, one after another.
 inline Bytes all() {

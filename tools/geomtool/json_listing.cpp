@@ -27,18 +27,10 @@ using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::strin
                                   std::int64_t, std::uint64_t, float>;
 
 // What follows makes one element of an array of values.
-Json json(std::int64_t number) {
-    return number;
-}
-Json json(std::int32_t number) {
-    return number;
-}
-Json json(std::byte byte) {
-    return std::to_integer<unsigned>(byte);
-}
-Json json(const std::string& text) {
-    return text;
-}
+Json json(std::int64_t number) { return number; }
+Json json(std::int32_t number) { return number; }
+Json json(std::byte byte) { return std::to_integer<unsigned>(byte); }
+Json json(const std::string& text) { return text; }
 
 Json json(float number) {
     if (std::isnan(number))
@@ -49,9 +41,7 @@ Json json(float number) {
 }
 
 template <class Sequence>
-requires requires(const Sequence& sequence) {
-    sequence[0];
-}
+requires requires(const Sequence& sequence) { sequence[0]; }
 Json json(const Sequence& elements) {
     Json list = Json::array();
     for (const auto& element : elements)
@@ -59,9 +49,7 @@ Json json(const Sequence& elements) {
     return list;
 }
 
-Json json(PolygonsOf polygons) {
-    return json(polygons.polyhedron->polygons());
-}
+Json json(PolygonsOf polygons) { return json(polygons.polyhedron->polygons()); }
 
 Json properties_of(const Object& object) {
     Json list = Json::array();

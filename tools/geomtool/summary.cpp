@@ -230,9 +230,7 @@ void note_polygons(const Polyhedron& polyhedron, std::vector<std::string>& notes
 
 } // namespace
 
-std::vector<Count> counts(const Object& object) {
-    return std::visit(CountsOf{}, object.body);
-}
+std::vector<Count> counts(const Object& object) { return std::visit(CountsOf{}, object.body); }
 
 std::vector<std::string_view> names_of_flags(std::uint32_t flags) {
     std::vector<std::string_view> names;

@@ -33,12 +33,8 @@ void append_number(std::string& text, Number number, Base... base) {
 }
 
 // What follows writes one element of an array of values.
-void append(std::string& text, std::int64_t number) {
-    append_number(text, number);
-}
-void append(std::string& text, std::int32_t number) {
-    append_number(text, number);
-}
+void append(std::string& text, std::int64_t number) { append_number(text, number); }
+void append(std::string& text, std::int32_t number) { append_number(text, number); }
 
 void append(std::string& text, float number) {
     if (std::isnan(number)) // the sign of a NaN says nothing
@@ -70,9 +66,7 @@ void append(std::string& text, const std::string& characters) {
 }
 
 template <class Sequence>
-requires requires(const Sequence& sequence) {
-    sequence[0];
-}
+requires requires(const Sequence& sequence) { sequence[0]; }
 void append(std::string& text, const Sequence& numbers) {
     std::string_view separator;
     for (const auto& number : numbers) {

@@ -18,9 +18,7 @@ inline constexpr std::array<bool, 256> kWordEnds = [] {
     return table;
 }();
 
-constexpr bool endsWord(char c) {
-    return kWordEnds[static_cast<unsigned char>(c)];
-}
+constexpr bool endsWord(char c) { return kWordEnds[static_cast<unsigned char>(c)]; }
 
 /// A string as the reader takes it: in double quotes, or a word that runs to the next white space.
 struct StringToken {

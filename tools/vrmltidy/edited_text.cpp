@@ -10,9 +10,7 @@ namespace meshcast::tidy {
 
 namespace {
 
-bool isBlank(char c) {
-    return isSpace(c) && c != '\n';
-}
+bool isBlank(char c) { return isSpace(c) && c != '\n'; }
 
 } // namespace
 

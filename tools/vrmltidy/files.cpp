@@ -15,9 +15,7 @@ namespace meshcast::tidy {
 
 namespace {
 
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
+std::error_code lastError() { return {errno, std::generic_category()}; }
 
 /// An open file, closed with its owner.
 class Descriptor {

@@ -26,9 +26,7 @@ int inflateMember(z_stream& stream, std::size_t limit, std::string& inflated) {
 
 } // namespace
 
-bool isCompressed(std::string_view bytes) {
-    return bytes.starts_with(kMagic);
-}
+bool isCompressed(std::string_view bytes) { return bytes.starts_with(kMagic); }
 
 std::string inflate(std::string_view compressed, std::size_t limit, std::string& inflated) {
     constexpr int kGzipWindow = 16 + MAX_WBITS;

@@ -35,9 +35,7 @@ bool beginsWith(std::string_view text, std::string_view beginning) {
            equalInAnyCase(text.substr(0, beginning.size()), beginning);
 }
 
-bool isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 void skipBlanks(std::string_view& text) {
     text.remove_prefix(static_cast<std::size_t>(

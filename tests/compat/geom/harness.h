@@ -21,9 +21,7 @@ struct DestroyObject {
 };
 using Object = std::unique_ptr<GEOMobj, DestroyObject>;
 
-inline Object make(std::uint32_t type) {
-    return Object(GEOMcreate_obj(type, nullptr));
-}
+inline Object make(std::uint32_t type) { return Object(GEOMcreate_obj(type, nullptr)); }
 
 // A std::malloc block, to be handed over; out of sight of static checks, which see it leak.
 void* raw_block(std::size_t bytes);
