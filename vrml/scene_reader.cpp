@@ -66,7 +66,7 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
     return ok;
 }
 
-/// Makes the node of a class. Outside the registry a class is known by the word "fields" at the
+/// Makes the node of a class. Outside the catalogue a class is known by the word "fields" at the
 /// start of its body, which is left to be read again. Reports a class that is not known.
 QvNode* createFromInput(VrmlInput& input, InternedName className) {
     if (const ClassInfo* const known = findClass(className)) {
