@@ -3,7 +3,7 @@
 #include "convert/convert.h"
 #include "fuzz/finding.h"
 #include "fuzz/object_values.h"
-#include "geom_stream/decoder.h"
+#include "geom_stream/record_reader.h"
 #include "tests/support/memory_sink.h"
 #include "vrml/input.h"
 #include "vrml/nodes.h"
@@ -160,7 +160,7 @@ void compare(const Outcome& a, const Outcome& b) {
         if (ObjectValues(a.objects[i]) != ObjectValues(b.objects[i])) {
             finding("object %zu differs", i);
         }
-        check(a.objects[i].byte_count == expected_byte_count(a.objects[i]), "a wrong byte count");
+        check(a.objects[i].byteCount == expectedByteCount(a.objects[i]), "a wrong byte count");
     }
 }
 

@@ -51,11 +51,11 @@ void fill(VertexArrays& arrays, const geom::ConstPart& part, std::uint32_t flags
     arrays.colours = elements<Vec3>(part.colors, countIf(GEOM_HAS_COLORS, count));
     arrays.uvs = elements<Vec2>(part.uvs, countIf(GEOM_HAS_UVS, count));
     arrays.uvws = elements<Vec3>(part.uvs, countIf(GEOM_HAS_UVWS, count));
-    arrays.vertex_data =
+    arrays.vertexData =
         elements<std::int32_t, 1>(part.vertex_data, countIf(GEOM_HAS_VERTEX_DATA, count));
-    arrays.primitive_data = elements<std::int32_t, 1>(part.primitive_data,
-                                                      countIf(GEOM_HAS_PRIMITIVE_DATA, primitives));
-    arrays.vertex_trans =
+    arrays.primitiveData = elements<std::int32_t, 1>(part.primitive_data,
+                                                     countIf(GEOM_HAS_PRIMITIVE_DATA, primitives));
+    arrays.vertexTrans =
         elements<float, 1>(part.vertex_trans, countIf(GEOM_HAS_VERTEX_TRANS, count));
 }
 
@@ -72,10 +72,10 @@ geom_stream::Mesh meshOf(const GEOMobj& object) {
 geom_stream::Polyhedron polyhedronOf(const GEOMobj& object) {
     const GEOMpolygon_list& list = object.polyhedron.polygons;
     geom_stream::Polyhedron polyhedron;
-    polyhedron.polygon_count = list.polygons;
-    polyhedron.index_count = list.indices;
-    polyhedron.polygon_list.assign(list.data, list.data + list.polygons + list.indices);
-    polyhedron.polygon_list.push_back(0);
+    polyhedron.polygonCount = list.polygons;
+    polyhedron.indexCount = list.indices;
+    polyhedron.polygonList.assign(list.data, list.data + list.polygons + list.indices);
+    polyhedron.polygonList.push_back(0);
     fill(polyhedron, geom::part_of(object), object.flags, object.polyhedron.vertices.used,
          list.polygons);
     return polyhedron;
@@ -112,7 +112,7 @@ geom_stream::Label labelsOf(const GEOMobj& object) {
     const auto countIf = [&](std::uint32_t bit) { return (object.flags & bit) != 0 ? n : 0; };
     using geom_stream::Vec3;
     geom_stream::Label label;
-    label.label_flags = labels.label_flags;
+    label.labelFlags = labels.label_flags;
     label.texts.assign(labels.texts.data, labels.texts.data + n);
     label.positions = elements<Vec3>(&labels.positions, n);
     label.offsets = elements<Vec3>(&labels.offsets, n);
@@ -128,7 +128,7 @@ geom_stream::Object heldValues(const GEOMobj& object) {
     geom_stream::Object values;
     values.flags = object.flags & kAllFlags;
     std::copy(std::begin(object.extent), std::end(object.extent), values.extent.begin());
-    values.has_extent = object.has_extent != 0;
+    values.hasExtent = object.has_extent != 0;
     const unsigned char* place = object.vals;
     for (std::uint32_t i = 0; i < object.nvals; ++i) {
         const geom::Property property = geom::property_at(place);
@@ -136,7 +136,7 @@ geom_stream::Object heldValues(const GEOMobj& object) {
         place += geom::property_bytes(property);
     }
     values.name = object.name == nullptr ? "" : object.name;
-    values.second_text = object.attribute == nullptr ? "" : object.attribute;
+    values.secondText = object.attribute == nullptr ? "" : object.attribute;
     switch (object.type) {
     case GEOM_MESH:
         values.body = meshOf(object);
@@ -157,7 +157,7 @@ geom_stream::Object heldValues(const GEOMobj& object) {
         values.body = labelsOf(object);
         break;
     }
-    values.byte_count = geom_stream::expected_byte_count(values);
+    values.byteCount = geom_stream::expectedByteCount(values);
     return values;
 }
 

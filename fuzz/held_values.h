@@ -1,7 +1,7 @@
 #pragma once
 
 #include "compat/geom/geom.h"
-#include "geom_stream/decoder.h"
+#include "geom_stream/object.h"
 
 namespace meshcast::fuzz {
 

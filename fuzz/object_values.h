@@ -1,9 +1,11 @@
 #pragma once
 
-#include "geom_stream/decoder.h"
+#include "geom_stream/object.h"
 
+#include <array>
 #include <bit>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <type_traits>
@@ -20,11 +22,11 @@ public:
     explicit ObjectValues(const geom_stream::Object& object) {
         put(object.flags);
         put(object.extent);
-        put(object.has_extent);
-        put(object.byte_count);
+        put(object.hasExtent);
+        put(object.byteCount);
         put(object.properties);
         put(object.name);
-        put(object.second_text);
+        put(object.secondText);
         put(object.body.index());
         std::visit([this](const auto& body) { put(body); }, object.body);
     }
@@ -67,9 +69,9 @@ private:
         put(arrays.colours);
         put(arrays.uvs);
         put(arrays.uvws);
-        put(arrays.vertex_data);
-        put(arrays.primitive_data);
-        put(arrays.vertex_trans);
+        put(arrays.vertexData);
+        put(arrays.primitiveData);
+        put(arrays.vertexTrans);
     }
     void put(const geom_stream::Mesh& mesh) {
         put(mesh.u);
@@ -77,9 +79,9 @@ private:
         put(static_cast<const geom_stream::VertexArrays&>(mesh));
     }
     void put(const geom_stream::Polyhedron& polyhedron) {
-        put(polyhedron.polygon_count);
-        put(polyhedron.index_count);
-        put(polyhedron.polygon_list);
+        put(polyhedron.polygonCount);
+        put(polyhedron.indexCount);
+        put(polyhedron.polygonList);
         put(static_cast<const geom_stream::VertexArrays&>(polyhedron));
     }
     void put(const geom_stream::Polytriangle& polytriangle) {
@@ -92,7 +94,7 @@ private:
         put(sphere.radii);
     }
     void put(const geom_stream::Label& label) {
-        put(label.label_flags);
+        put(label.labelFlags);
         put(label.texts);
         put(label.positions);
         put(label.offsets);

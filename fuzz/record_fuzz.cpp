@@ -5,7 +5,7 @@
 #include "fuzz/memory_file.h"
 #include "fuzz/object_values.h"
 #include "fuzz/random_object.h"
-#include "geom_stream/decoder.h"
+#include "geom_stream/record_reader.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -41,7 +41,7 @@ TEST(FaceSet, PolygonsAndMessages) {
         const Conversion scene =
             convert(group(kSquare + "IndexedFaceSet { coordIndex " + c.coordIndex + " }"));
         ASSERT_EQ(scene.objects.size(), 1U) << c.coordIndex;
-        EXPECT_EQ(scene.objects[0].polyhedron().polygon_list, c.list) << c.coordIndex;
+        EXPECT_EQ(scene.objects[0].polyhedron().polygonList, c.list) << c.coordIndex;
         EXPECT_EQ(scene.objects[0].polyhedron().vertices.size(), 4U);
         std::string messages;
         for (const int bad : c.bad) {
@@ -93,7 +93,7 @@ TEST(FaceSet, NormalsByBinding) {
         const Conversion scene = convert(group(kSquare + c.properties + shape));
         const geom_stream::Object& object = scene.objects.at(0);
         EXPECT_EQ(object.polyhedron().normals, c.normals) << c.properties << c.index;
-        EXPECT_EQ(object.has(geom_stream::flag::normals), !c.normals.empty());
+        EXPECT_EQ(object.has(geom_stream::flag::kNormals), !c.normals.empty());
         EXPECT_EQ(scene.messages, "");
     }
 }
@@ -138,12 +138,12 @@ TEST(FaceSet, ColoursByBinding) {
             group(kSquare + c.material + "MaterialBinding { value " + c.binding + " } " + shape));
         const geom_stream::Object& object = scene.objects.at(0);
         EXPECT_EQ(object.polyhedron().colours, c.colours) << c.binding << c.index;
-        EXPECT_EQ(object.has(geom_stream::flag::colours), !c.colours.empty());
+        EXPECT_EQ(object.has(geom_stream::flag::kColours), !c.colours.empty());
         EXPECT_EQ(scene.messages, "");
     }
     EXPECT_FALSE(convert(group(kSquare + rgb + kTwoTriangles))
                      .objects.at(0)
-                     .has(geom_stream::flag::colours)); // No binding.
+                     .has(geom_stream::flag::kColours)); // No binding.
 }
 
 } // namespace

@@ -73,7 +73,7 @@ TEST(LineSet, RunsColoursAndMessages) {
         std::vector<Line> colours;
         for (const geom_stream::VertexArrays& line : object.polytriangle().polylines) {
             lines.push_back(xs(line.vertices));
-            if (object.has(geom_stream::flag::colours)) {
+            if (object.has(geom_stream::flag::kColours)) {
                 colours.push_back(xs(line.colours));
             }
         }
@@ -107,7 +107,7 @@ TEST(PointSet, TakesThePointsThatExist) {
         ASSERT_EQ(scene.objects.size(), 1U);
         EXPECT_EQ(xs(scene.objects[0].sphere().vertices), c.points) << c.start;
         EXPECT_EQ(scene.objects[0].sphere().radii, Line(c.points.size(), 0.01F));
-        EXPECT_FALSE(scene.objects[0].has_extent);
+        EXPECT_FALSE(scene.objects[0].hasExtent);
         EXPECT_EQ(scene.messages,
                   c.missing == -9
                       ? ""

@@ -95,7 +95,7 @@ TEST(Primitives, SphereAndDegenerateSizes) {
     const geom_stream::Object& object = scene.objects[0];
     EXPECT_EQ(object.sphere().vertices, (std::vector<Vec3>{{0, 0, 0}}));
     EXPECT_EQ(object.sphere().radii, std::vector<float>{7});
-    EXPECT_TRUE(object.has_extent); // Given, though it says nothing.
+    EXPECT_TRUE(object.hasExtent); // Given, though it says nothing.
     EXPECT_EQ(object.extent, (std::array<float, 6>{}));
     EXPECT_EQ(scene.messages, "");
 }

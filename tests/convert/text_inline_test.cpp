@@ -16,7 +16,7 @@ TEST(Inline, ABoxStandsInForTheScene) {
     ASSERT_EQ(box.vertices.size(), 8U);
     EXPECT_EQ(box.vertices[0], (geom_stream::Vec3{9, static_cast<float>(-2 + 0.1), 0.025F}));
     EXPECT_EQ(box.vertices[6], (geom_stream::Vec3{11, static_cast<float>(2 + 0.1), -0.025F}));
-    EXPECT_EQ(box.polygon_list,
+    EXPECT_EQ(box.polygonList,
               (std::vector<std::int64_t>{4, 1, 2, 6, 5, 4, 3, 4, 8, 7, 4, 1, 5, 8, 4, 4,
                                          2, 3, 7, 6, 4, 2, 1, 4, 3, 4, 5, 6, 7, 8, 0}));
     EXPECT_TRUE(convert("WWWInline { name \"x.wrl\" }").bytes.empty());
@@ -45,13 +45,13 @@ TEST(Text, BecomesALabelOnceSwitchedOn) {
         const Conversion scene = convert(std::string("Group { ") + c.nodes + " }", options);
         ASSERT_EQ(scene.objects.size(), 1U);
         const geom_stream::Label& label = scene.objects[0].label();
-        EXPECT_EQ(label.label_flags, c.labelFlags) << c.nodes;
+        EXPECT_EQ(label.labelFlags, c.labelFlags) << c.nodes;
         EXPECT_EQ(label.texts, std::vector<std::string>{"hello"});
         EXPECT_EQ(label.heights, std::vector<float>{0.15F});
         EXPECT_EQ(label.positions, (std::vector<geom_stream::Vec3>{{0, 0, 0}}));
         EXPECT_EQ(label.offsets, (std::vector<geom_stream::Vec3>{{0, 0, 0}}));
         EXPECT_EQ(scene.objects[0].flags, 0U);
-        EXPECT_FALSE(scene.objects[0].has_extent);
+        EXPECT_FALSE(scene.objects[0].hasExtent);
     }
 }
 

@@ -147,7 +147,7 @@ TEST_F(Textures, CubesAndConesAndCylinders) {
     EXPECT_EQ(cube.uvs[23], (Vec2{0, 0}));
     const geom_stream::Polyhedron& cylinder = scene.objects[1].polyhedron();
     ASSERT_EQ(cylinder.vertices.size(), 54U);
-    ASSERT_EQ(cylinder.polygon_count, 36);
+    ASSERT_EQ(cylinder.polygonCount, 36);
     const std::vector<std::vector<std::int64_t>> polygons = cylinder.polygons();
     EXPECT_EQ(polygons[11], (std::vector<std::int64_t>{1, 13, 14}));
     EXPECT_EQ(polygons[12], (std::vector<std::int64_t>{15, 28, 29, 16}));
@@ -190,7 +190,7 @@ TEST_F(Textures, SpheresArePrintedMeshes) {
     EXPECT_NEAR(mesh.vertices[5 * 21 + 5][0], -3, 1e-6);
     EXPECT_EQ(mesh.uvs[5 * 21 + 5], (Vec2{0.25F, 0.5F}));
     EXPECT_EQ(scene.objects[0].flags, 0x4U);
-    EXPECT_TRUE(scene.objects[0].has_extent);
+    EXPECT_TRUE(scene.objects[0].hasExtent);
 }
 
 std::vector<Vec2> Textures::faceUvs(const std::string& points, const std::string& nodes,

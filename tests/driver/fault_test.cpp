@@ -1,4 +1,4 @@
-#include "geom_stream/decoder.h"
+#include "geom_stream/record_reader.h"
 #include "tests/driver/scene_files.h"
 #include "tests/support/faults.h"
 

@@ -1,4 +1,4 @@
-#include "geom_stream/decoder.h"
+#include "geom_stream/record_reader.h"
 #include "tests/driver/scene_files.h"
 #include "tests/support/conversion.h"
 
@@ -114,7 +114,7 @@ TEST(Filter, WritesTheOlderVersionOnRequest) {
     EXPECT_EQ(newer[0].version, 10);
     EXPECT_EQ(older[0].version, 7);
     EXPECT_EQ(newer[0].polyhedron().normals, older[0].polyhedron().normals);
-    EXPECT_EQ(newer[0].polyhedron().polygon_list, older[0].polyhedron().polygon_list);
+    EXPECT_EQ(newer[0].polyhedron().polygonList, older[0].polyhedron().polygonList);
 }
 
 TEST(Filter, VerifiesOnRequestAtWriteAndDestroy) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "convert/convert.h"
-#include "geom_stream/decoder.h"
+#include "geom_stream/record_reader.h"
 #include "tests/support/memory_sink.h"
 #include "vrml/byte_source.h"
 #include "vrml/input.h"

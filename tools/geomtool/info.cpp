@@ -1,44 +1,63 @@
 #include "tools/geomtool/info.h"
 
-#include "geom_stream/decoder.h"
+#include "geom_stream/record_reader.h"
 #include "tools/geomtool/listing.h"
 #include "tools/geomtool/summary.h"
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <string>
-#include <sys/stat.h>
+#include <system_error>
 
 namespace geomtool {
+
+using geom_stream::RecordReader;
+
 namespace {
 
 struct FileCloser {
     void operator()(std::FILE* file) const { (void)std::fclose(file); }
 };
 
-/// A file, or standard input; null when it cannot be opened.
-std::unique_ptr<std::FILE, FileCloser> open_input(const std::string& name) {
-    return std::unique_ptr<std::FILE, FileCloser>(name == "-" ? stdin
-                                                              : std::fopen(name.c_str(), "rb"));
-}
+/// The input of the command: a file or standard input.
+class InputFile {
+public:
+    explicit InputFile(const std::string& name) {
+        if (name != "-") {
+            opened_.reset(std::fopen(name.c_str(), "rb"));
+            file_ = opened_.get();
+        }
+        if (file_ == nullptr)
+            keepError();
+    }
 
-/// The size of a regular file that is read from its beginning, if it is one.
-std::optional<std::uint64_t> size_of(std::FILE* file) {
-    struct stat status {};
-    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || ftello(file) != 0)
-        return std::nullopt;
-    return static_cast<std::uint64_t>(status.st_size);
-}
+    /// Stores up to `capacity` bytes and returns how many; 0 at the end and after an error.
+    std::size_t read(std::byte* into, std::size_t capacity) {
+        const std::size_t size = file_ == nullptr ? 0 : std::fread(into, 1, capacity, file_);
+        if (size == 0 && file_ != nullptr && std::ferror(file_) != 0)
+            keepError();
+        return size;
+    }
 
-Totals list_objects(geom_stream::RecordReader& stream, Listing& listing) {
+    /// Why the file could not be opened or not be read to its end, if so.
+    const std::error_code& error() const { return error_; }
+
+private:
+    void keepError() { error_ = std::error_code(errno, std::generic_category()); }
+
+    std::unique_ptr<std::FILE, FileCloser> opened_;
+    std::FILE* file_ = stdin;
+    std::error_code error_;
+};
+
+/// Lists objects until the stream ends or breaks, or until `out`, where the listing goes, takes no
+/// more. Memory follows the largest object.
+Totals listObjects(RecordReader& reader, Listing& listing, const std::ostream& out) {
     Totals totals;
-    while (const auto object = stream.next()) {
+    while (const std::optional<geom_stream::Object> object = reader.next()) {
         listing.add(++totals.objects, *object);
         for (const Count& count : counts(*object)) {
             if (count.name == "vertices")
@@ -47,48 +66,42 @@ Totals list_objects(geom_stream::RecordReader& stream, Listing& listing) {
                 totals.polygons += count.value;
         }
         totals.bytes += object->size;
+        if (!out)
+            return totals;
     }
-    totals.error = stream.error();
-    totals.stream_bytes = stream.skipRest();
+    totals.error = reader.error();
+    totals.streamBytes = reader.skipToEnd();
     return totals;
 }
 
 } // namespace
 
-ExitStatus run_info(const InfoOptions& options) {
+ExitStatus runInfo(const InfoOptions& options) {
     const std::string name = options.file == "-" ? "standard input" : options.file;
-    const auto cannot_read = [&name] {
-        std::cerr << "geomtool: cannot read " << name << ": " << std::strerror(errno) << '\n';
-        return status_failed;
-    };
-    const auto input = open_input(options.file);
-    if (!input)
-        return cannot_read();
-
-    const Coverage coverage = options.totals   ? Coverage::none
-                              : options.values ? Coverage::values
-                                               : Coverage::objects;
-    const auto listing = options.json ? make_json_listing(std::cout, coverage)
-                                      : make_text_listing(std::cout, coverage);
-    geom_stream::RecordReader stream(
-        [&input](std::byte* into, std::size_t capacity) {
-            return std::fread(into, 1, capacity, input.get());
-        },
-        size_of(input.get()));
-    const Totals totals = list_objects(stream, *listing);
-    if (std::ferror(input.get()) != 0)
-        return cannot_read();
+    InputFile input(options.file);
+    RecordReader reader(
+        [&input](std::byte* into, std::size_t capacity) { return input.read(into, capacity); });
+    const Coverage coverage = options.totals   ? Coverage::kNone
+                              : options.values ? Coverage::kValues
+                                               : Coverage::kObjects;
+    const auto listing =
+        options.json ? makeJsonListing(std::cout, coverage) : makeTextListing(std::cout, coverage);
+    const Totals totals = listObjects(reader, *listing, std::cout);
+    if (input.error()) {
+        std::cerr << "geomtool: cannot read " << name << ": " << input.error().message() << '\n';
+        return kStatusFailed;
+    }
     listing->finish(totals);
     if (!std::cout.flush()) {
         std::cerr << "geomtool: cannot write the listing\n";
-        return status_failed;
+        return kStatusFailed;
     }
     if (totals.error) {
         std::cerr << "geomtool: " << name << ": offset " << totals.error->offset << ": "
                   << totals.error->message << '\n';
-        return status_broken;
+        return kStatusBroken;
     }
-    return status_sound;
+    return kStatusSound;
 }
 
 } // namespace geomtool

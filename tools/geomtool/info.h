@@ -6,9 +6,9 @@ namespace geomtool {
 
 /// The exit statuses of the program.
 enum ExitStatus : int {
-    status_sound = 0,
-    status_broken = 1, ///< the stream departs from the format
-    status_failed = 2  ///< wrong usage, unreadable input or unwritable output
+    kStatusSound = 0,
+    kStatusBroken = 1, ///< the stream departs from the format
+    kStatusFailed = 2  ///< wrong usage, unreadable input or unwritable output
 };
 
 struct InfoOptions {
@@ -20,6 +20,6 @@ struct InfoOptions {
 
 /// Lists a stream on standard output; what is wrong goes to standard error. A broken stream is
 /// listed up to the record that breaks it.
-ExitStatus run_info(const InfoOptions& options);
+ExitStatus runInfo(const InfoOptions& options);
 
 } // namespace geomtool

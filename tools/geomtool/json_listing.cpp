@@ -51,7 +51,7 @@ Json json(const Sequence& elements) {
 
 Json json(PolygonsOf polygons) { return json(polygons.polyhedron->polygons()); }
 
-Json properties_of(const Object& object) {
+Json propertiesOf(const Object& object) {
     Json list = Json::array();
     for (const geom_stream::Property& property : object.properties)
         list.push_back({{"kind", property.kind},
@@ -60,9 +60,9 @@ Json properties_of(const Object& object) {
     return list;
 }
 
-Json values_of(const Object& object) {
+Json valuesOf(const Object& object) {
     Json all = Json::object();
-    for (const ValueGroup& group : value_groups(object)) {
+    for (const ValueGroup& group : valueGroups(object)) {
         Json arrays = Json::object();
         for (const auto& [name, values] : group.arrays)
             arrays[std::string(name)] =
@@ -77,45 +77,43 @@ Json values_of(const Object& object) {
     return all;
 }
 
-Json json_of(std::size_t number, const Object& object, bool with_values) {
-    Json entry{{"number", number},          {"kind", std::string(kind_name(object.kind()))},
+Json jsonOf(std::uint64_t number, const Object& object, bool withValues) {
+    Json entry{{"number", number},          {"kind", std::string(kindName(object.kind()))},
                {"version", object.version}, {"offset", object.offset},
                {"size", object.size},       {"data", object.flags}};
     entry["flags"] = Json::array();
-    for (const std::string_view name : names_of_flags(object.flags))
+    for (const std::string_view name : namesOfFlags(object.flags))
         entry["flags"].push_back(std::string(name));
     for (const Count& count : counts(object))
         entry["counts"][std::string(count.name)] = count.value;
-    if (object.kind() == geom_stream::Kind::label) {
-        const std::uint32_t label_flags = object.label().label_flags;
-        entry["label"] = {{"flags", label_flags}, {"style", describe_label_flags(label_flags)}};
+    if (object.kind() == geom_stream::Kind::kLabel) {
+        const std::uint32_t labelFlags = object.label().labelFlags;
+        entry["label"] = {{"flags", labelFlags}, {"style", describeLabelFlags(labelFlags)}};
     }
     entry["name"] = object.name;
-    entry["text"] = object.second_text;
-    entry["properties"] = properties_of(object);
-    entry["hdrsize"] = object.header_size;
-    entry["extent"] = object.has_extent ? json(object.extent) : Json();
-    entry["bytecount"] = object.byte_count;
+    entry["text"] = object.secondText;
+    entry["properties"] = propertiesOf(object);
+    entry["hdrsize"] = object.headerSize;
+    entry["extent"] = object.hasExtent ? json(object.extent) : Json();
+    entry["bytecount"] = object.byteCount;
     if (const std::optional<Bounds> around = bounds(object))
         entry["bounds"] = {{"minimum", json(around->minimum)}, {"maximum", json(around->maximum)}};
     else
         entry["bounds"] = nullptr;
     entry["notes"] = notes(object);
-    if (with_values)
-        entry["values"] = values_of(object);
+    if (withValues)
+        entry["values"] = valuesOf(object);
     return entry;
 }
 
 class JsonListing final : public Listing {
 public:
-    JsonListing(std::ostream& out, Coverage coverage) : out_(out), coverage_(coverage) {
-        out_ << (coverage == Coverage::none ? "{" : R"({"objects":[)");
-    }
+    JsonListing(std::ostream& out, Coverage coverage) : out_(out), coverage_(coverage) {}
 
-    void add(std::size_t number, const Object& object) override {
-        if (coverage_ != Coverage::none)
-            out_ << (number == 1 ? "\n" : ",\n")
-                 << line(json_of(number, object, coverage_ == Coverage::values));
+    void add(std::uint64_t number, const Object& object) override {
+        if (coverage_ != Coverage::kNone)
+            out_ << (number == 1 ? "{\"objects\":[\n" : ",\n")
+                 << line(jsonOf(number, object, coverage_ == Coverage::kValues));
     }
 
     void finish(const Totals& totals) override {
@@ -126,9 +124,12 @@ public:
                          {"vertices", totals.vertices},
                          {"polygons", totals.polygons},
                          {"bytes", totals.bytes},
-                         {"stream_bytes", totals.stream_bytes}};
-        out_ << (coverage_ == Coverage::none ? "" : "\n],\n") << "\"total\":" << line(total)
-             << ",\n\"error\":" << line(error) << "}\n";
+                         {"stream_bytes", totals.streamBytes}};
+        if (coverage_ == Coverage::kNone)
+            out_ << '{';
+        else
+            out_ << (totals.objects == 0 ? "{\"objects\":[" : "") << "\n],\n";
+        out_ << "\"total\":" << line(total) << ",\n\"error\":" << line(error) << "}\n";
     }
 
 private:
@@ -143,7 +144,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<Listing> make_json_listing(std::ostream& out, Coverage coverage) {
+std::unique_ptr<Listing> makeJsonListing(std::ostream& out, Coverage coverage) {
     return std::make_unique<JsonListing>(out, coverage);
 }
 

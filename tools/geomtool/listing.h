@@ -1,8 +1,8 @@
 #pragma once
 
-#include "geom_stream/decoder.h"
+#include "geom_stream/error.h"
+#include "geom_stream/object.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -12,19 +12,19 @@ namespace geomtool {
 
 /// What a listing closes with.
 struct Totals {
-    std::size_t objects = 0;
+    std::uint64_t objects = 0;
     std::int64_t vertices = 0; ///< of the objects listed, as their counts name them
     std::int64_t polygons = 0;
-    std::uint64_t bytes = 0;        ///< of the objects listed
-    std::uint64_t stream_bytes = 0; ///< of the whole stream; more than `bytes` when it is broken
+    std::uint64_t bytes = 0;       ///< of the objects listed
+    std::uint64_t streamBytes = 0; ///< of the whole stream; more than `bytes` when it is broken
     std::optional<geom_stream::Error> error;
 };
 
 /// How much a listing tells before its totals.
 enum class Coverage {
-    none,    ///< the totals are all
-    objects, ///< every object
-    values   ///< every object and the elements of its arrays
+    kNone,    ///< the totals are all
+    kObjects, ///< every object
+    kValues   ///< every object and the elements of its arrays
 };
 
 /// A listing of a stream in the making: one object at a time, then the totals.
@@ -36,15 +36,15 @@ public:
     virtual ~Listing() = default;
 
     /// Lists the object that is the `number`th of the stream, counted from 1.
-    virtual void add(std::size_t number, const geom_stream::Object& object) = 0;
+    virtual void add(std::uint64_t number, const geom_stream::Object& object) = 0;
     virtual void finish(const Totals& totals) = 0;
 };
 
 /// Lines for people: a heading per object and indented details. Floats have the shortest form that
 /// reads back as the same value. Totals alone are a line each, name and number.
-std::unique_ptr<Listing> make_text_listing(std::ostream& out, Coverage coverage);
+std::unique_ptr<Listing> makeTextListing(std::ostream& out, Coverage coverage);
 
 /// One JSON document with one line per object; a float that is not finite is a string.
-std::unique_ptr<Listing> make_json_listing(std::ostream& out, Coverage coverage);
+std::unique_ptr<Listing> makeJsonListing(std::ostream& out, Coverage coverage);
 
 } // namespace geomtool

@@ -25,9 +25,9 @@ int run(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help and version come this way too, with status 0.
-        return app.exit(error) == 0 ? geomtool::status_sound : geomtool::status_failed;
+        return app.exit(error) == 0 ? geomtool::kStatusSound : geomtool::kStatusFailed;
     }
-    return geomtool::run_info(options);
+    return geomtool::runInfo(options);
 }
 
 } // namespace
@@ -38,6 +38,6 @@ int main(int argc, char** argv) {
         return run(argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "geomtool: " << error.what() << '\n';
-        return geomtool::status_failed;
+        return geomtool::kStatusFailed;
     }
 }

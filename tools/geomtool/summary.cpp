@@ -21,34 +21,34 @@ using geom_stream::VertexArrays;
 namespace {
 
 template <class Container>
-std::int64_t size_of(const Container& container) {
+std::int64_t sizeOf(const Container& container) {
     return static_cast<std::int64_t>(container.size());
 }
 
 struct CountsOf {
     std::vector<Count> operator()(const Mesh& mesh) const {
-        return {{"u", mesh.u}, {"v", mesh.v}, {"vertices", size_of(mesh.vertices)}};
+        return {{"u", mesh.u}, {"v", mesh.v}, {"vertices", sizeOf(mesh.vertices)}};
     }
     std::vector<Count> operator()(const Polyhedron& polyhedron) const {
-        return {{"polygons", polyhedron.polygon_count},
-                {"indices", polyhedron.index_count},
-                {"vertices", size_of(polyhedron.vertices)}};
+        return {{"polygons", polyhedron.polygonCount},
+                {"indices", polyhedron.indexCount},
+                {"vertices", sizeOf(polyhedron.vertices)}};
     }
     std::vector<Count> operator()(const Polytriangle& polytriangle) const {
-        std::int64_t vertices = size_of(polytriangle.segments.vertices);
+        std::int64_t vertices = sizeOf(polytriangle.segments.vertices);
         for (const auto* list : {&polytriangle.strips, &polytriangle.polylines})
             for (const VertexArrays& arrays : *list)
-                vertices += size_of(arrays.vertices);
-        return {{"strips", size_of(polytriangle.strips)},
-                {"polylines", size_of(polytriangle.polylines)},
-                {"segment-vertices", size_of(polytriangle.segments.vertices)},
+                vertices += sizeOf(arrays.vertices);
+        return {{"strips", sizeOf(polytriangle.strips)},
+                {"polylines", sizeOf(polytriangle.polylines)},
+                {"segment-vertices", sizeOf(polytriangle.segments.vertices)},
                 {"vertices", vertices}};
     }
     std::vector<Count> operator()(const Sphere& sphere) const {
-        return {{"spheres", size_of(sphere.vertices)}, {"radii", size_of(sphere.radii)}};
+        return {{"spheres", sizeOf(sphere.vertices)}, {"radii", sizeOf(sphere.radii)}};
     }
     std::vector<Count> operator()(const Label& label) const {
-        return {{"labels", size_of(label.texts)}};
+        return {{"labels", sizeOf(label.texts)}};
     }
 };
 
@@ -64,28 +64,28 @@ public:
         return *this;
     }
 
-    GroupBuilder& add_vertices(std::string_view name, const std::vector<Vec3>& vertices) {
+    GroupBuilder& addVertices(std::string_view name, const std::vector<Vec3>& vertices) {
         group_.arrays.push_back({name, std::span<const Vec3>(vertices)});
         return *this;
     }
 
-    GroupBuilder& add_polygons(const Polyhedron& polyhedron) {
-        const std::int64_t polygons = size_of(polyhedron.polygons());
+    GroupBuilder& addPolygons(const Polyhedron& polyhedron) {
+        const std::int64_t polygons = sizeOf(polyhedron.polygons());
         if (polygons > 0)
             group_.arrays.push_back({"polygons", PolygonsOf{&polyhedron}});
-        // The words tell more than the polygons only when the list goes on behind its end.
-        return polygons < polyhedron.polygon_count ? add("polygon-list", polyhedron.polygon_list)
-                                                   : *this;
+        // The words tell more than the polygons only when the list goes on after its end.
+        return polygons < polyhedron.polygonCount ? add("polygon-list", polyhedron.polygonList)
+                                                  : *this;
     }
 
-    GroupBuilder& add_attributes(const VertexArrays& arrays) {
+    GroupBuilder& addAttributes(const VertexArrays& arrays) {
         return add("normals", arrays.normals)
             .add("colours", arrays.colours)
             .add("uvs", arrays.uvs)
             .add("uvws", arrays.uvws)
-            .add("vertex-data", arrays.vertex_data)
-            .add("primitive-data", arrays.primitive_data)
-            .add("vertex-trans", arrays.vertex_trans);
+            .add("vertex-data", arrays.vertexData)
+            .add("primitive-data", arrays.primitiveData)
+            .add("vertex-trans", arrays.vertexTrans);
     }
 
     ValueGroup take() { return std::move(group_); }
@@ -99,20 +99,20 @@ struct GroupsOf {
 
     void operator()(const Mesh& mesh) const {
         groups.push_back(
-            GroupBuilder({}).add_vertices("vertices", mesh.vertices).add_attributes(mesh).take());
+            GroupBuilder({}).addVertices("vertices", mesh.vertices).addAttributes(mesh).take());
     }
     void operator()(const Polyhedron& polyhedron) const {
         groups.push_back(GroupBuilder({})
-                             .add_polygons(polyhedron)
-                             .add_vertices("vertices", polyhedron.vertices)
-                             .add_attributes(polyhedron)
+                             .addPolygons(polyhedron)
+                             .addVertices("vertices", polyhedron.vertices)
+                             .addAttributes(polyhedron)
                              .take());
     }
     void operator()(const Polytriangle& polytriangle) const {
         const auto add = [this](ValueGroup group, const VertexArrays& arrays) {
             groups.push_back(GroupBuilder(std::move(group))
-                                 .add_vertices("vertices", arrays.vertices)
-                                 .add_attributes(arrays)
+                                 .addVertices("vertices", arrays.vertices)
+                                 .addAttributes(arrays)
                                  .take());
         };
         for (std::size_t i = 0; i < polytriangle.strips.size(); ++i)
@@ -124,15 +124,15 @@ struct GroupsOf {
     }
     void operator()(const Sphere& sphere) const {
         groups.push_back(GroupBuilder({})
-                             .add_vertices("centres", sphere.vertices)
+                             .addVertices("centres", sphere.vertices)
                              .add("radii", sphere.radii)
-                             .add_attributes(sphere)
+                             .addAttributes(sphere)
                              .take());
     }
     void operator()(const Label& label) const {
         groups.push_back(GroupBuilder({})
                              .add("texts", label.texts)
-                             .add_vertices("positions", label.positions)
+                             .addVertices("positions", label.positions)
                              .add("offsets", label.offsets)
                              .add("heights", label.heights)
                              .add("colours", label.colours)
@@ -156,9 +156,9 @@ public:
 
 private:
     void include(const std::vector<Vec3>& positions) {
-        constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+        constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
         if (!positions.empty() && !bounds_)
-            bounds_ = Bounds{{nan, nan, nan}, {nan, nan, nan}};
+            bounds_ = Bounds{{kNan, kNan, kNan}, {kNan, kNan, kNan}};
         for (const Vec3& position : positions) {
             for (std::size_t axis = 0; axis < position.size(); ++axis) {
                 // Not std::fmin, which leaves open which of 0 and -0 it yields.
@@ -181,7 +181,7 @@ struct BitName {
     std::string_view name;
 };
 
-constexpr std::array<BitName, 7> label_bits{{{0x400, "stroke"},
+constexpr std::array<BitName, 7> kLabelBits{{{0x400, "stroke"},
                                              {0x800, "title"},
                                              {0x1000, "centred"},
                                              {0x2000, "right"},
@@ -189,38 +189,38 @@ constexpr std::array<BitName, 7> label_bits{{{0x400, "stroke"},
                                              {0x8000, "drop shadow"},
                                              {0x100, "0x100"}}};
 
-constexpr std::array<std::string_view, 9> font_families{"Courier", "Helvetica", "New Century",
+constexpr std::array<std::string_view, 9> kFontFamilies{"Courier", "Helvetica", "New Century",
                                                         "Times",   "Charter",   "Symbol",
                                                         "Roman",   "Script",    "Mathematics"};
 
-std::string describe_font(std::uint32_t number) {
-    constexpr std::uint32_t first_font = 128;
-    constexpr std::uint32_t styles = 4;
-    constexpr std::uint32_t bold = 2;
-    constexpr std::uint32_t upright = 1;
+std::string describeFont(std::uint32_t number) {
+    constexpr std::uint32_t kFirstFont = 128;
+    constexpr std::uint32_t kStyles = 4;
+    constexpr std::uint32_t kBold = 2;
+    constexpr std::uint32_t kUpright = 1;
 
     std::string text = "font " + std::to_string(number);
-    if (number < first_font || (number - first_font) / styles >= font_families.size())
+    if (number < kFirstFont || (number - kFirstFont) / kStyles >= kFontFamilies.size())
         return text + " (unknown)";
-    text.append(" ").append(font_families[(number - first_font) / styles]);
-    if ((number & bold) != 0)
+    text.append(" ").append(kFontFamilies[(number - kFirstFont) / kStyles]);
+    if ((number & kBold) != 0)
         text += " bold";
-    if ((number & upright) == 0)
+    if ((number & kUpright) == 0)
         text += " italic";
     return text;
 }
 
-void note_polygons(const Polyhedron& polyhedron, std::vector<std::string>& notes) {
+void notePolygons(const Polyhedron& polyhedron, std::vector<std::string>& notes) {
     const auto polygons = polyhedron.polygons();
-    const std::int64_t vertices = size_of(polyhedron.vertices);
+    const std::int64_t vertices = sizeOf(polyhedron.vertices);
     std::int64_t strays = 0;
     for (const auto& polygon : polygons)
         strays += std::ranges::count_if(
             polygon, [vertices](std::int64_t number) { return number < 1 || number > vertices; });
 
-    if (size_of(polygons) < polyhedron.polygon_count) {
+    if (sizeOf(polygons) < polyhedron.polygonCount) {
         notes.push_back("polygon list ends after " + std::to_string(polygons.size()) + " of " +
-                        std::to_string(polyhedron.polygon_count) + " polygons");
+                        std::to_string(polyhedron.polygonCount) + " polygons");
     }
     if (strays > 0) {
         notes.push_back("vertex numbers outside 1 to " + std::to_string(vertices) + ": " +
@@ -232,9 +232,9 @@ void note_polygons(const Polyhedron& polyhedron, std::vector<std::string>& notes
 
 std::vector<Count> counts(const Object& object) { return std::visit(CountsOf{}, object.body); }
 
-std::vector<std::string_view> names_of_flags(std::uint32_t flags) {
+std::vector<std::string_view> namesOfFlags(std::uint32_t flags) {
     std::vector<std::string_view> names;
-    for (const geom_stream::FlagName& entry : geom_stream::flag_names)
+    for (const geom_stream::FlagName& entry : geom_stream::kFlagNames)
         if ((flags & entry.bit) != 0)
             names.push_back(entry.name);
     return names;
@@ -246,24 +246,24 @@ std::optional<Bounds> bounds(const Object& object) {
     return visitor.result();
 }
 
-std::string describe_label_flags(std::uint32_t label_flags) {
-    std::string text = describe_font(label_flags & 0xff);
-    for (const BitName& entry : label_bits)
-        if ((label_flags & entry.bit) != 0)
+std::string describeLabelFlags(std::uint32_t labelFlags) {
+    std::string text = describeFont(labelFlags & 0xff);
+    for (const BitName& entry : kLabelBits)
+        if ((labelFlags & entry.bit) != 0)
             text.append(", ").append(entry.name);
     return text;
 }
 
 std::vector<std::string> notes(const Object& object) {
     std::vector<std::string> notes;
-    if (const std::int64_t expected = expected_byte_count(object); object.byte_count != expected)
+    if (const std::int64_t expected = expectedByteCount(object); object.byteCount != expected)
         notes.push_back("bytecount should be " + std::to_string(expected));
-    if (object.kind() == Kind::polyhedron)
-        note_polygons(object.polyhedron(), notes);
+    if (object.kind() == Kind::kPolyhedron)
+        notePolygons(object.polyhedron(), notes);
     return notes;
 }
 
-std::vector<ValueGroup> value_groups(const Object& object) {
+std::vector<ValueGroup> valueGroups(const Object& object) {
     std::vector<ValueGroup> groups;
     for (std::size_t i = 0; i < object.properties.size(); ++i) {
         ValueGroup group = GroupBuilder({"property", "properties", i + 1, {}})

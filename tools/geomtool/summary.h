@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geom_stream/decoder.h"
+#include "geom_stream/object.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +24,7 @@ struct Count {
 std::vector<Count> counts(const geom_stream::Object& object);
 
 /// The names of the set bits of the `data` word.
-std::vector<std::string_view> names_of_flags(std::uint32_t flags);
+std::vector<std::string_view> namesOfFlags(std::uint32_t flags);
 
 struct Bounds {
     geom_stream::Vec3 minimum;
@@ -36,7 +36,7 @@ struct Bounds {
 std::optional<Bounds> bounds(const geom_stream::Object& object);
 
 /// The label-flags word in words, for instance "font 142 Times bold italic, left".
-std::string describe_label_flags(std::uint32_t label_flags);
+std::string describeLabelFlags(std::uint32_t labelFlags);
 
 /// What is lawful but odd: a `bytecount` other than the format's, a polygon list that ends early,
 /// vertex numbers that name no vertex.
@@ -67,6 +67,6 @@ struct ValueGroup {
 };
 
 /// Every array of the object that has elements; the vertices even when there are none.
-std::vector<ValueGroup> value_groups(const geom_stream::Object& object);
+std::vector<ValueGroup> valueGroups(const geom_stream::Object& object);
 
 } // namespace geomtool

@@ -21,11 +21,11 @@ using geom_stream::Object;
 
 namespace {
 
-constexpr std::string_view hex_digits = "0123456789abcdef";
+constexpr std::string_view kHexDigits = "0123456789abcdef";
 
 /// In the shortest form that reads back as the same number, whatever the locale.
 template <class Number, class... Base>
-void append_number(std::string& text, Number number, Base... base) {
+void appendNumber(std::string& text, Number number, Base... base) {
     std::array<char, 24> digits{};
     const std::to_chars_result result =
         std::to_chars(digits.data(), digits.data() + digits.size(), number, base...);
@@ -33,20 +33,20 @@ void append_number(std::string& text, Number number, Base... base) {
 }
 
 // What follows writes one element of an array of values.
-void append(std::string& text, std::int64_t number) { append_number(text, number); }
-void append(std::string& text, std::int32_t number) { append_number(text, number); }
+void append(std::string& text, std::int64_t number) { appendNumber(text, number); }
+void append(std::string& text, std::int32_t number) { appendNumber(text, number); }
 
 void append(std::string& text, float number) {
     if (std::isnan(number)) // the sign of a NaN says nothing
         text += "nan";
     else
-        append_number(text, number);
+        appendNumber(text, number);
 }
 
 void append(std::string& text, std::byte byte) {
     const auto value = std::to_integer<unsigned>(byte);
-    text += hex_digits[value / 16];
-    text += hex_digits[value % 16];
+    text += kHexDigits[value / 16];
+    text += kHexDigits[value % 16];
 }
 
 /// Between quotation marks, with every byte but printable ASCII as \xNN.
@@ -84,7 +84,7 @@ std::string counted(std::uint64_t number, std::string_view noun) {
 
 std::string hexadecimal(std::uint32_t number) {
     std::string text = "0x";
-    append_number(text, number, 16);
+    appendNumber(text, number, 16);
     return text;
 }
 
@@ -92,22 +92,22 @@ class TextListing final : public Listing {
 public:
     TextListing(std::ostream& out, Coverage coverage) : out_(out), coverage_(coverage) {}
 
-    void add(std::size_t number, const Object& object) override {
-        if (coverage_ == Coverage::none)
+    void add(std::uint64_t number, const Object& object) override {
+        if (coverage_ == Coverage::kNone)
             return;
         text_ = "object " + std::to_string(number) + ": ";
-        text_ += kind_name(object.kind());
+        text_ += kindName(object.kind());
         text_ += ", version " + std::to_string(object.version) + ", offset " +
                  std::to_string(object.offset) + ", " + counted(object.size, "byte") + "\n";
-        add_names(object);
-        add_details(object);
-        if (coverage_ == Coverage::values)
-            add_values(object);
+        addNames(object);
+        addDetails(object);
+        if (coverage_ == Coverage::kValues)
+            addValues(object);
         out_ << text_;
     }
 
     void finish(const Totals& totals) override {
-        if (coverage_ == Coverage::none) {
+        if (coverage_ == Coverage::kNone) {
             out_ << "objects   " << totals.objects << "\nvertices  " << totals.vertices
                  << "\npolygons  " << totals.polygons << "\nbytes     " << totals.bytes << '\n';
             return;
@@ -115,19 +115,19 @@ public:
         out_ << counted(totals.objects, "object") << ", ";
         if (totals.error)
             out_ << totals.bytes << " of ";
-        out_ << counted(totals.stream_bytes, "byte") << '\n';
+        out_ << counted(totals.streamBytes, "byte") << '\n';
     }
 
 private:
     void detail(std::string_view name, std::string_view value) {
-        constexpr std::size_t value_column = 11;
+        constexpr std::size_t kValueColumn = 11;
         text_.append("  ").append(name);
-        text_.append(value_column - name.size(), ' ').append(value).append("\n");
+        text_.append(kValueColumn - name.size(), ' ').append(value).append("\n");
     }
 
-    void add_names(const Object& object) {
+    void addNames(const Object& object) {
         for (const auto& [name, characters] :
-             {std::pair{"name", &object.name}, std::pair{"text", &object.second_text}}) {
+             {std::pair{"name", &object.name}, std::pair{"text", &object.secondText}}) {
             std::string quoted;
             append(quoted, *characters);
             if (!characters->empty())
@@ -135,9 +135,9 @@ private:
         }
     }
 
-    void add_details(const Object& object) {
+    void addDetails(const Object& object) {
         std::string flags;
-        for (const std::string_view name : names_of_flags(object.flags))
+        for (const std::string_view name : namesOfFlags(object.flags))
             flags.append(flags.empty() ? "" : "|").append(name);
         detail("flags", (flags.empty() ? "none" : flags) + " (" + hexadecimal(object.flags) + ")");
 
@@ -149,19 +149,18 @@ private:
                 .append(std::to_string(count.value));
         detail("counts", list);
 
-        if (object.kind() == geom_stream::Kind::label) {
-            const std::uint32_t label_flags = object.label().label_flags;
-            detail("label",
-                   describe_label_flags(label_flags) + " (" + hexadecimal(label_flags) + ")");
+        if (object.kind() == geom_stream::Kind::kLabel) {
+            const std::uint32_t labelFlags = object.label().labelFlags;
+            detail("label", describeLabelFlags(labelFlags) + " (" + hexadecimal(labelFlags) + ")");
         }
         for (const geom_stream::Property& property : object.properties)
             detail("property", "kind " + std::to_string(property.kind) + ", value " +
                                    std::to_string(property.value) + ", " +
                                    counted(property.bytes.size(), "byte"));
-        if (object.has_extent)
+        if (object.hasExtent)
             detail("extent",
                    box(std::span(object.extent).first<3>(), std::span(object.extent).last<3>()));
-        detail("bytecount", std::to_string(object.byte_count));
+        detail("bytecount", std::to_string(object.byteCount));
         const std::optional<Bounds> around = bounds(object);
         detail("bounds", around ? box(around->minimum, around->maximum) : "none");
         for (const std::string& note : notes(object))
@@ -176,8 +175,8 @@ private:
         return text;
     }
 
-    void add_values(const Object& object) {
-        for (const ValueGroup& group : value_groups(object)) {
+    void addValues(const Object& object) {
+        for (const ValueGroup& group : valueGroups(object)) {
             for (const auto& [name, values] : group.arrays) {
                 text_ += "  ";
                 if (!group.singular.empty())
@@ -185,15 +184,15 @@ private:
                 if (!group.plural.empty())
                     text_.append(std::to_string(group.number)).append(" ");
                 text_.append(name).append("\n");
-                std::visit([this](const auto& elements) { add_elements(elements); }, values);
+                std::visit([this](const auto& elements) { addElements(elements); }, values);
             }
         }
     }
 
-    void add_elements(PolygonsOf polygons) { add_elements(polygons.polyhedron->polygons()); }
+    void addElements(PolygonsOf polygons) { addElements(polygons.polyhedron->polygons()); }
 
     template <class Elements>
-    void add_elements(const Elements& elements) {
+    void addElements(const Elements& elements) {
         std::int64_t number = 0;
         for (const auto& element : elements) {
             text_ += "    ";
@@ -211,7 +210,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<Listing> make_text_listing(std::ostream& out, Coverage coverage) {
+std::unique_ptr<Listing> makeTextListing(std::ostream& out, Coverage coverage) {
     return std::make_unique<TextListing>(out, coverage);
 }
 

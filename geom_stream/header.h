@@ -1,0 +1,12 @@
+#pragma once
+
+#include "geom_stream/item_reader.h"
+#include "geom_stream/object.h"
+
+namespace geom_stream {
+
+/// Reads the header of a record into the object, and sets the reader to the record's byte order.
+/// Returns the kind of the body, which means something only if the reader is well afterwards.
+Kind readHeader(ItemReader& in, Object& object);
+
+} // namespace geom_stream

@@ -1,0 +1,154 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+/// The objects of a GEOM stream, as docs/stream-format.md describes them. The words of the stream
+/// are kept as they stand.
+namespace geom_stream {
+
+using Vec2 = std::array<float, 2>;
+using Vec3 = std::array<float, 3>;
+
+/// The object kinds; the values are the `type` word of the header.
+enum class Kind : std::uint32_t { kMesh = 1, kPolyhedron, kPolytriangle, kSphere, kLabel };
+
+/// "mesh", "polyhedron", "polytriangle", "sphere" or "label".
+std::string_view kindName(Kind kind);
+
+/// Bits of the `data` word: which optional arrays a body holds.
+namespace flag {
+inline constexpr std::uint32_t kNormals = 0x1;
+inline constexpr std::uint32_t kColours = 0x2;
+inline constexpr std::uint32_t kUvs = 0x4;
+inline constexpr std::uint32_t kUvws = 0x8;
+inline constexpr std::uint32_t kLabelData = 0x10;
+inline constexpr std::uint32_t kNoRadii = 0x20;
+inline constexpr std::uint32_t kPrimitiveData = 0x40;
+inline constexpr std::uint32_t kVertexData = 0x80;
+inline constexpr std::uint32_t kVertexTrans = 0x100;
+} // namespace flag
+
+struct FlagName {
+    std::uint32_t bit;
+    std::string_view name;
+};
+
+/// Every bit of the `data` word with its name, lowest first.
+inline constexpr std::array<FlagName, 9> kFlagNames{{
+    {flag::kNormals, "normals"},
+    {flag::kColours, "colours"},
+    {flag::kUvs, "uvs"},
+    {flag::kUvws, "uvws"},
+    {flag::kLabelData, "label-data"},
+    {flag::kNoRadii, "no-radii"},
+    {flag::kPrimitiveData, "primitive-data"},
+    {flag::kVertexData, "vertex-data"},
+    {flag::kVertexTrans, "vertex-trans"},
+}};
+
+/// All of them. Nothing is known of records that have other bits.
+inline constexpr std::uint32_t kKnownFlags = [] {
+    std::uint32_t bits = 0;
+    for (const FlagName& entry : kFlagNames) {
+        bits |= entry.bit;
+    }
+    return bits;
+}();
+
+/// One property record of a header.
+struct Property {
+    std::uint32_t kind = 0;
+    std::uint32_t value = 0;
+    std::vector<std::byte> bytes;
+};
+
+/// The arrays that a set of vertices may carry. Those whose flag is clear, and those that the
+/// object's kind does not have, are empty. All but `primitiveData` have one element per vertex.
+struct VertexArrays {
+    std::vector<Vec3> vertices;
+    std::vector<Vec3> normals;
+    std::vector<Vec3> colours;
+    std::vector<Vec2> uvs;
+    std::vector<Vec3> uvws;
+    std::vector<std::int32_t> vertexData;
+    std::vector<std::int32_t> primitiveData;
+    std::vector<float> vertexTrans;
+};
+
+/// A grid of u times v vertices.
+struct Mesh : VertexArrays {
+    std::int64_t u = 0;
+    std::int64_t v = 0;
+};
+
+struct Polyhedron : VertexArrays {
+    std::int64_t polygonCount = 0;         ///< P, as the stream states it
+    std::int64_t indexCount = 0;           ///< I, as the stream states it
+    std::vector<std::int64_t> polygonList; ///< the P + I + 1 words as they stand
+
+    /// The 1-based vertex numbers of each polygon, up to the first 0 count of the list; fewer than
+    /// `polygonCount` when that 0 comes early.
+    std::vector<std::vector<std::int64_t>> polygons() const;
+};
+
+struct Polytriangle {
+    std::vector<VertexArrays> strips;
+    std::vector<VertexArrays> polylines;
+    VertexArrays segments; ///< disjoint line segments, two vertices each; empty when there are none
+};
+
+/// A set of spheres: `vertices` are the centres.
+struct Sphere : VertexArrays {
+    std::vector<float> radii; ///< one per centre, or none
+};
+
+/// A set of text labels; every array has one element per label but `colours` and `data`, which may
+/// be empty.
+struct Label {
+    std::uint32_t labelFlags = 0;
+    std::vector<std::string> texts; ///< without their NUL
+    std::vector<Vec3> positions;
+    std::vector<Vec3> offsets;
+    std::vector<float> heights;
+    std::vector<Vec3> colours;
+    std::vector<std::int32_t> data;
+};
+
+/// One decoded record.
+struct Object {
+    std::uint64_t offset = 0;      ///< of the record in the stream, bytes
+    std::uint64_t size = 0;        ///< of the record, bytes; the next one begins at offset + size
+    int version = 0;               ///< 10 (big-endian) or 7 (little-endian)
+    std::uint32_t headerSize = 0;  ///< the `hdrsize` word
+    std::uint32_t flags = 0;       ///< the `data` word
+    std::array<float, 6> extent{}; ///< minimum x, y, z, maximum x, y, z; as written, valid or not
+    bool hasExtent = false;
+    std::int64_t byteCount = 0; ///< the `bytecount` word
+    std::vector<Property> properties;
+    std::string name;
+    std::string secondText;
+    std::variant<Mesh, Polyhedron, Polytriangle, Sphere, Label> body;
+
+    Kind kind() const { return static_cast<Kind>(body.index() + 1); }
+    bool has(std::uint32_t flagBit) const { return (flags & flagBit) != 0; }
+
+    /// The body of an object that is known to be of that kind; throws std::bad_variant_access for
+    /// another.
+    const Mesh& mesh() const { return std::get<Mesh>(body); }
+    const Polyhedron& polyhedron() const { return std::get<Polyhedron>(body); }
+    const Polytriangle& polytriangle() const { return std::get<Polytriangle>(body); }
+    const Sphere& sphere() const { return std::get<Sphere>(body); }
+    const Label& label() const { return std::get<Label>(body); }
+};
+
+/// The value that `bytecount` has in a faithful record of this object, modulo 2^64. The decoder
+/// itself needs no `bytecount` and does not compare it.
+std::int64_t expectedByteCount(const Object& object);
+
+} // namespace geom_stream

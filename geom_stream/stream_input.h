@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+
+namespace geom_stream {
+
+/// Stores at most `capacity` bytes at `into` and returns how many; 0 at the end of the stream,
+/// after which it is not called again. The capacity is at least 1.
+using ReadBytes = std::function<std::size_t(std::byte* into, std::size_t capacity)>;
+
+/// The bytes of a stream, read through a buffer of fixed size.
+class Input {
+public:
+    static constexpr std::size_t kCapacity = 65536;
+
+    explicit Input(ReadBytes read);
+
+    /// How many bytes of the stream have been skipped: the place of the next one.
+    std::uint64_t offset() const { return offset_; }
+
+    /// The next bytes, `least` of them or more; fewer only when the stream ends before. `least` is
+    /// kCapacity at most. The bytes stay where they are until the next call.
+    std::span<const std::byte> ahead(std::size_t least) {
+        if (end_ - next_ < least) {
+            fill(least);
+        }
+        return {buffer_.get() + next_, end_ - next_};
+    }
+
+    /// Moves on by `size` bytes, no more than ahead() has yielded.
+    void skip(std::size_t size) {
+        next_ += size;
+        offset_ += size;
+    }
+
+    /// Moves on to the end of the stream and returns the size of the whole, in bytes.
+    std::uint64_t skipToEnd();
+
+private:
+    void fill(std::size_t least);
+
+    ReadBytes read_;
+    std::unique_ptr<std::byte[]> buffer_;
+    std::size_t next_ = 0; ///< the bytes that are ahead are buffer_[next_] to buffer_[end_ - 1]
+    std::size_t end_ = 0;
+    std::uint64_t offset_ = 0;
+    bool atEnd_ = false;
+};
+
+} // namespace geom_stream
