@@ -43,7 +43,8 @@ int main() {
     DescriptorSource source(STDIN_FILENO);
     DescriptorSink stream(STDOUT_FILENO);
     StandardErrorDiagnostics messages;
-    Scene& scene = *new Scene; // Never taken apart: what it holds goes with the process.
+    // Never taken apart: what it holds goes with the process.
+    static Scene& scene = *new Scene;
     // A scene that cannot be read has been reported, and the exit status is 0 all the same.
     readScene(scene, source, messages);
     convertScene(scene, stream, messages, environmentOptions());
