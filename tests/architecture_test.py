@@ -12,15 +12,17 @@ from pathlib import Path
 
 # For each folder the folders whose headers it may include, besides its own.
 MAY_INCLUDE = {
-    "vrml": [],
+    "io": [],
+    "vrml": ["io"],
     "traverse": ["vrml"],
-    "compat/geom": [],
+    "compat/geom": ["io"],
     "convert": ["vrml", "traverse", "compat/geom"],
     "geom_stream": [],
     "driver": ["vrml", "convert", "compat/geom"],
     "tools/geomtool": ["geom_stream"],
     "tools/scene_dump": ["vrml"],
-    "tools/vrmltidy": ["vrml", "tools/scene_dump"],
+    "tidy": ["io", "vrml"],
+    "tools/vrmltidy": ["io", "vrml", "tidy", "tools/scene_dump"],
     "bench": ["vrml", "compat/geom"],
 }
 EVERYTHING = ("tests", "fuzz")

@@ -1,26 +1,14 @@
 #include "vrml/byte_source.h"
 
+#include "io/retry.h"
+
 #include <algorithm>
-#include <cerrno>
-#include <poll.h>
-#include <unistd.h>
 
 namespace meshcast {
 
 std::size_t DescriptorSource::read(char* buffer, std::size_t capacity) {
-    for (;;) {
-        const ssize_t count = ::read(descriptor_, buffer, capacity);
-        if (count >= 0) {
-            return static_cast<std::size_t>(count);
-        }
-        // Whoever shares the descriptor may have made it one that does not wait.
-        pollfd ready{descriptor_, POLLIN, 0};
-        if (errno == EAGAIN) {
-            ::poll(&ready, 1, -1);
-        } else if (errno != EINTR) {
-            return 0;
-        }
-    }
+    const ssize_t count = io::readSome(descriptor_, buffer, capacity);
+    return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
 std::size_t MemorySource::read(char* buffer, std::size_t capacity) {

@@ -116,42 +116,19 @@ ScannedInteger scanInteger(const char* first) {
 // so gives the nearest double (W. Clinger, "How to read floating point numbers accurately", 1990).
 // Everything else goes to std::from_chars.
 ScannedReal scanReal(const char* first) {
-    const char* p = first;
-    const bool negative = *p == '-';
-    if (*p == '-' || *p == '+') {
-        ++p;
-    }
-    const char* const unsignedFirst = p;
-
     std::uint64_t mantissa = 0; // Wraps beyond kMaxSafeDigits, and is not used then.
-    for (; isDigit(*p); ++p) {
-        mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+    const RealParts parts = walkReal(
+        first, [&mantissa](char c) { mantissa = mantissa * 10 + static_cast<unsigned>(c - '0'); });
+    if (!parts.ok) {
+        return {parts.end, 0, false};
     }
-    std::int64_t digits = p - unsignedFirst;
-    std::int64_t fraction = 0;
-    if (*p == '.') {
-        const char* const point = ++p;
-        for (; isDigit(*p); ++p) {
-            mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
-        }
-        fraction = p - point;
-        digits += fraction;
-    }
-    if (digits == 0) {
-        return {p, 0, false};
-    }
-
+    const bool negative = *first == '-';
+    const std::int64_t digits = parts.digitCount;
     std::int64_t exponent = 0;
-    if (*p == 'e' || *p == 'E') {
-        ++p;
-        const bool negativeExponent = *p == '-';
-        if (*p == '-' || *p == '+') {
-            ++p;
-        }
-        if (!isDigit(*p)) {
-            return {p, 0, false};
-        }
-        for (; isDigit(*p); ++p) {
+    if (parts.exponent != nullptr) {
+        const bool negativeExponent = *parts.exponent == '-';
+        const char* p = parts.exponent + (isDigit(*parts.exponent) ? 0 : 1);
+        for (; p != parts.end; ++p) {
             if (exponent < kMaxExponent) {
                 exponent = exponent * 10 + (*p - '0');
             }
@@ -160,7 +137,7 @@ ScannedReal scanReal(const char* first) {
             exponent = -exponent;
         }
     }
-    exponent -= fraction;
+    exponent -= parts.fractionCount;
 
     double value = 0;
     // Wider intermediate results would round twice.
@@ -174,9 +151,9 @@ ScannedReal scanReal(const char* first) {
             value *= kExactPowers[static_cast<std::size_t>(exponent)];
         }
     } else {
-        value = nearestDouble(unsignedFirst, p, mantissa, exponent, digits);
+        value = nearestDouble(parts.digits, parts.end, mantissa, exponent, digits);
     }
-    return {p, negative ? -value : value, true};
+    return {parts.end, negative ? -value : value, true};
 }
 
 } // namespace meshcast

@@ -52,4 +52,67 @@ struct ScannedReal {
 /// double infinity, below the smallest zero, a minus sign kept.
 ScannedReal scanReal(const char* first);
 
+/// The places of a real number that the grammar tells apart.
+struct RealParts {
+    const char* end;      ///< The first character that was not taken.
+    const char* digits;   ///< After the sign.
+    const char* fraction; ///< After the point, or where a point would be.
+    const char* exponent; ///< After the exponent marker, its sign included; null without one.
+    std::int64_t digitCount;
+    std::int64_t fractionCount; ///< Of the digits, those after the point.
+    bool ok;                    ///< As in ScannedReal.
+};
+
+/// Walks over a real number without its value, by the one grammar of reals: scanReal is built on
+/// it. `digit` is told each digit before the exponent.
+template <class OnDigit>
+inline RealParts walkReal(const char* first, OnDigit digit) {
+    const char* p = first + (*first == '-' || *first == '+' ? 1 : 0);
+    RealParts parts{p, p, p, nullptr, 0, 0, false};
+    for (; isDigit(*p); ++p) {
+        digit(*p);
+    }
+    parts.digitCount = p - parts.digits;
+    parts.fraction = p;
+    if (*p == '.') {
+        parts.fraction = ++p;
+        for (; isDigit(*p); ++p) {
+            digit(*p);
+        }
+        parts.fractionCount = p - parts.fraction;
+        parts.digitCount += parts.fractionCount;
+    }
+    parts.ok = parts.digitCount != 0;
+    if (parts.ok && (*p == 'e' || *p == 'E')) {
+        parts.exponent = ++p;
+        p += *p == '-' || *p == '+' ? 1 : 0;
+        parts.ok = isDigit(*p);
+        while (isDigit(*p)) {
+            ++p;
+        }
+    }
+    parts.end = p;
+    return parts;
+}
+
+/// The end of the real number at `first`, or null where there is none.
+inline const char* endOfReal(const char* first) {
+    const RealParts parts = walkReal(first, [](char) {});
+    return parts.ok ? parts.end : nullptr;
+}
+
+/// The end of the integer at `first`, or null where there is none.
+inline const char* endOfInteger(const char* first) {
+    const char* const digits = first + (*first == '-' || *first == '+' ? 1 : 0);
+    if (*digits == '0') { // Octal or hexadecimal.
+        const ScannedMagnitude scanned = scanMagnitude(digits);
+        return scanned.ok ? scanned.end : nullptr;
+    }
+    const char* end = digits;
+    while (isDigit(*end)) {
+        ++end;
+    }
+    return end == digits ? nullptr : end;
+}
+
 } // namespace meshcast

@@ -8,17 +8,15 @@
 #include "compat/geom/format.h"
 #include "compat/geom/geom.h"
 #include "compat/geom/memory.h"
+#include "io/retry.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <bit>
-#include <cerrno>
 #include <cstring>
 #include <new>
-#include <poll.h>
 #include <type_traits>
-#include <unistd.h>
 
 namespace {
 
@@ -33,15 +31,7 @@ constexpr std::size_t kXdrUnit = BYTES_PER_XDR_UNIT;
 std::int64_t write_piece(int fd, const unsigned char* bytes, std::size_t n) {
     std::size_t done = 0;
     while (done < n) {
-        const ssize_t result = ::write(fd, bytes + done, n - done);
-        if (result < 0 && errno == EINTR)
-            continue;
-        if (result < 0 && errno == EAGAIN) {
-            // Whoever shares the descriptor may have made it one that does not wait.
-            pollfd ready{fd, POLLOUT, 0};
-            ::poll(&ready, 1, -1);
-            continue;
-        }
+        const ssize_t result = meshcast::io::writeSome(fd, bytes + done, n - done);
         if (result < 1)
             return result;
         done += static_cast<std::size_t>(result);
@@ -71,10 +61,8 @@ std::int64_t advance(GEOMstream& stream, std::size_t n) {
 bool refill(GEOMstream& stream) {
     stream.read_position = 0;
     stream.read_fill = 0;
-    ssize_t result = 0;
-    do
-        result = ::read(stream.fd, stream.read_buffer.data(), GEOM_PIECE_BYTES);
-    while (result < 0 && errno == EINTR);
+    const ssize_t result =
+        meshcast::io::readSome(stream.fd, stream.read_buffer.data(), GEOM_PIECE_BYTES);
     if (result < 1)
         return false;
     stream.read_fill = static_cast<std::size_t>(result);

@@ -121,7 +121,8 @@ TEST(VrmlTidy, EndsWithTheDocumentedStatus) {
     };
     const std::vector<Case> cases = {
         {"VRMLTIDY --quiet several-nodes.wrl >/dev/null", 0, ""},
-        {"VRMLTIDY --strict several-nodes.wrl", 1, "several-nodes.wrl:5: dropped"},
+        {"VRMLTIDY --strict several-nodes.wrl", 1,
+         "several-nodes.wrl:4: put 3 top-level nodes into one Group\nseveral-nodes.wrl:5: dropped"},
         {"VRMLTIDY --strict --quiet several-nodes.wrl", 1,
          "vrmltidy: several-nodes.wrl: needs repairs, which --strict does not allow\n"},
         {"VRMLTIDY --strict several-nodes.tidied >/dev/null", 0, ""},
@@ -144,7 +145,7 @@ TEST(VrmlTidy, EndsWithTheDocumentedStatus) {
          "<stdin>:1: inflated gzip-compressed data\n<stdin>: 1 repair\n"
          "vrmltidy: <stdin>: inflates to more than 16777216 bytes"},
         {"yes 'Group {' | head -n 10000 | { echo '#VRML V1.0 ascii'; cat; } | VRMLTIDY >/dev/null",
-         0, "<stdin>:10002: set 10000 missing closing braces\n<stdin>: 1 repair\n"},
+         0, "<stdin>:10002: added 10000 missing closing braces\n<stdin>: 1 repair\n"},
         {"yes 'Group {' | head -n 10001 | { echo '#VRML V1.0 ascii'; cat; } | VRMLTIDY", 1,
          "vrmltidy: <stdin>: is nested deeper than 10000 levels\n"},
     };

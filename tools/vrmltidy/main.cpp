@@ -1,7 +1,8 @@
+#include "io/files.h"
+#include "tidy/folder_scenes.h"
+#include "tidy/report.h"
+#include "tidy/tidy.h"
 #include "tools/scene_dump/scene_dump.h"
-#include "tools/vrmltidy/files.h"
-#include "tools/vrmltidy/reporter.h"
-#include "tools/vrmltidy/tidy.h"
 #include "vrml/byte_source.h"
 #include "vrml/diagnostics.h"
 #include "vrml/scene.h"
@@ -17,6 +18,9 @@
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <unistd.h>
+#include <utility>
+#include <variant>
 
 namespace {
 
@@ -54,7 +58,10 @@ public:
     }
     void addCount(const std::string& file, std::size_t repairs) {
         if (!areQuiet_ && repairs != 0) {
-            text_.append(file).append(": ").append(tidy::counted(repairs, "repair")).append("\n");
+            text_.append(tidy::printable(file))
+                .append(": ")
+                .append(tidy::counted(repairs, "repair"))
+                .append("\n");
         }
         flush();
     }
@@ -72,17 +79,41 @@ private:
 };
 
 ExitStatus fail(const std::string& file, const std::string& message) {
-    std::cerr << "vrmltidy: " << file << ": " << message << '\n';
+    std::cerr << "vrmltidy: " << tidy::printable(file) << ": " << message << '\n';
     return kNotRepaired;
 }
 
-/// The folder outside of which no file is read.
-std::filesystem::path rootOf(const CommandLine& line, std::error_code& error) {
-    std::filesystem::path root = line.root;
-    if (root.empty() && line.file != "-") {
-        root = std::filesystem::path(line.file).parent_path();
+/// The name of the folder outside of which no file is read.
+std::string rootOf(const CommandLine& line) {
+    if (!line.root.empty()) {
+        return line.root;
     }
-    return std::filesystem::canonical(root.empty() ? "." : root, error);
+    const std::string folder =
+        line.file == "-" ? "" : std::filesystem::path(line.file).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+/// All bytes of a file or, for "-", of standard input; or why they cannot be had.
+std::variant<std::string, std::string> read(const std::string& file) {
+    auto bytes = file == "-" ? meshcast::io::readWhole(STDIN_FILENO, tidy::kLargestScene)
+                             : meshcast::io::readFile(file, tidy::kLargestScene);
+    if (const auto* const error = std::get_if<std::error_code>(&bytes)) {
+        return std::variant<std::string, std::string>(
+            std::in_place_index<1>,
+            *error == std::errc::file_too_large
+                ? "is longer than " + std::to_string(tidy::kLargestScene) + " bytes"
+                : "cannot be read: " + error->message());
+    }
+    return std::variant<std::string, std::string>(std::in_place_index<0>,
+                                                  std::get<std::string>(std::move(bytes)));
+}
+
+std::error_code write(const std::string& file, const std::string& text) {
+    if (file.empty()) {
+        return meshcast::io::writeStandardOutput(text);
+    }
+    return meshcast::io::writeFile(
+        file, [&text](int descriptor) { return meshcast::io::writeAll(descriptor, text); });
 }
 
 /// Reads a scene as the filter does and gives all its fields; nothing if it cannot be read, which
@@ -101,9 +132,9 @@ std::optional<std::string> dumped(const std::string& text) {
 
 ExitStatus run(const CommandLine& line) {
     const std::string shown = line.file == "-" ? "<stdin>" : line.file;
-    auto input = tidy::readAll(line.file);
-    if (const auto* const error = std::get_if<std::error_code>(&input)) {
-        return fail(shown, "cannot be read: " + error->message());
+    auto input = read(line.file);
+    if (input.index() == 1) {
+        return fail(shown, std::get<1>(input));
     }
 
     tidy::Options options;
@@ -112,16 +143,16 @@ ExitStatus run(const CommandLine& line) {
     options.report = [&lines](const tidy::Message& message) { lines.add(message); };
     std::optional<tidy::FolderScenes> scenes;
     if (line.inlines) {
-        std::error_code error;
-        options.identity = std::filesystem::weakly_canonical(line.file, error).string();
-        scenes.emplace(rootOf(line, error));
-        if (error) {
-            return fail(line.root, "cannot be used as a root: " + error.message());
+        auto root = meshcast::io::Folder::open(rootOf(line));
+        if (const auto* const error = std::get_if<std::error_code>(&root)) {
+            return fail(rootOf(line), "cannot be used as a root: " + error->message());
         }
+        options.identity = tidy::fileIdentity(line.file);
+        scenes.emplace(std::get<meshcast::io::Folder>(std::move(root)));
         options.inlines = &*scenes;
     }
 
-    tidy::Result result = tidy::tidy(std::get<std::string>(std::move(input)), options);
+    tidy::Result result = tidy::tidy(std::get<0>(std::move(input)), options);
     lines.addCount(shown, result.repairs);
     if (!result.text) {
         return fail(shown, result.refusal);
@@ -135,9 +166,7 @@ ExitStatus run(const CommandLine& line) {
             return fail(shown, "cannot be read in full");
         }
     }
-    const std::error_code error = line.output.empty()
-                                      ? tidy::writeToOutput(*result.text)
-                                      : tidy::writeToFile(line.output, *result.text);
+    const std::error_code error = write(line.output, *result.text);
     if (error) {
         return fail(line.output.empty() ? "standard output" : line.output,
                     "cannot be written: " + error.message());
@@ -157,8 +186,8 @@ ExitStatus run(int argc, char** argv) {
                    "The scene, as text or gzip-compressed; standard input when "
                    "absent or -");
     app.add_option("-o", line.output,
-                   "Write to this file instead of standard output; it appears "
-                   "when it is whole")
+                   "Write to this file instead of standard output; it is "
+                   "replaced in one step, or left as it is")
         ->type_name("FILE");
     app.add_flag("--dump", line.dump,
                  "Write the scene as it is read: every node with the values of all its fields, "

@@ -1,0 +1,194 @@
+#include "io/files.h"
+#include "io/retry.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <linux/magic.h>
+#include <optional>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+
+namespace meshcast::io {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t kPermissions = 0777;
+
+/// Where a name leads when its links have been followed; nothing when they lead into /proc, where
+/// links stand for open files.
+std::optional<fs::path> followed(fs::path path) {
+    constexpr int kMostLinks = 40;
+    std::error_code error;
+    for (int i = 0; i < kMostLinks; ++i) {
+        const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+        struct statfs system {};
+        if (::statfs(folder.c_str(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC) {
+            return std::nullopt;
+        }
+        const fs::path target = fs::read_symlink(path, error);
+        if (error) {
+            return path;
+        }
+        path = target.is_absolute() ? target : folder / target;
+    }
+    return path;
+}
+
+/// Holds back signals that would end the process, while a file with a name is incomplete, and makes
+/// the passing of a size limit an error of writing.
+class SignalsHeld {
+public:
+    explicit SignalsHeld(bool holdsAll) {
+        sigset_t held;
+        sigemptyset(&held);
+        sigaddset(&held, SIGXFSZ);
+        if (holdsAll) {
+            for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+                sigaddset(&held, signal);
+            }
+        }
+        pthread_sigmask(SIG_BLOCK, &held, &before_);
+    }
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+    ~SignalsHeld() {
+        // The one that writing beyond the limit has left is settled by the error.
+        sigset_t limit;
+        sigemptyset(&limit);
+        sigaddset(&limit, SIGXFSZ);
+        const timespec now{};
+        while (sigtimedwait(&limit, nullptr, &now) > 0) {
+        }
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
+
+private:
+    sigset_t before_{};
+};
+
+/// Writes a new file and makes sure that it is on the disk.
+std::error_code writeNew(int descriptor, const std::optional<mode_t>& mode,
+                         const std::function<std::error_code(int)>& write) {
+    if (const std::error_code error = write(descriptor)) {
+        return error;
+    }
+    const bool isDone =
+        (!mode || ::fchmod(descriptor, *mode & kPermissions) == 0) && ::fsync(descriptor) == 0;
+    return isDone ? std::error_code() : lastError();
+}
+
+/// A name in a folder that no file has; its length is always the same.
+fs::path scratchName(const fs::path& folder) {
+    std::array<unsigned char, 8> random{};
+    std::string name = ".meshcast-";
+    if (::getentropy(random.data(), random.size()) != 0) {
+        random[0] = static_cast<unsigned char>(::getpid());
+    }
+    for (const unsigned char byte : random) {
+        name += "0123456789abcdef"[byte >> 4];
+        name += "0123456789abcdef"[byte & 15];
+    }
+    return folder / name;
+}
+
+/// Gives an unnamed file its name, in the place of what bears it.
+std::error_code linkTo(int descriptor, const fs::path& folder, const fs::path& path) {
+    const std::string open = "/proc/self/fd/" + std::to_string(descriptor);
+    const auto link = [&open](const fs::path& name) {
+        return ::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    };
+    if (link(path)) {
+        return {};
+    }
+    if (errno != EEXIST) {
+        return lastError();
+    }
+    const SignalsHeld held(true);
+    const fs::path scratch = scratchName(folder);
+    if (!link(scratch)) {
+        return lastError();
+    }
+    if (::rename(scratch.c_str(), path.c_str()) != 0) {
+        const std::error_code error = lastError();
+        ::unlink(scratch.c_str());
+        return error;
+    }
+    return {};
+}
+
+/// Writes a file under another name first, for file systems without unnamed files.
+std::error_code writeNamed(const fs::path& folder, const fs::path& path,
+                           const std::optional<mode_t>& mode,
+                           const std::function<std::error_code(int)>& write) {
+    const SignalsHeld held(true);
+    const fs::path scratch = scratchName(folder);
+    Descriptor file(::open(scratch.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file.isOpen()) {
+        return lastError();
+    }
+    std::error_code error = writeNew(file.number(), mode, write);
+    const std::error_code closing = file.close();
+    error = error ? error : closing;
+    if (!error && ::rename(scratch.c_str(), path.c_str()) != 0) {
+        error = lastError();
+    }
+    if (error) {
+        ::unlink(scratch.c_str());
+    }
+    return error;
+}
+
+} // namespace
+
+std::error_code writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = writeSome(descriptor, bytes.data(), bytes.size());
+        if (count < 0) {
+            return lastError();
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return {};
+}
+
+std::error_code writeStandardOutput(std::string_view bytes) {
+    const SignalsHeld held(false);
+    if (const std::error_code error = writeAll(STDOUT_FILENO, bytes)) {
+        return error;
+    }
+    return Descriptor(::dup(STDOUT_FILENO)).close();
+}
+
+std::error_code writeFile(const std::string& name,
+                          const std::function<std::error_code(int descriptor)>& write) {
+    const SignalsHeld held(false);
+    const std::optional<fs::path> path = followed(name);
+    struct stat status {};
+    const bool exists = ::stat(name.c_str(), &status) == 0;
+    if (!path || (exists && !S_ISREG(status.st_mode))) {
+        Descriptor file(::open(name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+        if (!file.isOpen()) {
+            return lastError();
+        }
+        const std::error_code error = write(file.number());
+        return error ? error : file.close();
+    }
+    const fs::path folder = path->has_parent_path() ? path->parent_path() : fs::path(".");
+    const std::optional<mode_t> mode = exists ? std::optional(status.st_mode) : std::nullopt;
+    Descriptor file(::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+    const bool isUnnamed = file.isOpen() && ::access("/proc/self/fd", F_OK) == 0;
+    if (!isUnnamed) {
+        return writeNamed(folder, *path, mode, write);
+    }
+    std::error_code error = writeNew(file.number(), mode, write);
+    error = error ? error : linkTo(file.number(), folder, *path);
+    const std::error_code closing = file.close();
+    return error ? error : closing;
+}
+
+} // namespace meshcast::io

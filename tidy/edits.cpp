@@ -1,0 +1,168 @@
+#include "tidy/edits.h"
+
+#include "vrml/characters.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace meshcast::tidy {
+
+namespace {
+
+bool isBlank(char c) { return isSpace(c) && c != '\n'; }
+
+} // namespace
+
+std::string_view TextStore::keep(std::string_view text) {
+    if (text.empty()) {
+        return {};
+    }
+    auto* const copy = static_cast<char*>(memory_.allocate(text.size(), 1));
+    std::copy(text.begin(), text.end(), copy);
+    return {copy, text.size()};
+}
+
+std::string_view TextStore::take(std::string text) {
+    constexpr std::size_t kLong = 4096;
+    return text.size() < kLong ? keep(text) : std::string_view(long_.emplace_back(std::move(text)));
+}
+
+char EditList::lastBefore(const char* at) const {
+    if (!edits_.empty()) {
+        const Edit& last = edits_.back();
+        if (last.offset + last.length == offsetOf(at) && last.changesText()) {
+            at = text_.data() + last.offset;
+            if (!last.replacement.empty()) {
+                return last.replacement.back();
+            }
+        }
+    }
+    return at == text_.data() ? '\n' : at[-1];
+}
+
+void EditList::replace(const char* first, const char* last, std::string_view replacement,
+                       std::string_view message) {
+    const bool touches = !replacement.empty() && isNameCharacter(replacement.front()) &&
+                         isNameCharacter(lastBefore(first));
+    std::string apart;
+    if (touches) {
+        apart.append(" ").append(replacement);
+    }
+    edits_.push_back({offsetOf(first), static_cast<std::size_t>(last - first),
+                      store_.keep(touches ? apart : replacement), store_.keepMessage(message),
+                      nullptr, 0, !message.empty()});
+}
+
+void EditList::drop(const char* first, const char* last, std::string_view message) {
+    const char* const end = text_.data() + text_.size();
+    const std::size_t begin = offsetOf(first);
+    if (runEnd_ != begin || runBegin_ >= edits_.size()) {
+        // Blanks up to the edit before: what that has passed is not looked at again.
+        const std::size_t least = edits_.empty() ? 0 : edits_.back().offset + edits_.back().length;
+        runBlanks_ = begin;
+        while (runBlanks_ > least && isBlank(text_[runBlanks_ - 1])) {
+            --runBlanks_;
+        }
+        runBegin_ = edits_.size();
+    }
+    const char* const rest = std::find_if_not(last, end, isBlank);
+    Edit edit{begin,
+              static_cast<std::size_t>(last - first),
+              {},
+              store_.keepMessage(message),
+              nullptr,
+              0,
+              !message.empty()};
+    if (rest == end || *rest == '\n') {
+        // Nothing is left on the line after it: the blanks before it go, too.
+        const Edit* const before = runBegin_ == 0 ? nullptr : &edits_[runBegin_ - 1];
+        const bool follows = before != nullptr && !before->replacement.empty() &&
+                             before->offset + before->length == runBlanks_;
+        const bool stoodAlone =
+            rest != end && runBlanks_ != 0 && text_[runBlanks_ - 1] == '\n' && !follows;
+        edit.length = static_cast<std::size_t>(rest - first) + (stoodAlone ? 1 : 0);
+        Edit& firstOfRun = runBegin_ == edits_.size() ? edit : edits_[runBegin_];
+        firstOfRun.length += firstOfRun.offset - runBlanks_;
+        firstOfRun.offset = runBlanks_;
+    } else if (runBlanks_ < begin || runBegin_ != edits_.size()) {
+        edit.length = static_cast<std::size_t>(rest - first);
+    } else if (rest == last && begin != 0 && text_[begin - 1] != '\n') {
+        edit.replacement = " ";
+    }
+    runEnd_ = edit.offset + edit.length;
+    edits_.push_back(edit);
+}
+
+void EditList::note(const char* at, std::string_view message, std::size_t line) {
+    edits_.push_back({offsetOf(at), 0, {}, store_.keepMessage(message), nullptr, line, false});
+}
+
+void EditList::quote(const char* at, std::vector<Edit> said) {
+    for (Edit& edit : said) {
+        if (edit.isRepair || !edit.message.empty()) {
+            edits_.push_back(
+                {offsetOf(at), 0, {}, edit.message, edit.file, edit.line, edit.isRepair});
+        }
+    }
+}
+
+void EditList::say(std::size_t index, std::string_view message) {
+    edits_[index].message = store_.keepMessage(message);
+    edits_[index].isRepair = true;
+}
+
+void EditList::insertAt(Mark mark, std::string_view text, std::string_view message,
+                        std::size_t line) {
+    late_.push_back({mark.count,
+                     {offsetOf(mark.at), 0, store_.keep(text), store_.keepMessage(message), nullptr,
+                      line, !message.empty()}});
+}
+
+std::vector<Edit> EditList::takeSince(std::size_t count) {
+    std::vector<Edit> taken(edits_.begin() + static_cast<std::ptrdiff_t>(count), edits_.end());
+    edits_.resize(count, Edit{});
+    return taken;
+}
+
+std::vector<Edit> EditList::takeFrom(const char* at) {
+    std::size_t count = edits_.size();
+    while (count != 0 && edits_[count - 1].offset >= offsetOf(at)) {
+        --count;
+    }
+    return takeSince(count);
+}
+
+std::vector<Edit> EditList::finish() {
+    std::stable_sort(late_.begin(), late_.end(),
+                     [](const Late& a, const Late& b) { return a.count < b.count; });
+    std::vector<Edit> all;
+    all.reserve(edits_.size() + late_.size());
+    auto late = late_.begin();
+    for (std::size_t i = 0; i <= edits_.size(); ++i) {
+        for (; late != late_.end() && late->count == i; ++late) {
+            all.push_back(late->edit);
+        }
+        if (i < edits_.size()) {
+            all.push_back(edits_[i]);
+        }
+    }
+    edits_.clear();
+    late_.clear();
+    return all;
+}
+
+std::size_t editedLength(std::string_view text, const std::vector<Edit>& edits) {
+    std::size_t length = 0;
+    forEachPiece(text, edits, [&length](std::string_view piece) { length += piece.size(); });
+    return length;
+}
+
+std::string applyEdits(std::string_view text, const std::vector<Edit>& edits) {
+    std::string edited;
+    edited.reserve(editedLength(text, edits));
+    forEachPiece(text, edits, [&edited](std::string_view piece) { edited += piece; });
+    return edited;
+}
+
+} // namespace meshcast::tidy

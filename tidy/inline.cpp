@@ -1,0 +1,114 @@
+#include "tidy/parse.h"
+#include "tidy/preamble.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace meshcast::tidy {
+
+namespace {
+
+/// Why an inline node stays whatever it names; empty when it need not.
+std::string reasonToStay(const Job& job, const std::string& name) {
+    if (job.inlinesTried >= kMostInlines) {
+        return "the scene has more than " + std::to_string(kMostInlines) + " of them";
+    }
+    if (name.find('\0') != std::string::npos) {
+        return "its name holds a zero byte";
+    }
+    if (job.openScenes.size() >= kDeepestInline) {
+        return "scenes name one another to more than " + std::to_string(kDeepestInline) + " levels";
+    }
+    return {};
+}
+
+/// What a scene's edits have to say, as said about its file.
+void locate(Source& source, std::vector<Edit>& edits) {
+    const std::string* const file = &*source.job.files.emplace(source.path).first;
+    for (Edit& edit : edits) {
+        if (edit.file == nullptr) {
+            edit.file = file;
+            edit.line =
+                edit.line != 0 ? edit.line : source.lineOf(source.body.data() + edit.offset);
+        }
+    }
+}
+
+} // namespace
+
+void replaceInline(Parse& parse, const OpenNode& node) {
+    Job& job = parse.job;
+    const std::string name = parse.leaf.inlineName;
+    const std::size_t line = parse.source.lineOf(node.classBegin);
+    const std::string shown = "WWWInline " + quoted(name);
+    const auto leave = [&](const std::string& why) {
+        parse.edits.note(parse.at, "left " + shown + " as it is: " + why, line);
+    };
+    if (name.empty()) {
+        return;
+    }
+    if (const std::string why = reasonToStay(job, name); !why.empty()) {
+        leave(why);
+        return;
+    }
+    ++job.inlinesTried;
+    const auto scene = job.options.inlines->open(name, parse.source.path);
+    auto& outer = job.openScenes;
+    if (!scene->failure.empty()) {
+        leave(scene->failure);
+        return;
+    }
+    if (std::find(outer.begin(), outer.end(), scene->identity) != outer.end()) {
+        leave("the scene contains itself");
+        return;
+    }
+    const std::string tooMuch =
+        "scenes of more than " + std::to_string(kMostInlinedBytes) + " bytes are put in place";
+    if (scene->bytes.size() > kMostInlinedBytes - job.bytesPut) {
+        leave(tooMuch);
+        return;
+    }
+    job.bytesPut += scene->bytes.size();
+    std::string bytes = scene->bytes;
+    const Preamble preamble = prepare(bytes);
+    if (!preamble.refusal.empty()) {
+        leave("it " + preamble.refusal);
+        return;
+    }
+    const std::string_view body = std::string_view(bytes).substr(preamble.headerSize);
+    Source inner(job, bytes, body, scene->path, &parse.source);
+    ++job.inlinedScenes;
+    ++job.depth; // Of the Separator: what is in force after an inline was in force before it.
+    outer.push_back(scene->identity);
+    const Coordinates inForce = job.coordinates;
+    Parse child(inner, body, body);
+    if (!scene->repair.empty()) {
+        child.edits.insert(body.data(), "", scene->repair);
+    }
+    for (const std::string& repair : preamble.repairs) {
+        child.edits.insert(body.data(), "", repair);
+    }
+    parseText(child);
+    job.coordinates = inForce;
+    outer.pop_back();
+    --job.depth;
+    if (!job.refusal.empty()) {
+        return;
+    }
+    std::vector<Edit> edits = child.edits.finish();
+    const std::size_t length = editedLength(body, edits);
+    if (length > kMostInlinedBytes - job.bytesPut) {
+        leave(tooMuch);
+        return;
+    }
+    job.bytesPut += length;
+    locate(inner, edits);
+    std::vector<Edit> before = parse.edits.takeFrom(node.classBegin);
+    parse.edits.replace(node.classBegin, parse.at,
+                        job.store.take("Separator { " + applyEdits(body, edits) + " }"));
+    parse.edits.quote(parse.at, std::move(before));
+    parse.edits.note(parse.at, "put " + printable(scene->path) + " in the place of " + shown, line);
+    parse.edits.quote(parse.at, std::move(edits));
+}
+
+} // namespace meshcast::tidy

@@ -1,0 +1,109 @@
+#include "tidy/parse.h"
+#include "vrml/number_scan.h"
+
+#include <limits>
+#include <string>
+
+// A point set without a number of points shows all points of the coordinates in force, by the
+// language, but none through the filter. So the coordinates in force are kept track of, as the walk
+// of the filter has them, and the number is written. A definition whose point sets got theirs from
+// coordinates outside of it is written once more where other coordinates are in force.
+
+namespace meshcast::tidy {
+
+namespace {
+
+/// True when the walk goes into the latest child of a node.
+bool showsLatestChild(const OpenNode& node) {
+    constexpr std::int64_t kAllChildren = -3;
+    if (node.info == nullptr || !node.info->picksChild) {
+        return true;
+    }
+    const std::int64_t index = node.children - 1;
+    return node.showsFirstChild ? index == 0
+                                : node.whichChild == kAllChildren || node.whichChild == index;
+}
+
+/// Writes the number of points of a point set that is left, which is all that the coordinates in
+/// force have after its first.
+void writePoints(Parse& parse, OpenNode& node) {
+    const LeafFields& leaf = parse.leaf;
+    const Coordinates& inForce = parse.job.coordinates;
+    const std::int64_t count = inForce.count - leaf.startIndex;
+    if (leaf.hasNumPoints || leaf.startIndex < 0 || count <= 0) {
+        return;
+    }
+    parse.edits.insertAt(node.fieldsEnd, " numPoints " + std::to_string(count) + " ",
+                         "wrote the number of points, " + std::to_string(count));
+    node.outsidePoints = inForce.count;
+    node.outsideSince = inForce.since;
+}
+
+} // namespace
+
+/// Remembers what is read from fields besides their place.
+void noteField(Parse& parse, const Field& field, const char* first, const PassedValue& value) {
+    OpenNode& node = parse.top();
+    const NodeClass& owner = parse.owner();
+    LeafFields& leaf = parse.leaf;
+    if (owner.isInline && field.name == "name") {
+        const char* const text = parse.lexer.skipSpace(first + (*first == '[' ? 1 : 0));
+        leaf.inlineName = parse.lexer.string(text).value();
+        const bool isTwice = leaf.inlineName.empty() && value.end - first > 4;
+        leaf.inlineName =
+            isTwice ? std::string(between(first + 2, value.end - 2)) : leaf.inlineName;
+    } else if (owner.setsCoordinates && field.name == "point") {
+        leaf.pointCount = static_cast<std::int64_t>(value.count);
+    } else if (owner.drawsPoints && field.name == "startIndex") {
+        leaf.startIndex = scanInteger(first).value;
+    } else if (owner.drawsPoints && field.name == "numPoints") {
+        leaf.hasNumPoints = true;
+    } else if (owner.picksChild && field.name == "whichChild") {
+        node.whichChild = scanInteger(first).value;
+    }
+}
+
+bool leavesPointsOpen(const Field& field, const NodeClass& owner, const char* value) {
+    return owner.drawsPoints && field.name == "numPoints" && scanInteger(value).value < 0;
+}
+
+void openScope(Parse& parse, OpenNode& node) {
+    node.before = parse.job.coordinates;
+    node.began = ++parse.job.clock;
+    node.outsideSince = std::numeric_limits<std::uint64_t>::max();
+    node.showsFirstChild = node.info->picksChild && node.info->field("whichChild") == nullptr;
+}
+
+void closeScope(Parse& parse, OpenNode& node, OpenNode& parent) {
+    Job& job = parse.job;
+    if (node.info->setsCoordinates) {
+        job.coordinates = {parse.leaf.pointCount, ++job.clock};
+    } else if (node.info->drawsPoints) {
+        writePoints(parse, node);
+    } else if (node.info->keepsItsState) {
+        job.coordinates = node.before;
+    }
+    if (!node.name.empty()) {
+        Definition& definition = parse.source.names[node.name];
+        if (definition.source == node.begin) {
+            definition.leavesCount =
+                job.coordinates.since > node.began ? job.coordinates.count : -1;
+            definition.pointsWritten = node.outsideSince < node.began ? node.outsidePoints : -1;
+        }
+    }
+    if (!showsLatestChild(parent)) {
+        job.coordinates = node.before;
+    }
+    if (node.outsideSince < parent.outsideSince) {
+        parent.outsideSince = node.outsideSince;
+        parent.outsidePoints = node.outsidePoints;
+    }
+}
+
+void useScope(Parse& parse, const Definition& definition) {
+    if (definition.leavesCount >= 0 && showsLatestChild(parse.container())) {
+        parse.job.coordinates = {definition.leavesCount, ++parse.job.clock};
+    }
+}
+
+} // namespace meshcast::tidy

@@ -1,0 +1,132 @@
+#include "tidy/tidy.h"
+
+#include "tidy/inflate.h"
+#include "tidy/parse.h"
+#include "tidy/preamble.h"
+#include "vrml/characters.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace meshcast::tidy {
+
+Source::Source(Job& sourceJob, std::string_view wholeFile, std::string_view scene,
+               const std::string& filePath, Source* parentSource)
+    : job(sourceJob), file(wholeFile), body(scene), path(filePath), parent(parentSource),
+      lines(wholeFile), mayStillCompare(16 * std::uint64_t(scene.size())) {
+    bracesMatch = [this, known = std::optional<bool>()]() mutable {
+        known = known ? *known : tidy::bracesMatch(body);
+        return *known;
+    };
+    onDropped = [this](const StringToken& name, const char* definition) {
+        Definition& known = names[name.value()];
+        // A node of what is dropped that has been written elsewhere is still there.
+        if (!known.isWritten || known.source != definition) {
+            known = {};
+            known.source = definition;
+        }
+    };
+}
+
+bool Source::isTaken(std::string_view name) const {
+    return names.find(name) != names.end() || (parent != nullptr && parent->isTaken(name));
+}
+
+std::string Source::nameToWrite(const std::string& name) const {
+    if (parent == nullptr || !parent->isTaken(name)) {
+        return {};
+    }
+    if (const auto known = names.find(name); known != names.end() && known->second.isWritten) {
+        return known->second.writtenName;
+    }
+    std::string written = name;
+    std::replace_if(
+        written.begin(), written.end(), [](char c) { return !isNameCharacter(c); }, '_');
+    written.append("_").append(std::to_string(job.inlinedScenes));
+    while (isTaken(written)) {
+        written += '_';
+    }
+    return written;
+}
+
+Parse::Parse(Source& parsedSource, std::string_view text, std::string_view editedText)
+    : source(parsedSource), job(parsedSource.job), lexer(text),
+      edits(editedText, parsedSource.job.store), at(text.data()) {
+    static const NodeClass kNoClass;
+    OpenNode node;
+    node.kind = OpenNode::Kind::kTop;
+    node.isInFields = false;
+    node.info = &kNoClass;
+    open.push_back(node);
+}
+
+namespace {
+
+/// Tells what the edits have to say, and counts the repairs.
+std::size_t report(const std::vector<Edit>& edits, Source& source, const Options& options) {
+    std::size_t repairs = 0;
+    std::size_t untold = 0;
+    for (const Edit& edit : edits) {
+        repairs += edit.isRepair ? 1 : 0;
+        untold += edit.isRepair && edit.message.empty() ? 1 : 0;
+        if (!edit.message.empty()) {
+            const std::size_t line = edit.line != 0 ? edit.line : source.lines.lineAt(edit.offset);
+            options.report(
+                {printable(edit.file == nullptr ? options.path : *edit.file), line, edit.message});
+        }
+    }
+    if (untold != 0) {
+        options.report({printable(options.path), source.lines.lineAt(source.file.size()),
+                        counted(untold, "more repair") + " not listed"});
+    }
+    return repairs;
+}
+
+} // namespace
+
+Result tidy(std::string bytes, const Options& options) {
+    Job job(options);
+    std::vector<std::string> repairs;
+    if (isCompressed(bytes)) {
+        repairs.emplace_back("inflated gzip-compressed data");
+        job.refusal = inflate(bytes, mostInflated(bytes.size()));
+    } else if (bytes.size() > kLargestScene) {
+        job.refusal = "is longer than " + std::to_string(kLargestScene) + " bytes";
+    }
+    Preamble preamble;
+    if (job.refusal.empty()) {
+        preamble = prepare(bytes);
+        job.refusal = preamble.refusal;
+    }
+    repairs.insert(repairs.end(), preamble.repairs.begin(), preamble.repairs.end());
+
+    const std::string_view text = bytes;
+    Source source(job, text, text.substr(preamble.headerSize), options.path, nullptr);
+    Parse parse(source, source.body, text);
+    const std::string header = preamble.hasHeader         ? ""
+                               : preamble.headerSize == 0 ? std::string(kHeader).append("\n")
+                                                          : std::string(kHeader);
+    for (const std::string& repair : repairs) {
+        parse.edits.insert(text.data(), "", repair);
+    }
+    if (!header.empty() && job.refusal.empty()) {
+        parse.edits.replace(text.data(), source.body.data(), header);
+    }
+    if (job.refusal.empty()) {
+        job.mayStillRepeat = kLargestGrowth * bytes.size();
+        job.openScenes.push_back(options.identity);
+        parseText(parse);
+    }
+    const std::vector<Edit> edits = parse.edits.finish();
+    Result result;
+    result.repairs = report(edits, source, options);
+    result.refusal = job.refusal;
+    if (result.refusal.empty()) {
+        const bool isEdited = std::any_of(edits.begin(), edits.end(),
+                                          [](const Edit& edit) { return edit.changesText(); });
+        result.text = isEdited ? applyEdits(text, edits) : std::move(bytes);
+    }
+    return result;
+}
+
+} // namespace meshcast::tidy

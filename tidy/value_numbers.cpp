@@ -1,0 +1,170 @@
+#include "tidy/numbers.h"
+#include "tidy/report.h"
+#include "tidy/skip.h"
+#include "tidy/value.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace meshcast::tidy {
+
+namespace {
+
+NumberKind kindOf(const ValueType& type) {
+    return type.kind == ValueType::Kind::kReal ? NumberKind::kReal : NumberKind::kInteger;
+}
+
+/// The end of one value's numbers as the reader takes them, or null.
+const char* endOfValue(Lexer& lexer, const char* p, NumberKind kind, int width) {
+    for (int i = 0; i < width; ++i) {
+        p += *p == ' ' ? 1 : 0;
+        const char* end = endOfNumber(p, kind);
+        if (end == nullptr) {
+            p = lexer.skipSpace(p);
+            end = p == lexer.end() ? nullptr : endOfNumber(p, kind);
+            if (end == nullptr) {
+                return nullptr;
+            }
+        }
+        p = end;
+        if (*p == '#' && isPrintedNonNumber(p, lexer.end())) {
+            return nullptr;
+        }
+    }
+    return p;
+}
+
+/// Passes over a list as the reader takes it, which is what nearly every byte of a scene is.
+PassedValue passList(Lexer& lexer, const char* p, NumberKind kind, int width) {
+    std::size_t count = 0;
+    p = lexer.skipSpace(p + 1);
+    for (; *p != ']'; ++count) {
+        p = endOfValue(lexer, p, kind, width);
+        if (p == nullptr) {
+            return {};
+        }
+        p = lexer.skipSpace(p);
+        if (*p == ',') {
+            p = lexer.skipSpace(p + 1);
+        } else if (*p != ']') {
+            return {};
+        }
+    }
+    return p == lexer.end() ? PassedValue{} : PassedValue{p + 1, count};
+}
+
+struct NumberWord {
+    std::string_view text;
+    bool isGlued; ///< To the word before, by nothing but a comma.
+};
+
+/// The words of numbers from `p` on, and where they end. Words beyond the first forty are passed
+/// over: they make no single value.
+const char* gatherWords(Lexer& lexer, const char* p, std::vector<NumberWord>& words) {
+    constexpr std::size_t kMostWords = 40;
+    const char* end = p;
+    for (const char* comma = nullptr;;) {
+        p = lexer.skipSpace(p);
+        if (lexer.at(p) == ',') {
+            comma = p++;
+        } else if (beginsNumber(lexer, p)) {
+            const std::string_view word = lexer.word(p);
+            if (words.size() < kMostWords) {
+                words.push_back({word, !words.empty() && comma == end && end + 1 == p});
+            }
+            p += word.size();
+            end = p;
+            comma = nullptr;
+        } else {
+            return end;
+        }
+    }
+}
+
+/// Joins words at the commas between them: there are too many for these to separate numbers, so
+/// they are decimal commas.
+std::vector<NumberWord> joinedAtCommas(const std::vector<NumberWord>& words) {
+    std::vector<NumberWord> joined;
+    for (const NumberWord& word : words) {
+        if (word.isGlued && joined.back().text.find(',') == std::string_view::npos) {
+            std::string_view& text = joined.back().text;
+            text = between(text.data(), word.text.data() + word.text.size());
+        } else {
+            joined.push_back(word);
+        }
+    }
+    return joined;
+}
+
+/// One value that is written with commas, in brackets or in words that the reader does not take.
+/// Of lists only a bare value with decimal commas.
+PassedValue mendSingle(const ValuePlace& place, const char* first) {
+    Lexer& lexer = place.lexer;
+    const ValueType& type = place.type();
+    const std::size_t width = type.width;
+    const bool inBrackets = lexer.at(first) == '[';
+    std::vector<NumberWord> words;
+    const char* end = gatherWords(lexer, first + (inBrackets ? 1 : 0), words);
+    if (!inBrackets && words.size() > width) {
+        std::vector<NumberWord> joined = joinedAtCommas(words);
+        if (type.isList && joined.size() != width) {
+            return {};
+        }
+        if (joined.size() >= width) {
+            words = std::move(joined);
+        }
+    } else if (type.isList) {
+        return {};
+    }
+    if (words.size() < width) {
+        return {};
+    }
+    std::string meant;
+    std::string_view none;
+    for (std::size_t i = 0; i < width; ++i) {
+        const MendedNumber mended = mendNumber(words[i].text, kindOf(type));
+        none = mended.how == MendedNumber::How::kNone ? words[i].text : none;
+        meant += i == 0 ? "" : " ";
+        meant += mended.how == MendedNumber::How::kAsIs ? words[i].text : mended.text;
+    }
+    if (inBrackets) {
+        end = skipToBracket(lexer, end);
+    } else if (words.size() > width) {
+        end = words[width - 1].text.data() + words[width - 1].text.size();
+    }
+    const std::string field = " in " + quoted(place.field.name);
+    if (!none.empty()) {
+        place.edits.replace(first, end, meant, "put 0 for " + quoted(none) + field);
+    } else if (inBrackets) {
+        place.edits.replace(first, end, meant, "kept the first value" + field);
+    } else if (meant != between(first, end)) {
+        rewrite(place, first, end, meant);
+    }
+    return {end};
+}
+
+} // namespace
+
+PassedValue passNumbers(const ValuePlace& place, const char* p) {
+    const ValueType& type = place.type();
+    const bool isList = type.isList && *p == '[';
+    if (isList) {
+        if (const PassedValue list = passList(place.lexer, p, kindOf(type), type.width)) {
+            return list;
+        }
+    } else {
+        const char* const end = endOfValue(place.lexer, p, kindOf(type), type.width);
+        if (end != nullptr && maySeparate(place, end)) {
+            return {end};
+        }
+        if (!type.isList || type.kind == ValueType::Kind::kReal) {
+            if (const PassedValue single = mendSingle(place, p)) {
+                return single;
+            }
+        }
+    }
+    return type.isList ? mendList(place, p) : PassedValue{};
+}
+
+} // namespace meshcast::tidy
