@@ -7,7 +7,7 @@
 #   scripts/setup.sh --portability  besides, cross compilers and an emulator for scripts/portability.py
 set -eu
 
-packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libcli11-dev
+packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libsodium-dev libcli11-dev
 nlohmann-json3-dev zlib1g-dev libgtest-dev libgmock-dev parallel groff-base python3"
 [ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then

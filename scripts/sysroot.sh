@@ -25,12 +25,12 @@ foreign_apt() {
         -o Dir::Etc::SourceList="$PWD/sources.list" -o Dir::Etc::SourceParts=/dev/null "$@"
 }
 foreign_apt update
-foreign_apt download libtirpc-dev libcli11-dev nlohmann-json3-dev libgtest-dev libgmock-dev googletest \
-    zlib1g-dev
+foreign_apt download libtirpc-dev libsodium-dev libcli11-dev nlohmann-json3-dev libgtest-dev \
+    libgmock-dev googletest zlib1g-dev
 for package in *.deb; do
     dpkg-deb -x "$package" "$sysroot"
 done
 # They lead nowhere without the libraries' own packages; the archives beside them serve.
-rm "$sysroot"/usr/lib/*/libtirpc.so "$sysroot"/usr/lib/*/libz.so
+rm "$sysroot"/usr/lib/*/libtirpc.so "$sysroot"/usr/lib/*/libz.so "$sysroot"/usr/lib/*/libsodium.so
 rm -r "$sysroot/packages"
 touch "$sysroot/complete"

@@ -167,13 +167,28 @@ void parseStray(Parse& parse) {
     }
 }
 
+namespace {
+
+/// Ends a comment that runs into the end. Carriage returns before a newline would be part of a line
+/// end the next time.
+void endComment(Parse& parse, std::string_view message) {
+    const char* const end = parse.lexer.end();
+    const char* last = end;
+    while (last != parse.lexer.begin() && last[-1] == '\r') {
+        --last;
+    }
+    parse.edits.replace(last, end, "\n", message);
+}
+
+} // namespace
+
 void parseEnd(Parse& parse) {
     Lexer& lexer = parse.lexer;
     const Source& source = parse.source;
     const char* const end = lexer.end();
     bool endsInComment = lexer.endsInComment();
     if (endsInComment && parse.open.size() > 1) {
-        parse.edits.insert(end, "\n");
+        endComment(parse, "");
         endsInComment = false;
     }
     std::size_t missing = 0;
@@ -203,7 +218,7 @@ void parseEnd(Parse& parse) {
     }
     // The reader looks for a first node to the end, and expects a newline after each comment.
     if (endsInComment && (parse.roots == 0 || source.parent != nullptr)) {
-        parse.edits.insert(end, "\n", source.parent == nullptr ? "ended the last comment" : "");
+        endComment(parse, source.parent == nullptr ? "ended the last comment" : "");
     }
 }
 

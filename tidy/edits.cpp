@@ -43,8 +43,12 @@ char EditList::lastBefore(const char* at) const {
 
 void EditList::replace(const char* first, const char* last, std::string_view replacement,
                        std::string_view message) {
-    const bool touches = !replacement.empty() && isNameCharacter(replacement.front()) &&
-                         isNameCharacter(lastBefore(first));
+    // A brace after a word would be part of it.
+    const char before = lastBefore(first);
+    const bool touches = !replacement.empty() &&
+                         (replacement.front() == '}'
+                              ? !isSpace(before)
+                              : isNameCharacter(replacement.front()) && isNameCharacter(before));
     std::string apart;
     if (touches) {
         apart.append(" ").append(replacement);
@@ -94,15 +98,21 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
     edits_.push_back(edit);
 }
 
-void EditList::note(const char* at, std::string_view message, std::size_t line) {
-    edits_.push_back({offsetOf(at), 0, {}, store_.keepMessage(message), nullptr, line, false});
+void EditList::note(const char* at, std::string_view message, std::uint32_t line) {
+    edits_.push_back({std::max(offsetOf(at), lastEnd()),
+                      0,
+                      {},
+                      store_.keepMessage(message),
+                      nullptr,
+                      line,
+                      false});
 }
 
 void EditList::quote(const char* at, std::vector<Edit> said) {
+    const std::size_t offset = std::max(offsetOf(at), lastEnd());
     for (Edit& edit : said) {
         if (edit.isRepair || !edit.message.empty()) {
-            edits_.push_back(
-                {offsetOf(at), 0, {}, edit.message, edit.file, edit.line, edit.isRepair});
+            edits_.push_back({offset, 0, {}, edit.message, edit.file, edit.line, edit.isRepair});
         }
     }
 }
@@ -113,7 +123,7 @@ void EditList::say(std::size_t index, std::string_view message) {
 }
 
 void EditList::insertAt(Mark mark, std::string_view text, std::string_view message,
-                        std::size_t line) {
+                        std::uint32_t line) {
     late_.push_back({mark.count,
                      {offsetOf(mark.at), 0, store_.keep(text), store_.keepMessage(message), nullptr,
                       line, !message.empty()}});
@@ -122,6 +132,7 @@ void EditList::insertAt(Mark mark, std::string_view text, std::string_view messa
 std::vector<Edit> EditList::takeSince(std::size_t count) {
     std::vector<Edit> taken(edits_.begin() + static_cast<std::ptrdiff_t>(count), edits_.end());
     edits_.resize(count, Edit{});
+    runEnd_ = taken.empty() ? runEnd_ : std::string_view::npos;
     return taken;
 }
 
@@ -134,20 +145,22 @@ std::vector<Edit> EditList::takeFrom(const char* at) {
 }
 
 std::vector<Edit> EditList::finish() {
-    std::stable_sort(late_.begin(), late_.end(),
-                     [](const Late& a, const Late& b) { return a.count < b.count; });
+    std::stable_sort(late_.begin(), late_.end(), [](const Late& a, const Late& b) {
+        return std::pair(a.count, a.edit.offset) < std::pair(b.count, b.edit.offset);
+    });
     std::vector<Edit> all;
     all.reserve(edits_.size() + late_.size());
     auto late = late_.begin();
-    for (std::size_t i = 0; i <= edits_.size(); ++i) {
+    for (std::size_t i = 0;; ++i) {
         for (; late != late_.end() && late->count == i; ++late) {
             all.push_back(late->edit);
         }
-        if (i < edits_.size()) {
-            all.push_back(edits_[i]);
+        if (edits_.empty()) {
+            break;
         }
+        all.push_back(edits_.front());
+        edits_.pop_front(); // Gives its memory back.
     }
-    edits_.clear();
     late_.clear();
     return all;
 }

@@ -19,7 +19,7 @@ struct Edit {
     std::string_view replacement;
     std::string_view message;          ///< What was done, or why nothing was.
     const std::string* file = nullptr; ///< Where the message belongs, if to another file.
-    std::size_t line = 0;              ///< The line of the message; 0: that of the offset.
+    std::uint32_t line = 0;            ///< The line of the message; 0: that of the offset.
     bool isRepair = false;             ///< Counts as a repair.
 
     bool changesText() const { return length != 0 || !replacement.empty(); }
@@ -67,7 +67,7 @@ public:
     /// after it stays apart.
     void drop(const char* first, const char* last, std::string_view message = {});
     /// Says something about a place that is left as it is.
-    void note(const char* at, std::string_view message, std::size_t line = 0);
+    void note(const char* at, std::string_view message, std::uint32_t line = 0);
     /// Takes over what the edits of another text have to say, as said about that text.
     void quote(const char* at, std::vector<Edit> said);
 
@@ -80,11 +80,12 @@ public:
     }
     /// Inserts a text where the mark was set.
     void insertAt(Mark mark, std::string_view text, std::string_view message = {},
-                  std::size_t line = 0);
+                  std::uint32_t line = 0);
     /// Takes back the edits made since `count` of them were there, or from a place on.
     std::vector<Edit> takeSince(std::size_t count);
     std::vector<Edit> takeFrom(const char* at);
     std::size_t size() const { return edits_.size(); }
+    const Edit& last() const { return edits_.back(); }
     std::string_view text() const { return text_; }
 
     /// All edits, in the order of their places. The list is empty then.

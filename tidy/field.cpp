@@ -89,11 +89,13 @@ bool parseField(Parse& parse, const Field& known) {
     }
     const char* const next = lexer.skipSpace(passed.end);
     parse.at = lexer.at(next) == '~' ? next + 1 : passed.end;
-    if (leavesPointsOpen(known, parse.owner(), value)) {
-        parse.edits.takeSince(count); // The number is written when the node ends.
+    const std::string_view meant =
+        parse.edits.size() == count ? between(value, passed.end) : parse.edits.last().replacement;
+    if (leavesPointsOpen(known, parse.owner(), meant)) {
+        parse.edits.takeFrom(first); // The number is written when the node ends.
         parse.edits.drop(first, parse.at);
     } else {
-        noteField(parse, known, value, passed);
+        noteField(parse, known, meant, passed.count);
     }
     if (parse.top().kind == Kind::kLeaf) {
         parse.top().fieldsEnd = parse.edits.mark(parse.at);

@@ -39,7 +39,7 @@ void locate(Source& source, std::vector<Edit>& edits) {
 void replaceInline(Parse& parse, const OpenNode& node) {
     Job& job = parse.job;
     const std::string name = parse.leaf.inlineName;
-    const std::size_t line = parse.source.lineOf(node.classBegin);
+    const std::uint32_t line = parse.source.lineOf(node.classBegin);
     const std::string shown = "WWWInline " + quoted(name);
     const auto leave = [&](const std::string& why) {
         parse.edits.note(parse.at, "left " + shown + " as it is: " + why, line);

@@ -122,9 +122,14 @@ std::string_view cutName(std::string_view name) {
 }
 
 std::string inQuotes(std::string_view word) {
-    const bool isNeeded = word.find_first_of("{}") != std::string_view::npos;
-    const bool isPossible = word.find('"') == std::string_view::npos && !word.ends_with('\\');
-    return isNeeded && isPossible ? std::string("\"").append(word).append("\"") : "";
+    if (word.find_first_of("{}") == std::string_view::npos || word.ends_with('\\')) {
+        return {};
+    }
+    std::string quotedWord = "\"";
+    for (const char c : word) {
+        quotedWord.append(c == '"' ? "\\\"" : std::string(1, c));
+    }
+    return quotedWord.append("\"");
 }
 
 bool isPrintedNonNumber(const char* hash, const char* end) {

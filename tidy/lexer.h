@@ -90,7 +90,7 @@ private:
 std::string_view cutName(std::string_view name);
 
 /// A word with braces in quotes, so that every program sees the braces as the reader does; empty
-/// for other words and for those that quotes would change.
+/// for other words and for those that end in a backslash, which no quote can follow.
 std::string inQuotes(std::string_view word);
 
 /// True where the `#` after a point begins INF, IND, QNAN or SNAN: how some C libraries print

@@ -69,8 +69,8 @@ struct Source {
     /// place, the names of the scenes around it are taken.
     std::string nameToWrite(const std::string& name) const;
     bool isTaken(std::string_view name) const;
-    std::size_t lineOf(const char* p) {
-        return lines.lineAt(static_cast<std::size_t>(p - file.data()));
+    std::uint32_t lineOf(const char* p) {
+        return static_cast<std::uint32_t>(lines.lineAt(static_cast<std::size_t>(p - file.data())));
     }
 
     Job& job;
@@ -203,9 +203,11 @@ void parseLateField(Parse& parse, const Field& known);
 void parseUnknownField(Parse& parse, std::string_view word);
 
 // points.cpp: coordinates in force, and point sets without a number of points.
-void noteField(Parse& parse, const Field& field, const char* first, const PassedValue& value);
+/// Remembers what is read from a field besides its place: the text of its value, mended, and the
+/// number of values.
+void noteField(Parse& parse, const Field& field, std::string_view value, std::size_t count);
 /// True for a number of points that stands for all that there are.
-bool leavesPointsOpen(const Field& field, const NodeClass& owner, const char* value);
+bool leavesPointsOpen(const Field& field, const NodeClass& owner, std::string_view value);
 void openScope(Parse& parse, OpenNode& node);
 void closeScope(Parse& parse, OpenNode& node, OpenNode& parent);
 void useScope(Parse& parse, const Definition& definition);

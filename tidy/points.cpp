@@ -39,32 +39,30 @@ void writePoints(Parse& parse, OpenNode& node) {
     node.outsideSince = inForce.since;
 }
 
+std::int32_t integerOf(std::string_view text) {
+    return scanInteger(std::string(text).c_str()).value;
+}
+
 } // namespace
 
-/// Remembers what is read from fields besides their place.
-void noteField(Parse& parse, const Field& field, const char* first, const PassedValue& value) {
-    OpenNode& node = parse.top();
+void noteField(Parse& parse, const Field& field, std::string_view value, std::size_t count) {
     const NodeClass& owner = parse.owner();
     LeafFields& leaf = parse.leaf;
     if (owner.isInline && field.name == "name") {
-        const char* const text = parse.lexer.skipSpace(first + (*first == '[' ? 1 : 0));
-        leaf.inlineName = parse.lexer.string(text).value();
-        const bool isTwice = leaf.inlineName.empty() && value.end - first > 4;
-        leaf.inlineName =
-            isTwice ? std::string(between(first + 2, value.end - 2)) : leaf.inlineName;
+        leaf.inlineName = StringToken{value, value.starts_with('"'), true}.value();
     } else if (owner.setsCoordinates && field.name == "point") {
-        leaf.pointCount = static_cast<std::int64_t>(value.count);
+        leaf.pointCount = static_cast<std::int64_t>(count);
     } else if (owner.drawsPoints && field.name == "startIndex") {
-        leaf.startIndex = scanInteger(first).value;
+        leaf.startIndex = integerOf(value);
     } else if (owner.drawsPoints && field.name == "numPoints") {
         leaf.hasNumPoints = true;
     } else if (owner.picksChild && field.name == "whichChild") {
-        node.whichChild = scanInteger(first).value;
+        parse.top().whichChild = integerOf(value);
     }
 }
 
-bool leavesPointsOpen(const Field& field, const NodeClass& owner, const char* value) {
-    return owner.drawsPoints && field.name == "numPoints" && scanInteger(value).value < 0;
+bool leavesPointsOpen(const Field& field, const NodeClass& owner, std::string_view value) {
+    return owner.drawsPoints && field.name == "numPoints" && integerOf(value) < 0;
 }
 
 void openScope(Parse& parse, OpenNode& node) {
@@ -83,13 +81,11 @@ void closeScope(Parse& parse, OpenNode& node, OpenNode& parent) {
     } else if (node.info->keepsItsState) {
         job.coordinates = node.before;
     }
-    if (!node.name.empty()) {
-        Definition& definition = parse.source.names[node.name];
-        if (definition.source == node.begin) {
-            definition.leavesCount =
-                job.coordinates.since > node.began ? job.coordinates.count : -1;
-            definition.pointsWritten = node.outsideSince < node.began ? node.outsidePoints : -1;
-        }
+    const auto named = parse.source.names.find(node.name);
+    if (named != parse.source.names.end() && named->second.source == node.begin) {
+        Definition& definition = named->second;
+        definition.leavesCount = job.coordinates.since > node.began ? job.coordinates.count : -1;
+        definition.pointsWritten = node.outsideSince < node.began ? node.outsidePoints : -1;
     }
     if (!showsLatestChild(parent)) {
         job.coordinates = node.before;

@@ -144,10 +144,9 @@ void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
         // What programs make of a line end that they turned into CRLF twice is one line end.
         const bool isPair = after != last && *after == '\n';
         const std::size_t kept = !isPair ? count : (areAlone ? count - 1 : 0);
-        const bool areLineEnds = areAlone || after == last;
-        to = std::fill_n(to, kept, areLineEnds ? '\n' : '\r');
+        to = std::fill_n(to, kept, areAlone ? '\n' : '\r');
         pairs += isPair ? 1 : 0;
-        alone += areLineEnds ? kept : 0;
+        alone += areAlone ? kept : 0;
         auto* next =
             static_cast<char*>(std::memchr(after, '\r', static_cast<std::size_t>(last - after)));
         next = next == nullptr ? last : next;

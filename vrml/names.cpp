@@ -1,6 +1,7 @@
 #include "vrml/names.h"
 
 #include "vrml/characters.h"
+#include "vrml/keyed_hash.h"
 
 #include <algorithm>
 #include <functional>
@@ -16,8 +17,8 @@ constexpr std::size_t kGrowth = 4;
 
 std::string_view viewOf(const NameEntry& entry) { return {entry.text, entry.length}; }
 
-/// The library's hash: for a simpler one it is easy to find any number of names of one hash.
-std::uint32_t hashOf(std::string_view text) {
+/// For the names that every scene shares. They are known, so nobody can make them collide.
+std::uint32_t sharedHashOf(std::string_view text) {
     return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
 }
 
@@ -31,6 +32,10 @@ bool isLegalInside(char c) {
 NameTable::NameTable(const NameTable* shared)
     : shared_(shared), slots_(std::make_unique<const NameEntry*[]>(kFirstSlots)),
       slotCount_(kFirstSlots) {}
+
+std::uint32_t NameTable::hashOf(std::string_view text) const {
+    return shared_ == nullptr ? sharedHashOf(text) : static_cast<std::uint32_t>(keyedHash(text));
+}
 
 /// The slot that holds the text, or the free one where it belongs.
 const NameEntry*& NameTable::slotOf(std::string_view text, std::uint32_t hash) const {
@@ -46,11 +51,12 @@ InternedName NameTable::intern(std::string_view text) {
     if (text.empty()) {
         return {};
     }
-    const std::uint32_t hash = hashOf(text);
-    const NameEntry* const shared = shared_ == nullptr ? nullptr : shared_->slotOf(text, hash);
-    if (shared != nullptr) {
-        return InternedName(*shared);
+    if (shared_ != nullptr) {
+        if (const NameEntry* const shared = shared_->slotOf(text, sharedHashOf(text))) {
+            return InternedName(*shared);
+        }
     }
+    const std::uint32_t hash = hashOf(text);
     const NameEntry*& slot = slotOf(text, hash);
     if (slot != nullptr) {
         return InternedName(*slot);

@@ -63,7 +63,9 @@ private:
 /// hand.
 class NameTable {
 public:
-    /// A table for the names that `shared` does not hold: the handles of those are its own.
+    /// A table for the names that `shared` does not hold: the handles of those are its own. Names
+    /// of a table without a shared one are those of the program itself; others may be chosen to
+    /// collide, and are hashed with a key.
     explicit NameTable(const NameTable* shared = nullptr);
 
     /// The handle of a text, valid as long as the table; the first use of a text copies it.
@@ -73,6 +75,7 @@ public:
     std::size_t size() const { return size_; }
 
 private:
+    std::uint32_t hashOf(std::string_view text) const;
     const NameEntry*& slotOf(std::string_view text, std::uint32_t hash) const;
     void grow();
 

@@ -1,8 +1,12 @@
 #include "tests/support/conversion.h"
 #include "vrml/catalogue.h"
+#include "vrml/keyed_hash.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <functional>
+#include <set>
 #include <string>
 
 namespace meshcast {
@@ -42,6 +46,39 @@ TEST(Names, CatalogueNamesAreTheSameForAllScenes) {
         EXPECT_FALSE(one.intern(text) == other.intern(text)) << text;
         EXPECT_GT(one.intern(text).number(), catalogueName("wrapT").number()) << text;
     }
+}
+
+/// A name of sixteen bytes whose std::hash is the same for every `number`, by inverting what the
+/// library does with the second half (MurmurHash64A).
+std::string collidingName(std::uint64_t number) {
+    constexpr std::uint64_t kMultiplier = 0xc6a4a7935bd1e995;
+    constexpr std::uint64_t kInverse = 0x5f7a0ea7e59b19bd;
+    constexpr std::uint64_t kSeed = 0xc70f6907;
+    static_assert(kMultiplier * kInverse == 1);
+    const auto mix = [](std::uint64_t value) { return value ^ (value >> 47); };
+    const std::uint64_t first = 0x6161616161616161 + number;
+    const std::uint64_t half =
+        ((kSeed ^ (16 * kMultiplier)) ^ (mix(first * kMultiplier) * kMultiplier)) * kMultiplier;
+    const std::uint64_t second = mix((half ^ 1) * kInverse) * kInverse;
+    std::string name(16, '\0');
+    std::memcpy(name.data(), &first, 8);
+    std::memcpy(name.data() + 8, &second, 8);
+    return name;
+}
+
+TEST(Names, NamesChosenToCollideDoNot) {
+    if (sizeof(std::size_t) != 8) {
+        GTEST_SKIP() << "the names are made for the library of 64-bit machines";
+    }
+    std::set<std::size_t> plain;
+    std::set<std::uint32_t> keyed;
+    for (std::uint64_t i = 0; i < 1000; ++i) {
+        const std::string name = collidingName(i);
+        plain.insert(std::hash<std::string_view>()(name));
+        keyed.insert(static_cast<std::uint32_t>(keyedHash(name)));
+    }
+    ASSERT_EQ(plain.size(), 1U);
+    EXPECT_GT(keyed.size(), 990U);
 }
 
 TEST(Names, NodeNamesAreMadeLegal) {
