@@ -3,8 +3,8 @@
 
 Builds it with GCC and Clang, without and with optimisation, and for two machines that QEMU emulates:
 s390x, big-endian with 64 bits, and i386 with 32. Each build converts every scene of examples/ and
-tests/scenes/, and of the folders named, to version 10 and to version 7, with and without verification.
-What comes out is compared with that of the first build. Prints a line a build, with the first scenes
+tests/scenes/, and of the folders named, to version 10 and to version 7, with and without verification,
+and repairs every one, and those of tests/scenes/tidy/. What comes out is compared with that of the first build. Prints a line a build, with the first scenes
 that differ; ends with status 1 when one does.
 """
 
@@ -40,6 +40,7 @@ EMULATORS = {
     "i386": ["qemu-i386", "-L", "/usr/i686-linux-gnu"],
 }
 WAYS = list(product(({}, {"KRA_GEOM_WRITE_V2": ""}), ({}, {"KRA_GEOM_VERIFY": ""})))
+FILTER, TIDIER = "driver/meshcast", "tools/vrmltidy/vrmltidy"
 MOST_SHOWN = 5
 SECONDS_PER_SCENE = 300
 
@@ -64,7 +65,7 @@ def build(name, arguments, tests):
     wanted = "ON" if tests else "OFF"
     # Warnings are no errors here: GCC 12 warns wrongly of its own library on s390x.
     quietly("cmake", "-S", ROOT, "-B", directory, "-G", "Ninja", "-DMESHCAST_WERROR=OFF",
-            f"-DMESHCAST_BUILD_TESTS={wanted}", f"-DMESHCAST_BUILD_TOOLS={wanted}", *arguments)
+            f"-DMESHCAST_BUILD_TESTS={wanted}", "-DMESHCAST_BUILD_TOOLS=ON", *arguments)
     quietly("cmake", "--build", directory, "--parallel", str(os.cpu_count()))
     return directory
 
@@ -80,7 +81,9 @@ def convert(command, scene, way):
     return run.stdout, run.stderr, run.returncode
 
 
-def described(scene, way):
+def described(program, scene, way):
+    if program == TIDIER:
+        return f"{scene} (repaired)"
     version = "version 7" if way[0] else "version 10"
     return f"{scene} ({version}{', verified' if way[1] else ''})"
 
@@ -94,7 +97,10 @@ def main():
 
     quietly("scripts/setup.sh", "--portability")
     folders = [ROOT / "examples", ROOT / "tests" / "scenes", *options.folders]
-    runs = list(product((s for folder in folders for s in sorted(folder.glob("*.wrl"))), WAYS))
+    scenes = [s for folder in folders for s in sorted(folder.glob("*.wrl"))]
+    dirty = sorted((ROOT / "tests" / "scenes" / "tidy").glob("*.wrl"))
+    runs = [(FILTER, *run) for run in product(scenes, WAYS)]
+    runs += [(TIDIER, scene, ({}, {})) for scene in scenes + dirty]
 
     expected = None
     failed = False
@@ -103,13 +109,14 @@ def main():
             quietly("scripts/sysroot.sh", name)
         tests = options.tests and name in FOREIGN
         directory = build(name, arguments, tests)
-        command = [*EMULATORS.get(name, []), directory / "driver" / "meshcast"]
+        emulator = EMULATORS.get(name, [])
         with ThreadPoolExecutor(os.cpu_count()) as pool:
-            results = list(pool.map(lambda run: convert(command, *run), runs))
+            results = list(pool.map(
+                lambda run: convert([*emulator, directory / run[0]], *run[1:]), runs))
         expected = expected or results
         differing = [run for run, result, wanted in zip(runs, results, expected) if result != wanted]
         failed |= bool(differing)
-        print(f"{name:10} {len(runs)} conversions, {len(differing)} differ", flush=True)
+        print(f"{name:10} {len(runs)} runs, {len(differing)} differ", flush=True)
         for run in differing[:MOST_SHOWN]:
             print(f"{'':10} {described(*run)}", flush=True)
         if tests:

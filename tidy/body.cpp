@@ -191,19 +191,19 @@ void parseEnd(Parse& parse) {
         endComment(parse, "");
         endsInComment = false;
     }
-    std::size_t missing = 0;
-    const std::size_t first = parse.edits.size();
+    const auto missing =
+        std::count_if(parse.open.begin() + 1, parse.open.end(),
+                      [](const OpenNode& node) { return node.kind != Kind::kClosedLeaf; });
+    std::string message =
+        "added " + counted(static_cast<std::size_t>(missing), "missing closing brace");
     while (parse.open.size() > 1 && parse.job.refusal.empty()) {
         if (parse.top().kind == Kind::kClosedLeaf) {
             parse.open.pop_back();
             continue;
         }
-        parse.edits.insert(end, " }");
-        ++missing;
+        parse.edits.insert(end, " }", message);
+        message.clear();
         closeNode(parse);
-    }
-    if (missing != 0) {
-        parse.edits.say(first, "added " + counted(missing, "missing closing brace"));
     }
     parse.isFinished = true;
     const bool isWrapped = source.parent == nullptr && !parse.isPart && parse.roots > 1;

@@ -84,9 +84,9 @@ void mendDefinition(Parse& parse, Beginning beginning, const StringToken& name) 
     const bool isClass = findClassInAnyCase(name.text) != nullptr;
     const bool isName = name.isClosed && !name.inner().empty();
     if (lexer.at(next) == '{' && !isClass && isName) {
-        const std::size_t count = parse.edits.size();
+        const std::size_t count = parse.edits.edits().size();
         writeName(parse, beginning, name);
-        const bool isWritten = parse.edits.size() != count;
+        const bool isWritten = parse.edits.edits().size() != count;
         parse.edits.insert(end, isWritten && end != next ? "Group" : " Group ",
                            "put \"Group\" after the name " + quoted(name.text));
         parse.at = next;
@@ -118,7 +118,7 @@ bool restore(Parse& parse, const char* use, const char* useEnd, std::string_view
     const std::string_view className = whole.name(classBegin);
     const char* const brace = whole.skipSpace(classBegin + className.size());
     if (findClassInAnyCase(className) == nullptr || whole.at(brace) != '{' ||
-        job.restoring == kDeepestInline) {
+        job.restoring == kDeepestRestoring) {
         return false;
     }
     const std::string_view part = between(definition, skipBody(whole, brace));
@@ -135,11 +135,9 @@ bool restore(Parse& parse, const char* use, const char* useEnd, std::string_view
         return true;
     }
     std::vector<Edit> edits = restored.edits.finish();
-    const std::size_t length = editedLength(part, edits);
-    if (length > job.mayStillRepeat) {
-        return false;
-    }
-    job.mayStillRepeat -= length;
+    // The definitions in it count as written, so it is kept even if it passes the bound: those
+    // after it are not.
+    job.mayStillRepeat -= std::min<std::uint64_t>(job.mayStillRepeat, editedLength(part, edits));
     for (Edit& edit : edits) {
         edit.line = edit.line != 0 ? edit.line : parse.source.lineOf(part.data() + edit.offset);
     }
@@ -169,7 +167,7 @@ std::string_view writtenName(Source& source, const StringToken& token) {
 } // namespace
 
 Beginning beginHere(Parse& parse) {
-    return {parse.at, parse.edits.size(), parse.edits.mark(parse.at), {}, {}};
+    return {parse.at, parse.edits.edits().size(), parse.edits.mark(parse.at), {}, {}};
 }
 
 /// Takes DEF, its name, and the node after it as far as its opening brace.

@@ -98,16 +98,6 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
     edits_.push_back(edit);
 }
 
-void EditList::note(const char* at, std::string_view message, std::uint32_t line) {
-    edits_.push_back({std::max(offsetOf(at), lastEnd()),
-                      0,
-                      {},
-                      store_.keepMessage(message),
-                      nullptr,
-                      line,
-                      false});
-}
-
 void EditList::quote(const char* at, std::vector<Edit> said) {
     const std::size_t offset = std::max(offsetOf(at), lastEnd());
     for (Edit& edit : said) {
@@ -115,11 +105,6 @@ void EditList::quote(const char* at, std::vector<Edit> said) {
             edits_.push_back({offset, 0, {}, edit.message, edit.file, edit.line, edit.isRepair});
         }
     }
-}
-
-void EditList::say(std::size_t index, std::string_view message) {
-    edits_[index].message = store_.keepMessage(message);
-    edits_[index].isRepair = true;
 }
 
 void EditList::insertAt(Mark mark, std::string_view text, std::string_view message,
@@ -134,14 +119,6 @@ std::vector<Edit> EditList::takeSince(std::size_t count) {
     edits_.resize(count, Edit{});
     runEnd_ = taken.empty() ? runEnd_ : std::string_view::npos;
     return taken;
-}
-
-std::vector<Edit> EditList::takeFrom(const char* at) {
-    std::size_t count = edits_.size();
-    while (count != 0 && edits_[count - 1].offset >= offsetOf(at)) {
-        --count;
-    }
-    return takeSince(count);
 }
 
 std::vector<Edit> EditList::finish() {
@@ -163,6 +140,12 @@ std::vector<Edit> EditList::finish() {
     }
     late_.clear();
     return all;
+}
+
+Edit remark(std::string_view message, std::uint32_t line) {
+    Edit edit{0, 0, {}, message};
+    edit.line = line;
+    return edit;
 }
 
 std::size_t editedLength(std::string_view text, const std::vector<Edit>& edits) {

@@ -66,13 +66,8 @@ public:
     /// Removes [first, last), and the line if nothing else stands on it; what stands before and
     /// after it stays apart.
     void drop(const char* first, const char* last, std::string_view message = {});
-    /// Says something about a place that is left as it is.
-    void note(const char* at, std::string_view message, std::uint32_t line = 0);
-    /// Takes over what the edits of another text have to say, as said about that text.
+    /// Says what the edits of another text have to say, or remarks.
     void quote(const char* at, std::vector<Edit> said);
-
-    /// Gives an edit without a message one.
-    void say(std::size_t index, std::string_view message);
 
     /// A mark at a place, or at the end of the last edit if that lies after it.
     Mark mark(const char* at) const {
@@ -81,12 +76,10 @@ public:
     /// Inserts a text where the mark was set.
     void insertAt(Mark mark, std::string_view text, std::string_view message = {},
                   std::uint32_t line = 0);
-    /// Takes back the edits made since `count` of them were there, or from a place on.
+    /// Takes back the edits made since `count` of them were there.
     std::vector<Edit> takeSince(std::size_t count);
-    std::vector<Edit> takeFrom(const char* at);
-    std::size_t size() const { return edits_.size(); }
-    const Edit& last() const { return edits_.back(); }
-    std::string_view text() const { return text_; }
+    /// The edits so far, apart from those at marks.
+    const std::deque<Edit>& edits() const { return edits_; }
 
     /// All edits, in the order of their places. The list is empty then.
     std::vector<Edit> finish();
@@ -113,6 +106,9 @@ private:
     std::size_t runBlanks_ = 0;
     std::size_t runEnd_ = std::string_view::npos;
 };
+
+/// Something to say about a place that is left as it is.
+Edit remark(std::string_view message, std::uint32_t line);
 
 /// The length of a text after edits in the order of their places.
 std::size_t editedLength(std::string_view text, const std::vector<Edit>& edits);

@@ -75,7 +75,7 @@ bool parseField(Parse& parse, const Field& known) {
         parse.at = value + 1;
         return true;
     }
-    const std::size_t count = parse.edits.size();
+    const std::size_t count = parse.edits.edits().size();
     const ValuePlace place{lexer, parse.edits, parse.owner(), known, parse.source.bracesMatch};
     const PassedValue passed = passValue(place, value);
     if (!passed) {
@@ -89,10 +89,11 @@ bool parseField(Parse& parse, const Field& known) {
     }
     const char* const next = lexer.skipSpace(passed.end);
     parse.at = lexer.at(next) == '~' ? next + 1 : passed.end;
-    const std::string_view meant =
-        parse.edits.size() == count ? between(value, passed.end) : parse.edits.last().replacement;
+    const std::string_view meant = parse.edits.edits().size() == count
+                                       ? between(value, passed.end)
+                                       : parse.edits.edits().back().replacement;
     if (leavesPointsOpen(known, parse.owner(), meant)) {
-        parse.edits.takeFrom(first); // The number is written when the node ends.
+        takeEditsFrom(parse, first); // The number is written when the node ends.
         parse.edits.drop(first, parse.at);
     } else {
         noteField(parse, known, meant, passed.count);
@@ -106,15 +107,15 @@ bool parseField(Parse& parse, const Field& known) {
 /// A group's field after its children, where the reader takes it for a node: moved to the others.
 void parseLateField(Parse& parse, const Field& known) {
     const char* const first = parse.at;
-    const std::size_t count = parse.edits.size();
+    const std::size_t count = parse.edits.edits().size();
     if (!parseField(parse, known)) {
         return;
     }
     std::vector<Edit> edits = parse.edits.takeSince(count);
-    const auto offset = static_cast<std::size_t>(first - parse.edits.text().data());
+    const auto offset = static_cast<std::size_t>(first - parse.edited.data());
     const std::string_view text = between(first, parse.at);
     for (Edit& edit : edits) {
-        edit.line = parse.source.lineOf(parse.edits.text().data() + edit.offset);
+        edit.line = parse.source.lineOf(parse.edited.data() + edit.offset);
         edit.offset -= offset;
     }
     std::string moved(1, ' ');
@@ -130,7 +131,7 @@ void parseUnknownField(Parse& parse, std::string_view word) {
     const bool isLeaf = parse.top().kind == Kind::kLeaf;
     const Field* const meant = parse.owner().fieldInAnyCase(word);
     if (meant != nullptr && (isLeaf || parse.top().isInFields)) {
-        const std::size_t count = parse.edits.size();
+        const std::size_t count = parse.edits.edits().size();
         parse.edits.replace(first, first + word.size(), meant->name,
                             "wrote " + quoted(word) + " as " + meant->name);
         if (!parseField(parse, *meant)) {

@@ -42,7 +42,8 @@ void replaceInline(Parse& parse, const OpenNode& node) {
     const std::uint32_t line = parse.source.lineOf(node.classBegin);
     const std::string shown = "WWWInline " + quoted(name);
     const auto leave = [&](const std::string& why) {
-        parse.edits.note(parse.at, "left " + shown + " as it is: " + why, line);
+        const std::string message = "left " + shown + " as it is: " + why;
+        parse.edits.quote(parse.at, {remark(job.store.keepMessage(message), line)});
     };
     if (name.empty()) {
         return;
@@ -103,11 +104,12 @@ void replaceInline(Parse& parse, const OpenNode& node) {
     }
     job.bytesPut += length;
     locate(inner, edits);
-    std::vector<Edit> before = parse.edits.takeFrom(node.classBegin);
+    std::vector<Edit> before = takeEditsFrom(parse, node.classBegin);
     parse.edits.replace(node.classBegin, parse.at,
                         job.store.take("Separator { " + applyEdits(body, edits) + " }"));
     parse.edits.quote(parse.at, std::move(before));
-    parse.edits.note(parse.at, "put " + printable(scene->path) + " in the place of " + shown, line);
+    const std::string put = "put " + printable(scene->path) + " in the place of " + shown;
+    parse.edits.quote(parse.at, {remark(job.store.keepMessage(put), line)});
     parse.edits.quote(parse.at, std::move(edits));
 }
 

@@ -113,8 +113,8 @@ StringToken Lexer::stringBeforeBrace(const char* p) {
     return {between(p, last), false, true};
 }
 
-StringToken Lexer::quotedOrWord(const char* p) {
-    return at(p) == '"' ? string(p) : StringToken{word(p), false, true};
+StringToken quotedOrWord(Lexer& lexer, const char* p) {
+    return lexer.at(p) == '"' ? lexer.string(p) : StringToken{lexer.word(p), false, true};
 }
 
 std::string_view cutName(std::string_view name) {

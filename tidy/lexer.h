@@ -59,8 +59,6 @@ public:
     StringToken string(const char* p);
     /// The string at `p`, where a word also ends before a brace.
     StringToken stringBeforeBrace(const char* p);
-    /// The string in quotes at `p`, or else the word.
-    StringToken quotedOrWord(const char* p);
 
 private:
     const char* skipLongSpace(const char* p);
@@ -85,6 +83,9 @@ private:
     Remembered brace_; ///< The next white space or brace.
     bool endsInComment_ = false;
 };
+
+/// The string in quotes at `p`, or else the word.
+StringToken quotedOrWord(Lexer& lexer, const char* p);
 
 /// Names are compared up to the length at which the reader cuts them.
 std::string_view cutName(std::string_view name);

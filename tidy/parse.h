@@ -135,6 +135,7 @@ struct Parse {
 
     Source& source;
     Job& job;
+    std::string_view edited; ///< What the offsets of edits count in.
     Lexer lexer;
     EditList edits;
     const char* at;
@@ -157,6 +158,9 @@ struct Beginning {
     std::string name; ///< Given by DEF.
     std::string writtenName;
 };
+
+/// Takes back the edits of the text from a place on.
+std::vector<Edit> takeEditsFrom(Parse& parse, const char* at);
 
 /// Goes through the text, and leaves its edits in `parse.edits` or a refusal in the job.
 void parseText(Parse& parse);

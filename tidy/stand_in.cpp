@@ -31,7 +31,7 @@ const NodeClass* firstKnown(Lexer& lexer, const char* p) {
     for (int i = 0; i < kMostNames; ++i) {
         p = lexer.skipSpace(p);
         p = lexer.at(p) == ',' ? lexer.skipSpace(p + 1) : p;
-        const StringToken token = lexer.quotedOrWord(p);
+        const StringToken token = quotedOrWord(lexer, p);
         if (token.inner().empty()) {
             return nullptr;
         }

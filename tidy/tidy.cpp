@@ -50,7 +50,7 @@ std::string Source::nameToWrite(const std::string& name) const {
 }
 
 Parse::Parse(Source& parsedSource, std::string_view text, std::string_view editedText)
-    : source(parsedSource), job(parsedSource.job), lexer(text),
+    : source(parsedSource), job(parsedSource.job), edited(editedText), lexer(text),
       edits(editedText, parsedSource.job.store), at(text.data()) {
     static const NodeClass kNoClass;
     OpenNode node;
@@ -58,6 +58,16 @@ Parse::Parse(Source& parsedSource, std::string_view text, std::string_view edite
     node.isInFields = false;
     node.info = &kNoClass;
     open.push_back(node);
+}
+
+std::vector<Edit> takeEditsFrom(Parse& parse, const char* at) {
+    const auto offset = static_cast<std::size_t>(at - parse.edited.data());
+    const auto& edits = parse.edits.edits();
+    std::size_t count = edits.size();
+    while (count != 0 && edits[count - 1].offset >= offset) {
+        --count;
+    }
+    return parse.edits.takeSince(count);
 }
 
 namespace {

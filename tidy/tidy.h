@@ -70,8 +70,10 @@ inline constexpr std::uint64_t kLargestGrowth = 4;
 inline constexpr std::uint64_t kMostInlinedBytes = std::uint64_t(1) << 30;
 /// WWWInline nodes that are looked at; those after them stay.
 inline constexpr std::size_t kMostInlines = 10'000;
-/// Scenes may name one another, and dropped definitions use one another, to this depth.
+/// Scenes may name one another, and definitions that are written once more use one another, to this
+/// depth.
 inline constexpr std::size_t kDeepestInline = 64;
+inline constexpr std::size_t kDeepestRestoring = 16;
 
 /// Repairs the bytes of a file, which may be gzip-compressed.
 Result tidy(std::string bytes, const Options& options);

@@ -1,9 +1,8 @@
+#include "tidy/list_items.h"
 #include "tidy/numbers.h"
 #include "tidy/report.h"
-#include "tidy/skip.h"
 #include "tidy/value.h"
 
-#include <algorithm>
 #include <string>
 
 // A list that the reader does not take is gone through twice: first to see how its numbers are
@@ -13,127 +12,6 @@
 namespace meshcast::tidy {
 
 namespace {
-
-struct Item {
-    enum class Kind { kNumber, kComma, kStray, kClose, kEnd };
-    const char* end() const { return text.data() + text.size(); }
-
-    Kind kind;
-    std::string_view text;
-    bool isSound = false; ///< A number as the reader takes it.
-};
-
-/// Cuts the text of a list into numbers, commas and what does not belong there.
-class Items {
-public:
-    Items(Lexer& lexer, const char* first, NumberKind kind, bool inBrackets)
-        : lexer_(lexer), at_(first), end_(first), kind_(kind), inBrackets_(inBrackets) {}
-
-    Item next();
-    /// The end of the last item that was taken.
-    const char* end() const { return end_; }
-
-private:
-    bool isClosedLater();
-    bool isNumber();
-    Item take(Item::Kind kind, std::size_t size, bool isSound = false) {
-        const Item item{kind, {at_, size}, isSound};
-        at_ += size;
-        end_ = size == 0 ? end_ : at_;
-        return item;
-    }
-
-    Lexer& lexer_;
-    const char* at_;
-    const char* end_;
-    NumberKind kind_;
-    bool inBrackets_;
-    int depth_ = 0;
-    const char* closedAt_ = nullptr; ///< What isClosedLater has found.
-    bool isClosed_ = false;
-};
-
-/// True when a bracket closes the list before any brace or another list.
-bool Items::isClosedLater() {
-    if (closedAt_ == nullptr || closedAt_ < at_) {
-        const char* p = lexer_.skipSpace(at_);
-        while (std::string_view("][{}").find(lexer_.at(p)) == std::string_view::npos &&
-               p != lexer_.end()) {
-            p = lexer_.skipSpace(skipToken(lexer_, p));
-        }
-        isClosed_ = lexer_.at(p) == ']';
-        closedAt_ = p;
-    }
-    return isClosed_;
-}
-
-bool Items::isNumber() {
-    // A word stands for a number unless the list's bracket is missing before it.
-    return beginsNumber(lexer_, at_) ||
-           (inBrackets_ && (!isNameStart(lexer_.at(at_)) || isClosedLater()));
-}
-
-Item Items::next() {
-    at_ = lexer_.skipSpace(at_);
-    const char c = lexer_.at(at_);
-    if (at_ == lexer_.end() || c == '}') {
-        return take(Item::Kind::kEnd, 0);
-    }
-    if (c == ',' || c == ';') {
-        return take(Item::Kind::kComma, 1);
-    }
-    // Nearly all that lists hold.
-    const char* const end = endOfNumber(at_, kind_);
-    if (end != nullptr && std::string_view(" \t\n\v\f\r,]").find(*end) != std::string_view::npos) {
-        return take(Item::Kind::kNumber, static_cast<std::size_t>(end - at_), true);
-    }
-    const std::size_t size = lexer_.word(at_).size();
-    if (inBrackets_ && c == ']' && depth_ == 0) {
-        return take(Item::Kind::kClose, 1);
-    }
-    if (inBrackets_ && size == 0) {
-        depth_ += c == '[' ? 1 : 0;
-        depth_ -= c == ']' ? 1 : 0;
-        return take(Item::Kind::kStray, static_cast<std::size_t>(skipToken(lexer_, at_) - at_));
-    }
-    return isNumber() ? take(Item::Kind::kNumber, size) : take(Item::Kind::kEnd, 0);
-}
-
-/// How a list's numbers are grouped by its commas. Groups without numbers do not count.
-struct Grouping {
-    void endGroup(std::size_t width) {
-        if (size != 0) {
-            ++groups;
-            lastSize = size;
-            largest = std::max(largest, size);
-            hasBroken = hasBroken || size % width != 0;
-        }
-        size = 0;
-    }
-
-    std::size_t numbers = 0;
-    std::size_t groups = 0;
-    std::size_t lastSize = 0;
-    std::size_t largest = 0;
-    bool hasBroken = false; ///< Some group makes no whole number of values.
-    std::size_t size = 0;   ///< Of the group at hand.
-};
-
-Grouping groupingOf(Items items, std::size_t width) {
-    Grouping grouping;
-    for (;;) {
-        const Item item = items.next();
-        if (item.kind == Item::Kind::kNumber) {
-            ++grouping.numbers;
-            ++grouping.size;
-        } else if (item.kind != Item::Kind::kStray) {
-            grouping.endGroup(width);
-            if (item.kind != Item::Kind::kComma) {
-                return grouping;
-            }
-        }
-    }
-}
 
 /// Things of one kind that were done to a list.
 struct Tally {

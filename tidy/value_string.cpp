@@ -67,7 +67,7 @@ PassedValue joinStrings(const ValuePlace& place, const char* first) {
             ++p;
             continue;
         }
-        const StringToken token = lexer.quotedOrWord(p);
+        const StringToken token = quotedOrWord(lexer, p);
         if (token.text.empty() || !token.isClosed || (!inBrackets && !token.isQuoted)) {
             break;
         }

@@ -153,7 +153,7 @@ PassedValue passBool(const ValuePlace& place, const char* p) {
         }
     }
     constexpr std::size_t kLongest = 64;
-    const StringToken token = lexer.quotedOrWord(p);
+    const StringToken token = quotedOrWord(lexer, p);
     const std::string meant =
         token.text.size() > kLongest ? "" : meantTruth(std::string(token.inner()));
     return meant.empty() ? PassedValue{} : rewrite(place, p, token.end(), meant);
@@ -167,7 +167,7 @@ PassedValue passEnum(const ValuePlace& place, const char* p) {
     }
     // In quotes, or in the brackets of a list or a mask, of which the first word is kept.
     const bool inBrackets = lexer.at(p) == '[' || lexer.at(p) == '(';
-    const StringToken token = lexer.quotedOrWord(inBrackets ? lexer.skipSpace(p + 1) : p);
+    const StringToken token = quotedOrWord(lexer, inBrackets ? lexer.skipSpace(p + 1) : p);
     const std::string_view meant = meantWord(place.type().words, token.inner());
     if (meant.empty()) {
         return {};
@@ -192,7 +192,7 @@ PassedValue passMask(const ValuePlace& place, const char* first) {
             isNext = true;
             continue;
         }
-        const StringToken token = lexer.quotedOrWord(p);
+        const StringToken token = quotedOrWord(lexer, p);
         if (token.text.empty() || !token.isClosed || !(isNext || inBrackets)) {
             break;
         }

@@ -107,7 +107,7 @@ TEST_F(Edits, WordsAndBracesStayApart) {
 TEST_F(Edits, WhatIsTakenBackIsGone) {
     use("a b c");
     made_->insert(at("a"), "1");
-    const std::size_t count = made_->size();
+    const std::size_t count = made_->edits().size();
     made_->insert(at("b"), "2", "told");
     made_->insert(at("c"), "3");
     const std::vector<Edit> taken = made_->takeSince(count);

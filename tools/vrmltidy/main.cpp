@@ -205,8 +205,14 @@ ExitStatus run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // Help and version come this way too, with status 0.
-        return app.exit(error) == 0 ? kConverted : kWrongUsage;
+        // Help and version come this way too, with status 0. Other texts repeat the arguments.
+        std::ostringstream message;
+        const bool isWrong = app.exit(error, std::cout, message) != 0;
+        std::istringstream lines(message.str());
+        for (std::string text; std::getline(lines, text);) {
+            std::cerr << tidy::printable(text) << '\n';
+        }
+        return isWrong ? kWrongUsage : kConverted;
     }
     return run(line);
 }
