@@ -24,15 +24,22 @@ struct FontRequest {
     auto operator<=>(const FontRequest&) const = default;
 };
 
+/// A font in a file, which may hold several.
+struct FontFile {
+    std::string path; ///< Empty: there is no font.
+    std::int32_t index = 0;
+};
+
 /// How much a model may hold. A scene of a few lines can ask for any amount, by nodes that use
 /// others twice, again and again. What exceeds a limit is left out, and noted.
 struct Limits {
     /// Nodes met in the walk, each as often as it is used: some seconds.
-    std::uint64_t nodes = 50'000'000;
-    /// Some 150 bytes each.
-    std::uint64_t instances = 2'000'000;
-    /// Triangles, lines and points of all geometries; a triangle takes up to 160 bytes.
-    std::uint64_t elements = 32'000'000;
+    std::uint64_t nodes = 100'000'000;
+    /// Instances of shapes that have been met before. Some 150 bytes each.
+    std::uint64_t repeatedInstances = 2'000'000;
+    /// Triangles, lines and points that the length of the scene does not bound: of texts, point
+    /// sets, solids, and of shapes that have been met before. A triangle takes up to 160 bytes.
+    std::uint64_t repeatedElements = 16'000'000;
     /// Of all images, decoded.
     std::uint64_t imagePixels = std::uint64_t(1) << 26;
     /// Of all image files.
@@ -52,8 +59,8 @@ struct EvaluateOptions {
     std::filesystem::path root;
     /// Around spheres, cones and cylinders; at least 3.
     std::uint32_t segments = 32;
-    /// The file of the font that fits best, empty when there is none. Null: what fontconfig says.
-    std::function<std::string(const FontRequest&)> findFont;
+    /// The font that fits best. Null: the one that fontconfig finds.
+    std::function<FontFile(const FontRequest&)> findFont;
     Limits limits;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,9 +10,9 @@
 // What a viewer shows of a scene: placed, coloured, textured. Plain records, for any number of
 // writers, that say nothing about the language the scene was written in.
 //
-// Units are metres and radians. Axes are right-handed with +Y up. Front faces turn counterclockwise.
-// Colours are linear light, 0 to 1 (evaluate/color.h converts them to the screen's sRGB). All
-// numbers are finite, all texts are UTF-8, all indices are in range.
+// Units are metres and radians. Axes are right-handed with +Y up. Front faces turn
+// counterclockwise. Colours are linear light, 0 to 1 (evaluate/color.h converts them to the
+// screen's sRGB). All numbers are finite, all texts are UTF-8, all indices are in range.
 
 namespace meshcast::evaluate {
 
@@ -41,7 +42,7 @@ struct Texture {
     std::uint32_t image = 0;
     bool repeatS = true, repeatT = true;
 
-    bool operator==(const Texture&) const = default;
+    auto operator<=>(const Texture&) const = default;
 };
 
 /// The colours are multiplied with those of the vertices and of the texture, where there are any.
@@ -56,6 +57,8 @@ struct Material {
     bool isDoubleSided = true;
     bool isBlended = false; ///< Something of it is not opaque: alpha, vertex colours or image.
     std::optional<Texture> texture;
+
+    auto operator<=>(const Material&) const = default;
 };
 
 enum class Topology : std::uint8_t { kTriangles, kLines, kPoints };
@@ -115,7 +118,8 @@ struct Light {
     Matrix matrix = kIdentity;
     Vec3 color = {1, 1, 1};
     float intensity = 1;
-    /// Of a spot light, from its axis: full light up to the inner angle, none from the outer one.
+    /// Of a spot light, from its axis: full light up to the inner angle, none from the outer one,
+    /// which is larger and at most a quarter turn.
     float innerAngle = 0, outerAngle = 0;
 };
 
