@@ -96,6 +96,8 @@ private:
     FontSet fonts_;
     MeshTable meshes_;
     Triangulator triangulator_;
+    Geometry faceBuffer_;
+
     WalkPlace place_;
     std::map<KeyPart, Solid> solids_;
     ArrayNumbers<9> textureMatrices_;

@@ -1,6 +1,5 @@
 #include "evaluate/face_mesh.h"
 
-#include "evaluate/box_mapping.h"
 #include "evaluate/unit_normal.h"
 
 #include <algorithm>
@@ -18,12 +17,19 @@ std::span<const float> coordinatesOf(const Properties& properties) {
                                              : scalarsOf(properties.coordinates->point);
 }
 
+PlaceOnShape placeOf(const Face& face, std::size_t corner) {
+    const auto offset = static_cast<std::uint32_t>(corner);
+    return {face.number, face.number, face.firstEntry + offset, face.firstCorner + offset};
+}
+
+Vec3 turned(const Vec3& normal) { return {-normal[0], -normal[1], -normal[2]}; }
+
 } // namespace
 
 FaceMesh::FaceMesh(const QvIndexedFaceSet& shape, const Properties& properties,
-                   Triangulator& triangulator, Notes& notes)
-    : shape_(shape), properties_(properties), triangulator_(triangulator), notes_(notes),
-      indices_(scalarsOf(shape.coordIndex)), points_(coordinatesOf(properties)),
+                   Triangulator& triangulator, Geometry& buffer, Notes& notes)
+    : shape_(shape), properties_(properties), triangulator_(triangulator), buffer_(buffer),
+      notes_(notes), indices_(scalarsOf(shape.coordIndex)), points_(coordinatesOf(properties)),
       isClockwise_(properties.hints != nullptr &&
                    properties.hints->vertexOrdering.value == QvShapeHints::CLOCKWISE),
       values_(properties.material, MaterialValues::Shading::kLit), plan_(values_) {
@@ -47,11 +53,6 @@ void FaceMesh::chooseValues() {
     uvSpread_ = Spread(Binding::PER_VERTEX_INDEXED, shape_.textureCoordIndex, 0, over);
 }
 
-PlaceOnShape FaceMesh::placeOf(const Face& face, std::size_t corner) const {
-    const auto offset = static_cast<std::uint32_t>(corner);
-    return {face.number, face.number, face.firstEntry + offset, face.firstCorner + offset};
-}
-
 std::span<const std::int32_t> FaceMesh::valuesOf(const Face& face) {
     faceValues_.clear();
     const std::size_t count = materialSpread_.isByCorner() ? face.points.size() : 1;
@@ -70,6 +71,7 @@ void FaceMesh::survey() {
     Face face;
     for (RunReader faces(indices_); faces.next(face);) {
         examine(face, points_);
+        faceNormals_.push_back(narrow(face.normal));
         if (face.fault == Face::Fault::kNone) {
             surveyFace(face);
         } else if (!face.points.empty()) {
@@ -77,9 +79,13 @@ void FaceMesh::survey() {
         }
     }
     plan_.settle();
+    if (properties_.texture != nullptr && !hasUvs_) {
+        boxMapping_.emplace(low_, high_);
+    }
 }
 
 void FaceMesh::surveyFace(const Face& face) {
+    triangles_ += face.points.size() - 2;
     plan_.see(valuesOf(face));
     const bool needsBox = properties_.texture != nullptr;
     if (!hasNormals_ && !needsBox) {
@@ -105,21 +111,27 @@ void FaceMesh::surveyFace(const Face& face) {
 
 MeshDraft FaceMesh::make() {
     if (!hasNormals_) {
-        smoothNormals_.emplace(indices_, points_,
+        smoothNormals_.emplace(indices_, faceNormals_, points_.count(),
                                properties_.hints == nullptr ? kUsualCreaseAngle
-                                                            : properties_.hints->creaseAngle.value,
-                               isClockwise_);
+                                                            : properties_.hints->creaseAngle.value);
     }
     indicesOfParts_.resize(plan_.materials().size());
-    Geometry geometry;
-    Welder welder(geometry, points_.count(), true, plan_.hasColors(),
+    if (indicesOfParts_.size() == 1) {
+        indicesOfParts_[0].reserve(3 * triangles_);
+    }
+    buffer_.positions.clear();
+    buffer_.normals.clear();
+    buffer_.colors.clear();
+    buffer_.uvs.clear();
+    buffer_.positions.reserve(points_.count());
+    buffer_.normals.reserve(points_.count());
+    Welder welder(buffer_, points_.count(), true, plan_.hasColors(),
                   properties_.texture != nullptr);
     Face face;
     for (RunReader faces(indices_); faces.next(face);) {
-        examine(face, points_);
-        if (face.fault == Face::Fault::kNone) {
+        if (faceNormals_[face.number] != Vec3{}) {
+            face.normal = wide(faceNormals_[face.number]);
             addFace(face, welder);
-            ++goodFaces_;
         }
     }
     const bool isWritten = !shape_.coordIndex.isDefault();
@@ -139,19 +151,20 @@ MeshDraft FaceMesh::make() {
         notes_.add(Note::Kind::kApproximated, "too many materials: only diffuse colour and "
                                               "transparency vary");
     }
-    return collect(std::move(geometry));
+    return collect();
 }
 
 Attributes FaceMesh::attributesOf(const Face& face, std::size_t corner) const {
     Attributes attributes;
     const std::int32_t point = face.points[corner];
     if (hasNormals_) {
-        const glm::dvec3 own = isClockwise_ ? -face.normal : face.normal;
-        attributes.normal =
-            unitNormal(*properties_.normals, normalSpread_.at(placeOf(face, corner)))
-                .value_or(narrow(own));
+        const std::optional<Vec3> given =
+            unitNormal(*properties_.normals, normalSpread_.at(placeOf(face, corner)));
+        const Vec3& own = faceNormals_[face.number];
+        attributes.normal = given.value_or(isClockwise_ ? turned(own) : own);
     } else {
-        attributes.normal = smoothNormals_->at(goodFaces_, point);
+        const Vec3 smooth = smoothNormals_->at(face.number, point);
+        attributes.normal = isClockwise_ ? turned(smooth) : smooth;
     }
     if (plan_.hasColors()) {
         attributes.color =
@@ -161,8 +174,8 @@ Attributes FaceMesh::attributesOf(const Face& face, std::size_t corner) const {
         const std::int32_t index = uvSpread_.at(placeOf(face, corner));
         const float* const uv = properties_.textureCoordinates->point.at(index);
         attributes.uv = {uv[0], uv[1]};
-    } else if (properties_.texture != nullptr) {
-        const auto [s, t] = BoxMapping(low_, high_).at(points_.at(point));
+    } else if (boxMapping_) {
+        const auto [s, t] = boxMapping_->at(points_.at(point));
         attributes.uv = {static_cast<float>(s), static_cast<float>(t)};
     }
     return attributes;
@@ -199,8 +212,16 @@ void FaceMesh::addFace(const Face& face, Welder& welder) {
     }
 }
 
-MeshDraft FaceMesh::collect(Geometry geometry) {
-    MeshDraft draft{std::move(geometry), {}};
+MeshDraft FaceMesh::collect() {
+    // A copy has no room to spare, and the buffer is there for the next one.
+    constexpr std::size_t kLarge = 100'000;
+    MeshDraft draft;
+    if (buffer_.positions.size() < kLarge) {
+        draft.geometry = buffer_;
+    } else {
+        draft.geometry = std::exchange(buffer_, {});
+    }
+
     std::vector<Material> materials = plan_.materials();
     const bool isOneSided =
         properties_.hints != nullptr &&

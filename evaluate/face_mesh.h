@@ -1,5 +1,6 @@
 #pragma once
 
+#include "evaluate/box_mapping.h"
 #include "evaluate/faces.h"
 #include "evaluate/material_values.h"
 #include "evaluate/mesh_draft.h"
@@ -22,9 +23,10 @@ namespace meshcast::evaluate {
 /// normals, texture coordinates and materials they use. Then they are cut into triangles.
 class FaceMesh {
 public:
-    /// All arguments must outlive the object.
+    /// All arguments must outlive the object. `buffer` is what the mesh is built in; one for many
+    /// face sets saves allocations.
     FaceMesh(const QvIndexedFaceSet& shape, const Properties& properties,
-             Triangulator& triangulator, Notes& notes);
+             Triangulator& triangulator, Geometry& buffer, Notes& notes);
 
     /// The mesh, in the space of the shape. Notes what is dropped and approximated.
     MeshDraft make();
@@ -35,14 +37,14 @@ private:
     void chooseValues();
     void addFace(const Face& face, Welder& welder);
     Attributes attributesOf(const Face& face, std::size_t corner) const;
-    PlaceOnShape placeOf(const Face& face, std::size_t corner) const;
     /// The values of a face's corners, or of the face.
     std::span<const std::int32_t> valuesOf(const Face& face);
-    MeshDraft collect(Geometry geometry);
+    MeshDraft collect();
 
     const QvIndexedFaceSet& shape_;
     const Properties& properties_;
     Triangulator& triangulator_;
+    Geometry& buffer_;
     Notes& notes_;
     std::span<const std::int32_t> indices_;
     PointList points_;
@@ -53,12 +55,14 @@ private:
 
     // Found by the survey.
     std::uint64_t badFaces_ = 0, flatFaces_ = 0;
+    std::size_t triangles_ = 0;
+    std::vector<Vec3> faceNormals_; ///< By number; 0 0 0 for a dropped face.
     bool hasNormals_ = false, hasUvs_ = false;
     Vec3 low_{}, high_{};
 
     // For the faces, one after another.
     std::optional<SmoothNormals> smoothNormals_;
-    std::uint32_t goodFaces_ = 0;
+    std::optional<BoxMapping> boxMapping_;
     std::uint64_t fannedFaces_ = 0;
     std::vector<std::int32_t> faceValues_;
     std::vector<glm::dvec3> corners_;

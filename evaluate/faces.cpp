@@ -54,6 +54,7 @@ bool RunReader::next(Face& run) {
 
 void examine(Face& face, const PointList& points) {
     const auto& indices = face.points;
+    face.normal = {};
     if (!std::all_of(indices.begin(), indices.end(),
                      [&points](std::int32_t index) { return points.has(index); })) {
         face.fault = Face::Fault::kNoSuchPoint;

@@ -49,8 +49,8 @@ struct Face {
     std::uint32_t firstEntry = 0;  ///< Where its first corner is in the list.
     std::uint32_t firstCorner = 0; ///< The number of its first corner, without the -1 between.
     Fault fault = Fault::kNone;
-    glm::dvec3 normal{}; ///< Of a face without fault: of length 1, to the side where its corners
-                         ///< turn counterclockwise.
+    /// Of length 1, to the side where the corners turn counterclockwise; 0 0 0 with a fault.
+    glm::dvec3 normal{};
 };
 
 /// Cuts a list of indices at each -1. What comes after the last one is a run too; nothing after

@@ -28,6 +28,14 @@ float numberOf(const QvMFFloat& list, std::int32_t i, float missing) {
     return isGiven(list) ? clampToUnit(*list.at(std::clamp(i, 0, list.num - 1))) : missing;
 }
 
+Vec3 colorIn(const QvMFColor& list, std::int32_t i, float missing) {
+    if (!isGiven(list)) {
+        return {missing, missing, missing};
+    }
+    const float* const color = list.at(std::clamp(i, 0, list.num - 1));
+    return {clampToUnit(color[0]), clampToUnit(color[1]), clampToUnit(color[2])};
+}
+
 /// Whether a list holds different values.
 template <class List>
 bool varies(const List& list) {
@@ -72,22 +80,14 @@ bool MaterialValues::isPreLit() const {
            isGivenEmpty(node_->specularColor) && isGiven(node_->emissiveColor);
 }
 
-Vec3 MaterialValues::colorOf(const QvMFColor& list, std::int32_t i, float missing) const {
-    if (!isGiven(list)) {
-        return {missing, missing, missing};
-    }
-    const float* const color = list.at(std::clamp(i, 0, list.num - 1));
-    return {clampToUnit(color[0]), clampToUnit(color[1]), clampToUnit(color[2])};
-}
-
 Paint MaterialValues::paint(std::int32_t i) const {
     if (node_ == nullptr) {
         return {{kDiffuse, kDiffuse, kDiffuse}, 0};
     }
     const float transparency = numberOf(node_->transparency, i, 0);
-    Vec3 color = prefersEmissive_ ? Vec3{} : colorOf(node_->diffuseColor, i, kDiffuse);
+    Vec3 color = prefersEmissive_ ? Vec3{} : colorIn(node_->diffuseColor, i, kDiffuse);
     if (prefersEmissive_ || (isUnlit_ && isBlack(color))) {
-        color = colorOf(node_->emissiveColor, i, 0);
+        color = colorIn(node_->emissiveColor, i, 0);
     }
     return {color, transparency};
 }
@@ -99,9 +99,9 @@ Finish MaterialValues::finish(std::int32_t i) const {
     if (node_ == nullptr) {
         return {0, 0, 0, 0, 0, 0, kAmbient, kAmbient, kAmbient, kShininess};
     }
-    const Vec3 emissive = colorOf(node_->emissiveColor, i, 0);
-    const Vec3 specular = colorOf(node_->specularColor, i, 0);
-    const Vec3 ambient = colorOf(node_->ambientColor, i, kAmbient);
+    const Vec3 emissive = colorIn(node_->emissiveColor, i, 0);
+    const Vec3 specular = colorIn(node_->specularColor, i, 0);
+    const Vec3 ambient = colorIn(node_->ambientColor, i, kAmbient);
     return {emissive[0], emissive[1],
             emissive[2], specular[0],
             specular[1], specular[2],

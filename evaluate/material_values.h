@@ -45,7 +45,6 @@ public:
     bool finishVaries() const { return finishVaries_; }
 
 private:
-    Vec3 colorOf(const QvMFColor& list, std::int32_t i, float missing) const;
     bool isPreLit() const;
 
     const QvMaterial* node_;

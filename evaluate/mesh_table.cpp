@@ -1,5 +1,7 @@
 #include "evaluate/mesh_table.h"
 
+#include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace meshcast::evaluate {
@@ -10,6 +12,19 @@ const MeshTable::Found* lookUp(const std::map<MeshKey, MeshTable::Found>& table,
                                const MeshKey& key) {
     const auto found = table.find(key);
     return found == table.end() ? nullptr : &found->second;
+}
+
+std::uint64_t hashOf(const Material& material) {
+    constexpr std::uint64_t kPrime = 0x100000001B3; // Of the FNV-1a hash.
+    std::uint64_t hash = 0xCBF29CE484222325;
+    const auto add = [&hash](float value) {
+        hash = (hash ^ std::bit_cast<std::uint32_t>(value + 0.0F)) * kPrime;
+    };
+    std::for_each(material.baseColor.begin(), material.baseColor.end(), add);
+    std::for_each(material.emissive.begin(), material.emissive.end(), add);
+    std::for_each(material.specular.begin(), material.specular.end(), add);
+    add(material.shininess);
+    return hash;
 }
 
 std::uint32_t lastOf(const auto& list) { return static_cast<std::uint32_t>(list.size() - 1); }
@@ -31,7 +46,7 @@ const MeshTable::Found* MeshTable::findGeometry(const MeshKey& key) const {
 }
 
 std::uint32_t MeshTable::numberOf(const Material& material) {
-    const auto [known, isNew] = materials_.try_emplace(material, 0);
+    const auto [known, isNew] = materials_.try_emplace({hashOf(material), material}, 0);
     if (isNew) {
         model_.materials.push_back(material);
         known->second = lastOf(model_.materials);

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace meshcast::evaluate {
@@ -68,7 +69,8 @@ private:
     Model& model_;
     std::map<MeshKey, Found> meshes_;
     std::map<MeshKey, Found> geometries_;
-    std::map<Material, std::uint32_t> materials_;
+    /// By a hash first, which spares most comparisons of whole materials.
+    std::map<std::pair<std::uint64_t, Material>, std::uint32_t> materials_;
 };
 
 } // namespace meshcast::evaluate

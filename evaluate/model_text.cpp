@@ -15,7 +15,7 @@ std::string number(float value) {
     const double rounded = std::round(static_cast<double>(value) * kDecimals) / kDecimals;
     std::array<char, 64> text{};
     const double shown = rounded == 0 ? 0 : rounded; // Without the sign of -0.
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), shown).ptr;
+    auto* const end = std::to_chars(text.data(), text.data() + text.size(), shown).ptr;
     return {text.data(), end};
 }
 

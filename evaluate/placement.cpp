@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <glm/geometric.hpp>
+#include <glm/gtc/type_ptr.hpp>
 #include <glm/mat3x3.hpp>
 #include <glm/matrix.hpp>
 #include <utility>
@@ -21,12 +22,9 @@ constexpr double kShortestAxis = 1e-18;
 
 Matrix narrowed(const glm::dmat4& matrix) {
     Matrix result{};
-    for (int column = 0; column < 4; ++column) {
-        for (int row = 0; row < 4; ++row) {
-            result[static_cast<std::size_t>(4 * column + row)] =
-                static_cast<float>(matrix[column][row]);
-        }
-    }
+    const double* const from = glm::value_ptr(matrix);
+    std::transform(from, from + result.size(), result.begin(),
+                   [](double element) { return static_cast<float>(element); });
     return result;
 }
 

@@ -265,7 +265,7 @@ void Evaluator::visit(const QvIndexedFaceSet& shape, const QvState& state) {
         if (!mayAdd(use, shape.coordIndex)) {
             return std::nullopt;
         }
-        return FaceMesh(shape, use.properties, triangulator_, notes_).make();
+        return FaceMesh(shape, use.properties, triangulator_, faceBuffer_, notes_).make();
     });
 }
 

@@ -1,9 +1,15 @@
 #include "evaluate/smooth_normals.h"
 
+#include "evaluate/faces.h"
 #include "evaluate/mesh_draft.h"
 
 #include <cmath>
 #include <glm/geometric.hpp>
+
+// Most points are smooth or lie on few creases. So the normals around each point are added up
+// first. Where all of them are nearer to the mean than half the crease angle, no two can be farther
+// apart than all of it, and the mean is the normal of all corners. Only around the other points
+// corners are compared with one another.
 
 namespace meshcast::evaluate {
 
@@ -14,50 +20,83 @@ namespace {
 // the mean over all of them or else the normal of its face.
 constexpr std::uint32_t kMostCompared = 128;
 
-} // namespace
+const Vec3 kNone{};
 
-SmoothNormals::SmoothNormals(std::span<const std::int32_t> indices, const PointList& points,
-                             float creaseAngle, bool isClockwise)
-    : cosine_(std::cos(static_cast<double>(creaseAngle))), isFaceted_(!(creaseAngle > 0)) {
-    constexpr float kHalfTurn = 3.1415927F;
-    if (creaseAngle >= kHalfTurn) {
-        cosine_ = -2; // No two normals are that far apart.
-    }
+/// Hands over the number of each face that is not left out, with each of its points.
+template <class Use>
+void forEachCorner(std::span<const std::int32_t> indices, std::span<const Vec3> faceNormals,
+                   Use use) {
     Face face;
     for (RunReader faces(indices); faces.next(face);) {
-        examine(face, points);
-        if (face.fault == Face::Fault::kNone) {
-            faceNormals_.push_back(narrow(isClockwise ? -face.normal : face.normal));
+        if (faceNormals[face.number] != kNone) {
+            for (const std::int32_t point : face.points) {
+                use(face.number, static_cast<std::size_t>(point));
+            }
         }
-    }
-    if (!isFaceted_) {
-        addCorners(indices, points);
     }
 }
 
-void SmoothNormals::addCorners(std::span<const std::int32_t> indices, const PointList& points) {
-    const auto forEachCorner = [&](auto use) {
-        Face face;
-        std::uint32_t number = 0;
-        for (RunReader faces(indices); faces.next(face);) {
-            examine(face, points);
-            if (face.fault == Face::Fault::kNone) {
-                for (const std::int32_t point : face.points) {
-                    use(static_cast<std::size_t>(point), number);
-                }
-                ++number;
-            }
+} // namespace
+
+SmoothNormals::SmoothNormals(std::span<const std::int32_t> indices,
+                             std::span<const Vec3> faceNormals, std::size_t points,
+                             float creaseAngle)
+    : faceNormals_(faceNormals), cosine_(std::cos(static_cast<double>(creaseAngle))),
+      halfCosine_(std::cos(static_cast<double>(creaseAngle) / 2)), isFaceted_(!(creaseAngle > 0)) {
+    constexpr float kHalfTurn = 3.1415927F;
+    if (creaseAngle >= kHalfTurn) {
+        cosine_ = halfCosine_ = -2; // No two normals are that far apart.
+    }
+    if (!isFaceted_) {
+        addUp(indices, points);
+        if (findCreases(indices)) {
+            listFaces(indices);
         }
-    };
-    firstFace_.assign(points.count() + 2, 0);
-    forEachCorner([this](std::size_t point, std::uint32_t) { ++firstFace_[point + 2]; });
+    }
+}
+
+void SmoothNormals::addUp(std::span<const std::int32_t> indices, std::size_t points) {
+    pointNormals_.assign(points, kNone);
+    forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            pointNormals_[point][axis] += faceNormals_[face][axis];
+        }
+    });
+    for (Vec3& normal : pointNormals_) {
+        // Opposite faces may cancel out.
+        constexpr double kNoDirection = 1e-6;
+        const double length = glm::length(wide(normal));
+        normal = length > kNoDirection ? narrow(wide(normal) / length) : kNone;
+    }
+}
+
+bool SmoothNormals::findCreases(std::span<const std::int32_t> indices) {
+    bool isAnyCreased = false;
+    forEachCorner(indices, faceNormals_, [&](std::uint32_t face, std::size_t point) {
+        Vec3& normal = pointNormals_[point];
+        if (normal == kNone || glm::dot(wide(normal), wide(faceNormals_[face])) <= halfCosine_) {
+            normal = kNone;
+            isAnyCreased = true;
+        }
+    });
+    return isAnyCreased;
+}
+
+void SmoothNormals::listFaces(std::span<const std::int32_t> indices) {
+    firstFace_.assign(pointNormals_.size() + 2, 0);
+    forEachCorner(indices, faceNormals_, [this](std::uint32_t, std::size_t point) {
+        firstFace_[point + 2] += pointNormals_[point] == kNone ? 1 : 0;
+    });
     for (std::size_t i = 2; i < firstFace_.size(); ++i) {
         firstFace_[i] += firstFace_[i - 1];
     }
     faces_.resize(firstFace_.back());
     // Filling moves each start to its end, which is the start of the next point.
-    forEachCorner(
-        [this](std::size_t point, std::uint32_t face) { faces_[firstFace_[point + 1]++] = face; });
+    forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
+        if (pointNormals_[point] == kNone) {
+            faces_[firstFace_[point + 1]++] = face;
+        }
+    });
 }
 
 Vec3 SmoothNormals::at(std::uint32_t face, std::int32_t point) const {
@@ -65,8 +104,12 @@ Vec3 SmoothNormals::at(std::uint32_t face, std::int32_t point) const {
     if (isFaceted_) {
         return own;
     }
-    const std::uint32_t first = firstFace_[static_cast<std::size_t>(point)];
-    const std::uint32_t end = firstFace_[static_cast<std::size_t>(point) + 1];
+    const auto place = static_cast<std::size_t>(point);
+    if (pointNormals_[place] != kNone) {
+        return pointNormals_[place];
+    }
+    const std::uint32_t first = firstFace_[place];
+    const std::uint32_t end = firstFace_[place + 1];
     const bool isCompared = end - first <= kMostCompared;
     glm::dvec3 sum{};
     for (std::uint32_t i = first; i < end; ++i) {
@@ -76,8 +119,7 @@ Vec3 SmoothNormals::at(std::uint32_t face, std::int32_t point) const {
         }
     }
     const double length = glm::length(sum);
-    // Opposite faces may cancel out.
-    if (!(length > 1e-6) || (!isCompared && glm::dot(wide(own), sum) <= cosine_ * length)) {
+    if (!(length > 0) || (!isCompared && glm::dot(wide(own), sum) <= cosine_ * length)) {
         return own;
     }
     return narrow(sum / length);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "evaluate/faces.h"
 #include "evaluate/model.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -14,20 +14,28 @@ namespace meshcast::evaluate {
 /// the mean over the faces around its point that are nearer to its own than that.
 class SmoothNormals {
 public:
-    /// Of all faces without fault in a list of indices. An angle of 0, in radians, makes facets.
-    SmoothNormals(std::span<const std::int32_t> indices, const PointList& points, float creaseAngle,
-                  bool isClockwise);
+    /// `indices` are faces that end in -1, `faceNormals` has one of length 1 for each of them, or 0
+    /// 0 0 for a face that is left out. All others must name points below `points`. An angle of 0,
+    /// in radians, makes facets. The normals must outlive the object.
+    SmoothNormals(std::span<const std::int32_t> indices, std::span<const Vec3> faceNormals,
+                  std::size_t points, float creaseAngle);
 
-    /// The normal of the corner at a point of a face. Faces without fault count from 0.
+    /// The normal of the corner that a face has at a point.
     Vec3 at(std::uint32_t face, std::int32_t point) const;
 
 private:
-    void addCorners(std::span<const std::int32_t> indices, const PointList& points);
+    void addUp(std::span<const std::int32_t> indices, std::size_t points);
+    bool findCreases(std::span<const std::int32_t> indices);
+    void listFaces(std::span<const std::int32_t> indices);
 
-    double cosine_;
+    std::span<const Vec3> faceNormals_;
+    double cosine_;     ///< Of the crease angle.
+    double halfCosine_; ///< Of half of it.
     bool isFaceted_;
-    std::vector<Vec3> faceNormals_;
-    // The faces around a point are those from firstFace_[point] to firstFace_[point + 1].
+    /// The mean over all faces around a point; 0 0 0 where it has a crease.
+    std::vector<Vec3> pointNormals_;
+    /// The faces around a point with a crease are those from firstFace_[point] to
+    /// firstFace_[point + 1]. Empty when there is no crease.
     std::vector<std::uint32_t> firstFace_;
     std::vector<std::uint32_t> faces_;
 };

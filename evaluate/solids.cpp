@@ -22,7 +22,7 @@ Direction around(double fraction) {
 
 /// The same for a step of so many, exact where the way ends in its start.
 Direction around(std::uint32_t step, std::uint32_t segments) {
-    return around(static_cast<double>(step % segments) / segments);
+    return around(step == segments ? 0 : static_cast<double>(step) / segments);
 }
 
 /// Adds vertices and triangles to a solid, part after part.

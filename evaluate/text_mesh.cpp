@@ -44,7 +44,8 @@ std::optional<Geometry> makeText(std::string_view text, const TextLayout& layout
     Geometry geometry;
     const double scale = kCapitals * layout.size;
     std::uint64_t triangles = 0;
-    for (double y = 0;; y -= layout.spacing * layout.size) {
+    double y = 0;
+    for (;;) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, end);
         if (line.ends_with('\r')) {
@@ -76,6 +77,7 @@ std::optional<Geometry> makeText(std::string_view text, const TextLayout& layout
             return geometry;
         }
         text.remove_prefix(end + 1);
+        y -= layout.spacing * layout.size;
     }
 }
 

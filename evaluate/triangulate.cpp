@@ -6,6 +6,7 @@
 #include <array>
 #include <deque>
 #include <new>
+#include <utility>
 
 // GLU gets each corner as a pointer to its number, hands the pointers back, and asks for new ones
 // where corners coincide or edges cross. Its frames are C: no exception may pass through them, so
@@ -33,7 +34,7 @@ public:
 
     bool run(std::span<const glm::dvec3> corners, std::span<const std::uint32_t> counts,
              const glm::dvec3& normal, Triangulation& result) {
-        result_ = &result;
+        result_.clear();
         numbers_.clear();
         hasFailed_ = isOutOfMemory_ = false;
         firstMixed_ = static_cast<std::uint32_t>(corners.size());
@@ -52,6 +53,7 @@ public:
         if (isOutOfMemory_) {
             throw std::bad_alloc();
         }
+        std::swap(result, result_);
         return !hasFailed_ && result.triangles.size() % 3 == 0;
     }
 
@@ -79,9 +81,10 @@ private:
 
     static void takeVertex(void* corner, void* self) {
         auto& tessellator = *static_cast<Tessellator*>(self);
-        tessellator.guarded([&] { tessellator.result_->triangles.push_back(numberAt(corner)); });
+        tessellator.guarded([&] { tessellator.result_.triangles.push_back(numberAt(corner)); });
     }
 
+    // GLU has the weights writable. NOLINTNEXTLINE(readability-non-const-parameter)
     static void combine(GLdouble* /*at*/, void** corners, GLfloat* weights, void** out,
                         void* self) {
         auto& tessellator = *static_cast<Tessellator*>(self);
@@ -93,7 +96,7 @@ private:
                 mixed.corners[i] = numberAt(isUsed ? corners[i] : corners[0]);
                 mixed.weights[i] = isUsed ? weights[i] : 0;
             }
-            auto& all = tessellator.result_->mixed;
+            auto& all = tessellator.result_.mixed;
             all.push_back(mixed);
             *out = tessellator.numbered(tessellator.firstMixed_ +
                                         static_cast<std::uint32_t>(all.size() - 1));
@@ -107,7 +110,7 @@ private:
     }
 
     GLUtesselator* glu_;
-    Triangulation* result_ = nullptr;
+    Triangulation result_;
     std::deque<std::uint32_t> numbers_;
     std::uint32_t firstMixed_ = 0;
     bool hasFailed_ = false;
