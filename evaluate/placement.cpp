@@ -100,6 +100,8 @@ void dropNormals(MeshDraft& mesh) {
                              : split.topology == Topology::kLines   ? 2
                                                                     : 1;
     for (DraftPart& part : mesh.parts) {
+        // Nothing lights lines and points that have no normals any more.
+        part.material.isUnlit |= size < 3;
         const std::uint32_t* const from = mesh.geometry.indices.data() + part.firstIndex;
         part.firstIndex = static_cast<std::uint32_t>(split.indices.size());
         for (std::size_t i = 0; i < part.indexCount; i += size) {
@@ -112,6 +114,15 @@ void dropNormals(MeshDraft& mesh) {
         part.indexCount = static_cast<std::uint32_t>(split.indices.size()) - part.firstIndex;
     }
     mesh.geometry = std::move(split);
+}
+
+/// The axis that is farthest from a direction, Y before X.
+glm::dvec3 axisAcross(const glm::dvec3& direction) {
+    const glm::dvec3 size = glm::abs(direction);
+    if (size.y <= size.x && size.y <= size.z) {
+        return {0, 1, 0};
+    }
+    return size.x <= size.z ? glm::dvec3(1, 0, 0) : glm::dvec3(0, 0, 1);
 }
 
 } // namespace
@@ -183,16 +194,18 @@ Matrix rigidPart(const glm::dmat4& matrix, double& scale) {
     scale = std::cbrt(std::abs(glm::determinant(glm::dmat3(matrix))));
     // What looks or shines along -z keeps that direction; x follows y as far as it can.
     glm::dmat4 rigid(1.0);
-    const double z = glm::length(glm::dvec3(matrix[2]));
-    if (z > kShortestAxis) {
-        const glm::dvec3 back = glm::dvec3(matrix[2]) / z;
-        const glm::dvec3 side = glm::cross(glm::dvec3(matrix[1]), back);
-        const double x = glm::length(side);
-        if (x > kShortestAxis) {
-            rigid[0] = glm::dvec4(side / x, 0);
-            rigid[1] = glm::dvec4(glm::cross(back, side / x), 0);
-            rigid[2] = glm::dvec4(back, 0);
+    const glm::dvec3 z(matrix[2]);
+    if (glm::length(z) > kShortestAxis) {
+        const glm::dvec3 back = glm::normalize(z);
+        const glm::dvec3 y(matrix[1]);
+        glm::dvec3 side = glm::cross(y, back);
+        if (!(glm::length(side) > kFlat * glm::length(y))) {
+            side = glm::cross(axisAcross(back), back);
         }
+        side = glm::normalize(side);
+        rigid[0] = glm::dvec4(side, 0);
+        rigid[1] = glm::dvec4(glm::cross(back, side), 0);
+        rigid[2] = glm::dvec4(back, 0);
     }
     const double w = matrix[3].w == 0 ? 1 : matrix[3].w;
     rigid[3] = glm::dvec4(glm::dvec3(matrix[3]) / w, 1);

@@ -28,7 +28,8 @@ std::optional<Placement> placementOf(const glm::dmat4& matrix);
 void bake(MeshDraft& mesh, const Placement& placement);
 
 /// Where a matrix moves and turns the axes to, without what it stretches, shears and mirrors: for
-/// cameras and lights. `scale` receives how much longer lengths get, taken over all directions.
+/// cameras and lights. Z keeps its direction, Y as far as it can. `scale` receives how much longer
+/// lengths get, taken over all directions.
 Matrix rigidPart(const glm::dmat4& matrix, double& scale);
 
 } // namespace meshcast::evaluate

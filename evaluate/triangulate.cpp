@@ -91,10 +91,12 @@ private:
         *out = corners[0];
         tessellator.guarded([&] {
             MixedCorner mixed;
+            mixed.corners.fill(numberAt(corners[0]));
             for (std::size_t i = 0; i < 4; ++i) {
-                const bool isUsed = corners[i] != nullptr && weights[i] > 0;
-                mixed.corners[i] = numberAt(isUsed ? corners[i] : corners[0]);
-                mixed.weights[i] = isUsed ? weights[i] : 0;
+                if (corners[i] != nullptr && weights[i] > 0) {
+                    mixed.corners[i] = numberAt(corners[i]);
+                    mixed.weights[i] = weights[i];
+                }
             }
             auto& all = tessellator.result_.mixed;
             all.push_back(mixed);

@@ -22,7 +22,12 @@ glm::dvec3 vector(const QvSFVec3f& field) {
     return {field.value[0], field.value[1], field.value[2]};
 }
 
-bool isUseful(double length) { return length > 0 && length <= std::numeric_limits<float>::max(); }
+// So that a thousandth of a length is a float too.
+constexpr double kShortest = 1e-30;
+
+bool isUseful(double length) {
+    return length >= kShortest && length <= std::numeric_limits<float>::max();
+}
 
 /// A length of a scene as it is in the world; 0 when it makes no sense.
 float scaled(float length, double scale) {
@@ -98,8 +103,8 @@ void setDistances(Camera& camera, const Box& world) {
     if (camera.farDistance <= camera.nearDistance) {
         const double distance = std::max(farthest > 0 ? farthest * kMargin : kUsual,
                                          2 * static_cast<double>(camera.nearDistance));
-        camera.farDistance = static_cast<float>(
-            std::clamp(distance, 1e-30, static_cast<double>(std::numeric_limits<float>::max())));
+        camera.farDistance = static_cast<float>(std::clamp(
+            distance, kShortest, static_cast<double>(std::numeric_limits<float>::max())));
     }
     if (camera.nearDistance == 0) {
         camera.nearDistance = static_cast<float>(static_cast<double>(camera.farDistance) / kDepth);
@@ -108,17 +113,8 @@ void setDistances(Camera& camera, const Box& world) {
 
 /// Moves to a place, with -Z turned into a direction of the world.
 Matrix lookingAlong(const glm::dmat4& place, const glm::dvec3& at, const glm::dvec3& direction) {
-    const glm::dvec3 back = -(glm::dmat3(place) * direction);
-    // Any axis that is not along the direction will do to turn the others.
-    const glm::dvec3 size = glm::abs(back);
-    const glm::dvec3 other = size.y <= size.x && size.y <= size.z ? glm::dvec3(0, 1, 0)
-                             : size.x <= size.z                   ? glm::dvec3(1, 0, 0)
-                                                                  : glm::dvec3(0, 0, 1);
-    glm::dmat4 matrix(1.0);
-    if (glm::length(back) > 0) {
-        matrix[1] = glm::dvec4(other, 0);
-        matrix[2] = glm::dvec4(back, 0);
-    }
+    glm::dmat4 matrix(0.0);
+    matrix[2] = glm::dvec4(-(glm::dmat3(place) * direction), 0);
     matrix[3] = place * glm::dvec4(at, 1);
     double scale = 1;
     return rigidPart(matrix, scale);
@@ -154,7 +150,7 @@ Camera cameraOf(const QvOrthographicCamera& node, const glm::dmat4& place) {
     camera.isPerspective = false;
     constexpr float kUsualHeight = 2;
     const float height = scaled(node.height.value, scale);
-    camera.height = height > 0 ? height : scaled(kUsualHeight, scale);
+    camera.height = height > 0 ? height : kUsualHeight;
     return camera;
 }
 
