@@ -36,10 +36,11 @@ struct Limits {
     /// Nodes met in the walk, each as often as it is used: some seconds.
     std::uint64_t nodes = 100'000'000;
     /// Instances of shapes that have been met before. Some 150 bytes each.
-    std::uint64_t repeatedInstances = 2'000'000;
+    std::uint64_t repeatedInstances = 1'000'000;
     /// Triangles, lines and points that the length of the scene does not bound: of texts, point
-    /// sets, solids, and of shapes that have been met before. A triangle takes up to 160 bytes.
-    std::uint64_t repeatedElements = 16'000'000;
+    /// sets, solids, and of shapes that have been met before. Each mesh counts as ten more, for
+    /// what it takes besides. A triangle takes up to 160 bytes.
+    std::uint64_t repeatedElements = 8'000'000;
     /// Of all images, decoded.
     std::uint64_t imagePixels = std::uint64_t(1) << 26;
     /// Of all image files.

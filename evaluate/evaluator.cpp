@@ -28,7 +28,8 @@ bool Evaluator::mayVisit() {
 }
 
 bool Evaluator::enterGroup(const QvGroup& group, GroupScope scope) {
-    if (!mayVisit()) {
+    // Searched once, a group that is used again and again takes no more time than its text.
+    if (!mayVisit() || (seeksCameras_ && !groupsSearched_.insert(&group).second)) {
         return false;
     }
     place_.enter(group.nodeName().view(), scope);

@@ -107,7 +107,8 @@ private:
     std::set<const QvSwitch*> switchesSearched_;
     std::set<const QvInfo*> infosMet_;
     std::set<std::string> noted_; ///< Inlines and classes that a note names.
-    bool seeksCameras_ = false;   ///< In children that a Switch does not show.
+    std::set<const QvGroup*> groupsSearched_;
+    bool seeksCameras_ = false; ///< In children that a Switch does not show.
 
     // Against the limits.
     std::uint64_t nodes_ = 0, repeatedInstances_ = 0, repeatedElements_ = 0, textBytes_ = 0;

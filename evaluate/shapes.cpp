@@ -118,6 +118,8 @@ void Evaluator::useTexture(Use& use, const QvState& state) {
 }
 
 bool Evaluator::mayAdd(std::uint64_t elements) {
+    constexpr std::uint64_t kMesh = 10;
+    elements += kMesh;
     if (elements > options_.limits.repeatedElements - repeatedElements_) {
         repeatedElements_ = options_.limits.repeatedElements;
         ++shapesTooLarge_;
@@ -129,7 +131,7 @@ bool Evaluator::mayAdd(std::uint64_t elements) {
 
 bool Evaluator::mayAdd(const Use& use, const QvMFLong& indices) {
     // Also an index that leads to nothing takes time.
-    return use.isFirst || mayAdd(static_cast<std::uint64_t>(indices.num) / 3 + 1);
+    return use.isFirst || mayAdd(static_cast<std::uint64_t>(indices.num) / 3);
 }
 
 template <class Make>

@@ -21,6 +21,8 @@ namespace {
 constexpr std::uint32_t kMostCompared = 128;
 
 const Vec3 kNone{};
+// A sum of normals that is shorter than this is a rounded 0.
+constexpr double kNoDirection = 1e-6;
 
 /// Hands over the number of each face that is not left out, with each of its points.
 template <class Use>
@@ -63,29 +65,26 @@ void SmoothNormals::addUp(std::span<const std::int32_t> indices, std::size_t poi
         }
     });
     for (Vec3& normal : pointNormals_) {
-        // Opposite faces may cancel out.
-        constexpr double kNoDirection = 1e-6;
         const double length = glm::length(wide(normal));
         normal = length > kNoDirection ? narrow(wide(normal) / length) : kNone;
     }
 }
 
 bool SmoothNormals::findCreases(std::span<const std::int32_t> indices) {
-    bool isAnyCreased = false;
-    forEachCorner(indices, faceNormals_, [&](std::uint32_t face, std::size_t point) {
-        Vec3& normal = pointNormals_[point];
+    forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
+        const Vec3& normal = pointNormals_[point];
         if (normal == kNone || glm::dot(wide(normal), wide(faceNormals_[face])) <= halfCosine_) {
-            normal = kNone;
-            isAnyCreased = true;
+            isCreased_.resize(pointNormals_.size());
+            isCreased_[point] = true;
         }
     });
-    return isAnyCreased;
+    return !isCreased_.empty();
 }
 
 void SmoothNormals::listFaces(std::span<const std::int32_t> indices) {
     firstFace_.assign(pointNormals_.size() + 2, 0);
     forEachCorner(indices, faceNormals_, [this](std::uint32_t, std::size_t point) {
-        firstFace_[point + 2] += pointNormals_[point] == kNone ? 1 : 0;
+        firstFace_[point + 2] += isCreased_[point] ? 1 : 0;
     });
     for (std::size_t i = 2; i < firstFace_.size(); ++i) {
         firstFace_[i] += firstFace_[i - 1];
@@ -93,7 +92,7 @@ void SmoothNormals::listFaces(std::span<const std::int32_t> indices) {
     faces_.resize(firstFace_.back());
     // Filling moves each start to its end, which is the start of the next point.
     forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
-        if (pointNormals_[point] == kNone) {
+        if (isCreased_[point]) {
             faces_[firstFace_[point + 1]++] = face;
         }
     });
@@ -105,24 +104,25 @@ Vec3 SmoothNormals::at(std::uint32_t face, std::int32_t point) const {
         return own;
     }
     const auto place = static_cast<std::size_t>(point);
-    if (pointNormals_[place] != kNone) {
-        return pointNormals_[place];
+    const Vec3& mean = pointNormals_[place];
+    if (isCreased_.empty() || !isCreased_[place]) {
+        return mean;
     }
     const std::uint32_t first = firstFace_[place];
     const std::uint32_t end = firstFace_[place + 1];
-    const bool isCompared = end - first <= kMostCompared;
+    if (end - first > kMostCompared) {
+        return glm::dot(wide(own), wide(mean)) > cosine_ ? mean : own;
+    }
     glm::dvec3 sum{};
     for (std::uint32_t i = first; i < end; ++i) {
         const Vec3& other = faceNormals_[faces_[i]];
-        if (!isCompared || glm::dot(wide(own), wide(other)) > cosine_) {
+        if (glm::dot(wide(own), wide(other)) > cosine_) {
             sum += wide(other);
         }
     }
+    // Opposite faces may cancel out.
     const double length = glm::length(sum);
-    if (!(length > 0) || (!isCompared && glm::dot(wide(own), sum) <= cosine_ * length)) {
-        return own;
-    }
-    return narrow(sum / length);
+    return length > kNoDirection ? narrow(sum / length) : own;
 }
 
 } // namespace meshcast::evaluate

@@ -32,10 +32,10 @@ private:
     double cosine_;     ///< Of the crease angle.
     double halfCosine_; ///< Of half of it.
     bool isFaceted_;
-    /// The mean over all faces around a point; 0 0 0 where it has a crease.
-    std::vector<Vec3> pointNormals_;
+    std::vector<Vec3> pointNormals_; ///< The mean over all faces around a point; 0 0 0 for none.
+    std::vector<bool> isCreased_;    ///< By point. Empty when there is no crease.
     /// The faces around a point with a crease are those from firstFace_[point] to
-    /// firstFace_[point + 1]. Empty when there is no crease.
+    /// firstFace_[point + 1].
     std::vector<std::uint32_t> firstFace_;
     std::vector<std::uint32_t> faces_;
 };

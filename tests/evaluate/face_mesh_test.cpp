@@ -122,19 +122,26 @@ TEST(FaceMesh, CreasesWhereFacesMeetAtTheAngleOrMore) {
     EXPECT_NEAR(normal[2], std::cos(0.2), 1e-5);
 }
 
-TEST(FaceMesh, ManyFacesAroundAPointStaySmooth) {
-    // A flat fan of 200 triangles: its middle is not compared face by face.
-    std::string points = "0 0 0";
-    std::string indices;
-    for (int i = 0; i < 200; ++i) {
-        const double angle = i * 3.14159265358979 / 100;
-        points +=
-            ", " + std::to_string(std::cos(angle)) + ' ' + std::to_string(std::sin(angle)) + " 0.1";
-        indices += "0 " + std::to_string(i + 1) + ' ' + std::to_string((i + 1) % 200 + 1) + " -1 ";
-    }
-    const Model model = evaluated(faces(points, indices));
-    EXPECT_EQ(model.geometries.at(0).positions.size(), 201U);
-    EXPECT_NEAR(model.geometries[0].normals[0][2], 1, 1e-6);
+TEST(FaceMesh, ManyFacesAroundAPointAreSmoothOrFacets) {
+    // A cone of 200 triangles: around its tip they are not compared one by one.
+    const auto cone = [](const std::string& height) {
+        std::string points = "0 0 " + height;
+        std::string indices;
+        for (int i = 0; i < 200; ++i) {
+            const double angle = i * 3.14159265358979 / 100;
+            points += ", " + std::to_string(std::cos(angle)) + ' ' +
+                      std::to_string(std::sin(angle)) + " 0";
+            indices += "0 " + std::to_string(i + 1) + ' ' + std::to_string((i + 1) % 200 + 1);
+            indices += " -1 ";
+        }
+        return evaluated(faces(points, indices)).geometries.at(0);
+    };
+    const Geometry flat = cone("0.4"); // Its faces lean by 0.38 from the axis.
+    EXPECT_EQ(flat.positions.size(), 201U);
+    EXPECT_NEAR(flat.normals[0][2], 1, 1e-6);
+    const Geometry steep = cone("0.6"); // By 0.54.
+    EXPECT_EQ(steep.positions.size(), 400U);
+    EXPECT_NEAR(steep.normals[0][2], std::cos(0.5404), 1e-3);
 }
 
 } // namespace

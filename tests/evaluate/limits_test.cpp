@@ -13,7 +13,10 @@ TEST(Limits, DoublingFortyTimesEnds) {
     const std::string rest = "note limit \"\": the rest of the scene left out: nodes use one "
                              "another too often\n";
     EXPECT_EQ(notesOf(doubled("Separator { Material { } }", 40), options), rest);
-    EXPECT_EQ(evaluated(doubled("Group { Cube { } }", 40), options).notes.back().text,
+    const Model cubes = evaluated(doubled("Group { Cube { } }", 40), options);
+    EXPECT_EQ(cubes.meshes.size(), 1U);
+    EXPECT_GT(cubes.instances.size(), 30'000U);
+    EXPECT_EQ(cubes.notes.back().text,
               "the rest of the scene left out: nodes use one another too often");
 }
 
@@ -32,17 +35,17 @@ TEST(Limits, RepeatedElementsAreCounted) {
     const std::string tooMany = "note limit \"\": 1 shape left out: repeated shapes have too many "
                                 "triangles, lines and points\n";
     EvaluateOptions options;
-    options.limits.repeatedElements = 12;
+    options.limits.repeatedElements = 12 + 10;
     EXPECT_EQ(notesOf("Cube { }", options), "");
-    options.limits.repeatedElements = 11;
+    options.limits.repeatedElements = 11 + 10;
     EXPECT_EQ(notesOf("Cube { }", options), tooMany);
     // A face set is bounded by its text when it is met first, and counted by its indices then.
     const std::string faces = "Separator { Coordinate3 { point [ 0 0 0, 1 0 0, 0 1 0 ] } DEF f "
                               "IndexedFaceSet { coordIndex [ 0 1 2 -1 ] } ShapeHints { "
                               "creaseAngle 0 } USE f }";
-    options.limits.repeatedElements = 2;
+    options.limits.repeatedElements = 1 + 10;
     EXPECT_EQ(notesOf(faces, options), "");
-    options.limits.repeatedElements = 1;
+    options.limits.repeatedElements = 10;
     EXPECT_EQ(notesOf(faces, options), tooMany);
     EXPECT_EQ(notesOf("AsciiText { string \"HHHH\" }", options), tooMany);
     EXPECT_EQ(notesOf("Separator { Coordinate3 { point [ 0 0 0, 1 0 0 ] } PointSet { } }", options),
