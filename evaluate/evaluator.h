@@ -24,7 +24,8 @@
 namespace meshcast::evaluate {
 
 /// The visitor that turns shapes into instances of meshes: one for each evaluation. How a shape
-/// becomes a mesh is in the file named after it; shapes.cpp joins that to the properties in force.
+/// becomes a mesh is in the file named after it; shapes.cpp and solid_shapes.cpp join that to the
+/// properties in force.
 class Evaluator final : public ShapeVisitor {
 public:
     Evaluator(Model& model, const EvaluateOptions& options);
@@ -71,15 +72,17 @@ private:
     /// The same for a shape made of a list of indices, which bound it when it is met first.
     bool mayAdd(const Use& use, const QvMFLong& indices);
 
-    /// Shows a shape at its place. `make` returns its mesh, or nothing when there is to be none.
-    template <class Make>
-    void show(Use& use, const glm::dmat4& own, Make make);
-    template <class Make>
-    MeshTable::Found meshOf(Use& use, const Placement& placement, Make make);
+    /// Makes a mesh in the space of its shape, or nothing when there is to be none.
+    using MakeMesh = std::function<std::optional<MeshDraft>()>;
+    /// Makes a solid with so many segments around.
+    using MakeSolid = std::function<Solid(std::uint32_t)>;
+
+    /// Shows a shape at its place, after a transform of its own.
+    void show(Use& use, const glm::dmat4& own, const MakeMesh& make);
+    MeshTable::Found meshOf(Use& use, const Placement& placement, const MakeMesh& make);
     /// Shows a solid, made by `make` if it is the first of its kind, stretched by `scale`.
-    template <class Make>
     void showSolid(const QvNode& shape, const QvState& state, KeyPart kind, const glm::dvec3& scale,
-                   Make make);
+                   const MakeSolid& make);
     void addInstance(std::uint32_t mesh, const Placement& placement);
     /// Nothing when there is no font, or no room.
     std::optional<MeshDraft> makeTextMesh(const QvAsciiText& shape, const QvFontStyle* style,
