@@ -36,18 +36,22 @@ bool Evaluator::enterGroup(const QvGroup& group, GroupScope scope) {
     const auto* const anchor =
         scope == GroupScope::kAll ? dynamic_cast<const QvWWWAnchor*>(&group) : nullptr;
     if (anchor != nullptr && !anchor->name.value.empty() && !seeksCameras_) {
-        std::string url = toUtf8(anchor->name.value);
-        if (model_.urls.empty() || model_.urls.back() != url) {
-            if (url.size() > options_.limits.textBytes - textBytes_) {
-                ++othersLeftOut_;
-                return true;
-            }
-            textBytes_ += url.size();
-            model_.urls.push_back(std::move(url));
-        }
-        place_.setUrl(static_cast<std::uint32_t>(model_.urls.size() - 1));
+        addAnchor(*anchor);
     }
     return true;
+}
+
+void Evaluator::addAnchor(const QvWWWAnchor& anchor) {
+    const auto [known, isNew] = urls_.try_emplace(&anchor);
+    const std::string& name = anchor.name.value;
+    if (isNew && name.size() > options_.limits.textBytes - textBytes_) {
+        ++othersLeftOut_;
+    } else if (isNew) {
+        textBytes_ += name.size();
+        model_.urls.push_back(toUtf8(name));
+        known->second = static_cast<std::uint32_t>(model_.urls.size() - 1);
+    }
+    place_.setUrl(known->second);
 }
 
 void Evaluator::leaveGroup(const QvGroup& /*group*/) { place_.leave(); }
@@ -137,21 +141,21 @@ void Evaluator::leaveSwitch(const QvSwitch& group, QvState& state) {
 
 void Evaluator::passInfo(const QvInfo& info) {
     if (!mayVisit() || seeksCameras_ || info.string.isDefault() ||
-        !infosMet_.insert(&info).second) {
+        !othersMet_.insert(&info).second) {
         return;
     }
-    std::string text = toUtf8(info.string.value);
+    const std::string& text = info.string.value;
     if (model_.infos.size() >= options_.limits.others ||
         text.size() > options_.limits.textBytes - textBytes_) {
         ++othersLeftOut_;
         return;
     }
     textBytes_ += text.size();
-    model_.infos.push_back(std::move(text));
+    model_.infos.push_back(toUtf8(text));
 }
 
 void Evaluator::passUnknown(const QvUnknownNode& node) {
-    if (mayVisit() && !seeksCameras_) {
+    if (mayVisit() && !seeksCameras_ && othersMet_.insert(&node).second) {
         const std::string name = toUtf8(node.className().view());
         if (noted_.insert(name).second) {
             notes_.add(Note::Kind::kUnsupported,
@@ -161,7 +165,7 @@ void Evaluator::passUnknown(const QvUnknownNode& node) {
 }
 
 void Evaluator::visit(const QvWWWInline& shape, const QvState& /*state*/) {
-    if (mayVisit() && !seeksCameras_) {
+    if (mayVisit() && !seeksCameras_ && othersMet_.insert(&shape).second) {
         const std::string name = '"' + toUtf8(shape.name.value) + '"';
         if (noted_.insert(name).second) {
             notes_.add(Note::Kind::kMissing, "inlined scene " + name + " not shown");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "evaluate/evaluate.h"
+#include "evaluate/face_mesh.h"
 #include "evaluate/fonts.h"
 #include "evaluate/images.h"
 #include "evaluate/mesh_table.h"
@@ -89,6 +90,7 @@ private:
                                           const Properties& properties);
     void addTextures(MeshDraft& draft, const Properties& properties);
 
+    void addAnchor(const QvWWWAnchor& anchor);
     void addLight(const QvNode& node, QvElementType type);
     void addCamera(const QvNode& node, QvElementType type);
 
@@ -99,7 +101,7 @@ private:
     FontSet fonts_;
     MeshTable meshes_;
     Triangulator triangulator_;
-    Geometry faceBuffer_;
+    MeshBuffers buffers_;
 
     WalkPlace place_;
     std::map<KeyPart, Solid> solids_;
@@ -108,8 +110,9 @@ private:
 
     std::unordered_set<const QvNode*> shapesMet_;
     std::set<const QvSwitch*> switchesSearched_;
-    std::set<const QvInfo*> infosMet_;
-    std::set<std::string> noted_; ///< Inlines and classes that a note names.
+    std::set<const QvNode*> othersMet_; ///< Infos, inlines, and nodes of unknown classes.
+    std::set<std::string> noted_;       ///< Inlines and classes that a note names.
+    std::map<const QvWWWAnchor*, std::optional<std::uint32_t>> urls_;
     std::set<const QvGroup*> groupsSearched_;
     bool seeksCameras_ = false; ///< In children that a Switch does not show.
 

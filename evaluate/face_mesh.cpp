@@ -27,9 +27,10 @@ Vec3 turned(const Vec3& normal) { return {-normal[0], -normal[1], -normal[2]}; }
 } // namespace
 
 FaceMesh::FaceMesh(const QvIndexedFaceSet& shape, const Properties& properties,
-                   Triangulator& triangulator, Geometry& buffer, Notes& notes)
-    : shape_(shape), properties_(properties), triangulator_(triangulator), buffer_(buffer),
-      notes_(notes), indices_(scalarsOf(shape.coordIndex)), points_(coordinatesOf(properties)),
+                   Triangulator& triangulator, MeshBuffers& buffers, Notes& notes)
+    : shape_(shape), properties_(properties), triangulator_(triangulator),
+      buffer_(buffers.geometry), numbers_(buffers.numbers), notes_(notes),
+      indices_(scalarsOf(shape.coordIndex)), points_(coordinatesOf(properties)),
       isClockwise_(properties.hints != nullptr &&
                    properties.hints->vertexOrdering.value == QvShapeHints::CLOCKWISE),
       values_(properties.material, MaterialValues::Shading::kLit), plan_(values_) {
@@ -68,6 +69,7 @@ void FaceMesh::survey() {
     hasUvs_ = properties_.textureCoordinates != nullptr && properties_.texture != nullptr;
     low_.fill(std::numeric_limits<float>::max());
     high_.fill(std::numeric_limits<float>::lowest());
+    numbers_.begin(points_.count(), indices_.size());
     Face face;
     for (RunReader faces(indices_); faces.next(face);) {
         examine(face, points_);
@@ -87,6 +89,8 @@ void FaceMesh::survey() {
 void FaceMesh::surveyFace(const Face& face) {
     triangles_ += face.points.size() - 2;
     plan_.see(valuesOf(face));
+    std::for_each(face.points.begin(), face.points.end(),
+                  [this](std::int32_t point) { numbers_.use(point); });
     const bool needsBox = properties_.texture != nullptr;
     if (!hasNormals_ && !needsBox) {
         return;
@@ -111,7 +115,7 @@ void FaceMesh::surveyFace(const Face& face) {
 
 MeshDraft FaceMesh::make() {
     if (!hasNormals_) {
-        smoothNormals_.emplace(indices_, faceNormals_, points_.count(),
+        smoothNormals_.emplace(indices_, faceNormals_, numbers_,
                                properties_.hints == nullptr ? kUsualCreaseAngle
                                                             : properties_.hints->creaseAngle.value);
     }
@@ -123,9 +127,9 @@ MeshDraft FaceMesh::make() {
     buffer_.normals.clear();
     buffer_.colors.clear();
     buffer_.uvs.clear();
-    buffer_.positions.reserve(points_.count());
-    buffer_.normals.reserve(points_.count());
-    Welder welder(buffer_, points_.count(), true, plan_.hasColors(),
+    buffer_.positions.reserve(numbers_.count());
+    buffer_.normals.reserve(numbers_.count());
+    Welder welder(buffer_, numbers_.count(), true, plan_.hasColors(),
                   properties_.texture != nullptr);
     Face face;
     for (RunReader faces(indices_); faces.next(face);) {
@@ -188,8 +192,8 @@ void FaceMesh::addFace(const Face& face, Welder& welder) {
     for (std::size_t corner = 0; corner < face.points.size(); ++corner) {
         const std::int32_t point = face.points[corner];
         corners_.push_back(points_.wide(point));
-        vertices_.push_back(welder.vertexAt(static_cast<std::size_t>(point), points_.at(point),
-                                            attributesOf(face, corner)));
+        vertices_.push_back(
+            welder.vertexAt(numbers_.of(point), points_.at(point), attributesOf(face, corner)));
     }
     if (!triangulator_.triangulate(corners_, face.normal, triangulation_)) {
         ++fannedFaces_;

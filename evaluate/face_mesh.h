@@ -6,6 +6,7 @@
 #include "evaluate/mesh_draft.h"
 #include "evaluate/notes.h"
 #include "evaluate/paint_plan.h"
+#include "evaluate/point_numbers.h"
 #include "evaluate/properties.h"
 #include "evaluate/smooth_normals.h"
 #include "evaluate/spread.h"
@@ -19,14 +20,20 @@
 
 namespace meshcast::evaluate {
 
+/// What meshes are built in, one after another.
+struct MeshBuffers {
+    Geometry geometry;
+    PointNumbers numbers;
+};
+
 /// Makes a mesh of an IndexedFaceSet. All faces are looked at first: which are dropped, what
 /// normals, texture coordinates and materials they use. Then they are cut into triangles.
 class FaceMesh {
 public:
-    /// All arguments must outlive the object. `buffer` is what the mesh is built in; one for many
-    /// face sets saves allocations.
+    /// All arguments must outlive the object. `buffers` are what the mesh is built in; the
+    /// same for many face sets save time.
     FaceMesh(const QvIndexedFaceSet& shape, const Properties& properties,
-             Triangulator& triangulator, Geometry& buffer, Notes& notes);
+             Triangulator& triangulator, MeshBuffers& buffers, Notes& notes);
 
     /// The mesh, in the space of the shape. Notes what is dropped and approximated.
     MeshDraft make();
@@ -45,6 +52,7 @@ private:
     const Properties& properties_;
     Triangulator& triangulator_;
     Geometry& buffer_;
+    PointNumbers& numbers_;
     Notes& notes_;
     std::span<const std::int32_t> indices_;
     PointList points_;

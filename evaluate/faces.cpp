@@ -26,11 +26,6 @@ bool hasThreeDifferent(std::span<const std::int32_t> indices) {
 
 } // namespace
 
-PointList::PointList(std::span<const float> coordinates)
-    : coordinates_(coordinates), allFinite_(std::all_of(coordinates.begin(), coordinates.end(),
-                                                        [](float x) { return std::isfinite(x); })) {
-}
-
 bool PointList::isFiniteAt(std::int32_t index) const {
     const float* const p = at(index);
     return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);

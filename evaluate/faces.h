@@ -11,12 +11,11 @@ namespace meshcast::evaluate {
 /// that is no finite number, names no point.
 class PointList {
 public:
-    explicit PointList(std::span<const float> coordinates);
+    explicit PointList(std::span<const float> coordinates) : coordinates_(coordinates) {}
 
     std::size_t count() const { return coordinates_.size() / 3; }
     bool has(std::int32_t index) const {
-        return index >= 0 && static_cast<std::size_t>(index) < count() &&
-               (allFinite_ || isFiniteAt(index));
+        return index >= 0 && static_cast<std::size_t>(index) < count() && isFiniteAt(index);
     }
     const float* at(std::int32_t index) const {
         return coordinates_.data() + 3 * static_cast<std::size_t>(index);
@@ -30,7 +29,6 @@ private:
     bool isFiniteAt(std::int32_t index) const;
 
     std::span<const float> coordinates_;
-    bool allFinite_ = true;
 };
 
 inline constexpr std::int32_t kEndOfFace = -1;

@@ -18,8 +18,8 @@ namespace {
 /// Segments of lines, by the values of their two ends.
 class LineMesh {
 public:
-    LineMesh(const QvIndexedLineSet& shape, const Properties& properties)
-        : properties_(properties), indices_(scalarsOf(shape.coordIndex)),
+    LineMesh(const QvIndexedLineSet& shape, const Properties& properties, PointNumbers& numbers)
+        : properties_(properties), numbers_(numbers), indices_(scalarsOf(shape.coordIndex)),
           points_(properties.coordinates == nullptr ? std::span<const float>()
                                                     : scalarsOf(properties.coordinates->point)) {
         const auto separators = std::count(indices_.begin(), indices_.end(), kEndOfFace);
@@ -42,13 +42,18 @@ public:
     }
 
     MeshDraft make() {
-        forEachSegment([this](const Segment& segment) { plan_->see(valuesOf(segment)); });
+        numbers_.begin(points_.count(), indices_.size());
+        forEachSegment([this](const Segment& segment) {
+            plan_->see(valuesOf(segment));
+            numbers_.use(segment.points[0]);
+            numbers_.use(segment.points[1]);
+        });
         plan_->settle();
         const std::vector<Material> materials = plan_->materials();
         std::vector<std::vector<std::uint32_t>> parts(materials.size());
         MeshDraft draft;
         draft.geometry.topology = Topology::kLines;
-        Welder welder(draft.geometry, points_.count(), hasNormals_, plan_->hasColors(), false);
+        Welder welder(draft.geometry, numbers_.count(), hasNormals_, plan_->hasColors(), false);
         forEachSegment([&](const Segment& segment) {
             const auto values = valuesOf(segment);
             auto& part = parts[plan_->partOf(values)];
@@ -57,8 +62,7 @@ public:
                 attributes.normal = normalAt(segment, end).value_or(Vec3{});
                 attributes.color = plan_->vertexColor(values[end]);
                 const std::int32_t point = segment.points[end];
-                part.push_back(welder.vertexAt(static_cast<std::size_t>(point), points_.at(point),
-                                               attributes));
+                part.push_back(welder.vertexAt(numbers_.of(point), points_.at(point), attributes));
             }
         });
         addParts(draft, parts, materials);
@@ -106,6 +110,7 @@ private:
     }
 
     const Properties& properties_;
+    PointNumbers& numbers_;
     std::span<const std::int32_t> indices_;
     PointList points_;
     SpreadOver over_;
@@ -118,8 +123,9 @@ private:
 
 } // namespace
 
-MeshDraft makeLines(const QvIndexedLineSet& shape, const Properties& properties, Notes& notes) {
-    LineMesh lines(shape, properties);
+MeshDraft makeLines(const QvIndexedLineSet& shape, const Properties& properties,
+                    PointNumbers& numbers, Notes& notes) {
+    LineMesh lines(shape, properties, numbers);
     MeshDraft draft = lines.make();
     notes.addCount(Note::Kind::kDropped, lines.dropped(), "line segment",
                    "dropped: an index names no point");

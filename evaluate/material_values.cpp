@@ -36,9 +36,14 @@ Vec3 colorIn(const QvMFColor& list, std::int32_t i, float missing) {
     return {clampToUnit(color[0]), clampToUnit(color[1]), clampToUnit(color[2])};
 }
 
-/// Whether a list holds different values.
+/// Whether a list may hold different values: a long one is not searched to its end, since any
+/// number of shapes may share it.
 template <class List>
-bool varies(const List& list) {
+bool mayVary(const List& list) {
+    constexpr std::int32_t kMostSearched = 1000;
+    if (isGiven(list) && list.num > kMostSearched) {
+        return true;
+    }
     constexpr std::size_t kWidth = std::is_same_v<List, QvMFColor> ? 3 : 1;
     for (std::int32_t i = 1; isGiven(list) && i < list.num; ++i) {
         if (!std::equal(list.at(0), list.at(0) + kWidth, list.at(i))) {
@@ -71,8 +76,8 @@ MaterialValues::MaterialValues(const QvMaterial* node, Shading shading)
     } else if (isUnlit_) {
         prefersEmissive_ = isGiven(node_->emissiveColor) && !isGiven(node_->diffuseColor);
     }
-    finishVaries_ = !isUnlit_ && (varies(node_->emissiveColor) || varies(node_->specularColor) ||
-                                  varies(node_->ambientColor) || varies(node_->shininess));
+    finishVaries_ = !isUnlit_ && (mayVary(node_->emissiveColor) || mayVary(node_->specularColor) ||
+                                  mayVary(node_->ambientColor) || mayVary(node_->shininess));
 }
 
 bool MaterialValues::isPreLit() const {

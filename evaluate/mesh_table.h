@@ -4,6 +4,7 @@
 #include "evaluate/model.h"
 
 #include <array>
+#include <bit>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -33,16 +34,18 @@ struct MeshKey {
     auto operator<=>(const MeshKey&) const = default;
 };
 
-/// Numbers arrays of doubles, equal ones alike, from 1.
+/// Numbers arrays of doubles from 1, alike those that are equal bit by bit: not every double is
+/// equal to itself.
 template <std::size_t Count>
 class ArrayNumbers {
 public:
     KeyPart numberOf(const std::array<double, Count>& array) {
-        return numbers_.try_emplace(array, numbers_.size() + 1).first->second;
+        const auto bits = std::bit_cast<std::array<std::uint64_t, Count>>(array);
+        return numbers_.try_emplace(bits, numbers_.size() + 1).first->second;
     }
 
 private:
-    std::map<std::array<double, Count>, KeyPart> numbers_;
+    std::map<std::array<std::uint64_t, Count>, KeyPart> numbers_;
 };
 
 /// Adds meshes, geometries and materials to a model, equal ones once.

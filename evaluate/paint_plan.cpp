@@ -33,7 +33,7 @@ void PaintPlan::see(std::span<const std::int32_t> corners) {
 
 void PaintPlan::settle() {
     isReduced_ = finishes_.size() > kMostParts;
-    hasColors_ = paintVaries_ && (!values_.finishVaries() || cornersVary_ ||
+    hasColors_ = paintVaries_ && (finishes_.size() <= 1 || cornersVary_ ||
                                   looks_.size() > kMostParts || isReduced_);
 }
 

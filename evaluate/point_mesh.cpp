@@ -74,14 +74,15 @@ MeshDraft makePoints(const QvPointSet& shape, const Properties& properties) {
     draft.geometry.topology = Topology::kPoints;
     const std::vector<Material> materials = plan.materials();
     std::vector<std::vector<std::uint32_t>> parts(materials.size());
-    Welder welder(draft.geometry, points.count(), hasNormals, plan.hasColors(), false);
+    Welder welder(draft.geometry, static_cast<std::size_t>(end - begin), hasNormals,
+                  plan.hasColors(), false);
     for (std::int32_t point = begin; point < end; ++point) {
         if (points.has(point)) {
             const auto value = valueOf(point);
             const Attributes attributes{
                 hasNormals ? *normalOf(point) : Vec3{}, plan.vertexColor(value[0]), {}};
-            parts[plan.partOf(value)].push_back(
-                welder.vertexAt(static_cast<std::size_t>(point), points.at(point), attributes));
+            parts[plan.partOf(value)].push_back(welder.vertexAt(
+                static_cast<std::size_t>(point - first), points.at(point), attributes));
         }
     }
     addParts(draft, parts, materials);

@@ -156,7 +156,7 @@ void Evaluator::visit(const QvIndexedFaceSet& shape, const QvState& state) {
         if (!mayAdd(use, shape.coordIndex)) {
             return std::nullopt;
         }
-        return FaceMesh(shape, use.properties, triangulator_, faceBuffer_, notes_).make();
+        return FaceMesh(shape, use.properties, triangulator_, buffers_, notes_).make();
     });
 }
 
@@ -170,7 +170,7 @@ void Evaluator::visit(const QvIndexedLineSet& shape, const QvState& state) {
         if (!mayAdd(use, shape.coordIndex)) {
             return std::nullopt;
         }
-        return makeLines(shape, use.properties, notes_);
+        return makeLines(shape, use.properties, buffers_.numbers, notes_);
     });
 }
 
@@ -215,7 +215,8 @@ std::optional<MeshDraft> Evaluator::makeTextMesh(const QvAsciiText& shape, const
     layout.spacing = shape.spacing.value;
     layout.width = shape.width.value;
     layout.justification = static_cast<TextLayout::Justification>(shape.justification.value);
-    if (!(layout.size > 0)) {
+    // A character without triangles takes time too.
+    if (!(layout.size > 0) || !mayAdd(shape.string.value.size())) {
         return std::nullopt;
     }
     Font* const font = fonts_.find(request);

@@ -24,42 +24,42 @@ const Vec3 kNone{};
 // A sum of normals that is shorter than this is a rounded 0.
 constexpr double kNoDirection = 1e-6;
 
-/// Hands over the number of each face that is not left out, with each of its points.
+} // namespace
+
+/// Hands over the number of each face that is not left out, with that of each of its points.
 template <class Use>
-void forEachCorner(std::span<const std::int32_t> indices, std::span<const Vec3> faceNormals,
-                   Use use) {
+void SmoothNormals::forEachCorner(std::span<const std::int32_t> indices, Use use) const {
     Face face;
     for (RunReader faces(indices); faces.next(face);) {
-        if (faceNormals[face.number] != kNone) {
+        if (faceNormals_[face.number] != kNone) {
             for (const std::int32_t point : face.points) {
-                use(face.number, static_cast<std::size_t>(point));
+                use(face.number, numbers_.of(point));
             }
         }
     }
 }
 
-} // namespace
-
 SmoothNormals::SmoothNormals(std::span<const std::int32_t> indices,
-                             std::span<const Vec3> faceNormals, std::size_t points,
+                             std::span<const Vec3> faceNormals, const PointNumbers& numbers,
                              float creaseAngle)
-    : faceNormals_(faceNormals), cosine_(std::cos(static_cast<double>(creaseAngle))),
+    : faceNormals_(faceNormals), numbers_(numbers),
+      cosine_(std::cos(static_cast<double>(creaseAngle))),
       halfCosine_(std::cos(static_cast<double>(creaseAngle) / 2)), isFaceted_(!(creaseAngle > 0)) {
     constexpr float kHalfTurn = 3.1415927F;
     if (creaseAngle >= kHalfTurn) {
         cosine_ = halfCosine_ = -2; // No two normals are that far apart.
     }
     if (!isFaceted_) {
-        addUp(indices, points);
+        addUp(indices);
         if (findCreases(indices)) {
             listFaces(indices);
         }
     }
 }
 
-void SmoothNormals::addUp(std::span<const std::int32_t> indices, std::size_t points) {
-    pointNormals_.assign(points, kNone);
-    forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
+void SmoothNormals::addUp(std::span<const std::int32_t> indices) {
+    pointNormals_.assign(numbers_.count(), kNone);
+    forEachCorner(indices, [this](std::uint32_t face, std::size_t point) {
         for (std::size_t axis = 0; axis < 3; ++axis) {
             pointNormals_[point][axis] += faceNormals_[face][axis];
         }
@@ -71,7 +71,7 @@ void SmoothNormals::addUp(std::span<const std::int32_t> indices, std::size_t poi
 }
 
 bool SmoothNormals::findCreases(std::span<const std::int32_t> indices) {
-    forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
+    forEachCorner(indices, [this](std::uint32_t face, std::size_t point) {
         const Vec3& normal = pointNormals_[point];
         if (normal == kNone || glm::dot(wide(normal), wide(faceNormals_[face])) <= halfCosine_) {
             isCreased_.resize(pointNormals_.size());
@@ -83,7 +83,7 @@ bool SmoothNormals::findCreases(std::span<const std::int32_t> indices) {
 
 void SmoothNormals::listFaces(std::span<const std::int32_t> indices) {
     firstFace_.assign(pointNormals_.size() + 2, 0);
-    forEachCorner(indices, faceNormals_, [this](std::uint32_t, std::size_t point) {
+    forEachCorner(indices, [this](std::uint32_t, std::size_t point) {
         firstFace_[point + 2] += isCreased_[point] ? 1 : 0;
     });
     for (std::size_t i = 2; i < firstFace_.size(); ++i) {
@@ -91,7 +91,7 @@ void SmoothNormals::listFaces(std::span<const std::int32_t> indices) {
     }
     faces_.resize(firstFace_.back());
     // Filling moves each start to its end, which is the start of the next point.
-    forEachCorner(indices, faceNormals_, [this](std::uint32_t face, std::size_t point) {
+    forEachCorner(indices, [this](std::uint32_t face, std::size_t point) {
         if (isCreased_[point]) {
             faces_[firstFace_[point + 1]++] = face;
         }
@@ -103,7 +103,7 @@ Vec3 SmoothNormals::at(std::uint32_t face, std::int32_t point) const {
     if (isFaceted_) {
         return own;
     }
-    const auto place = static_cast<std::size_t>(point);
+    const std::size_t place = numbers_.of(point);
     const Vec3& mean = pointNormals_[place];
     if (isCreased_.empty() || !isCreased_[place]) {
         return mean;

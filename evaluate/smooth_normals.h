@@ -1,6 +1,7 @@
 #pragma once
 
 #include "evaluate/model.h"
+#include "evaluate/point_numbers.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,20 +16,23 @@ namespace meshcast::evaluate {
 class SmoothNormals {
 public:
     /// `indices` are faces that end in -1, `faceNormals` has one of length 1 for each of them, or 0
-    /// 0 0 for a face that is left out. All others must name points below `points`. An angle of 0,
-    /// in radians, makes facets. The normals must outlive the object.
+    /// 0 0 for a face that is left out. All others must use points that have numbers. An angle of
+    /// 0, in radians, makes facets. The normals must outlive the object, and so must the numbers.
     SmoothNormals(std::span<const std::int32_t> indices, std::span<const Vec3> faceNormals,
-                  std::size_t points, float creaseAngle);
+                  const PointNumbers& numbers, float creaseAngle);
 
     /// The normal of the corner that a face has at a point.
     Vec3 at(std::uint32_t face, std::int32_t point) const;
 
 private:
-    void addUp(std::span<const std::int32_t> indices, std::size_t points);
+    void addUp(std::span<const std::int32_t> indices);
+    template <class Use>
+    void forEachCorner(std::span<const std::int32_t> indices, Use use) const;
     bool findCreases(std::span<const std::int32_t> indices);
     void listFaces(std::span<const std::int32_t> indices);
 
     std::span<const Vec3> faceNormals_;
+    const PointNumbers& numbers_;
     double cosine_;     ///< Of the crease angle.
     double halfCosine_; ///< Of half of it.
     bool isFaceted_;

@@ -25,8 +25,8 @@ public:
     /// Puts a transform in force, which acts before those that are.
     void transform(const glm::dmat4& matrix) { matrix_ = matrix_ * matrix; }
     void transformTexture(const glm::dmat3& matrix) { textureMatrix_ = textureMatrix_ * matrix; }
-    /// The address of the anchor that was just entered.
-    void setUrl(std::uint32_t url) { url_ = url; }
+    /// The address of the anchor that was just entered, if it counts.
+    void setUrl(const std::optional<std::uint32_t>& url) { url_ = url; }
 
     const glm::dmat4& matrix() const { return matrix_; }
     const glm::dmat3& textureMatrix() const { return textureMatrix_; }

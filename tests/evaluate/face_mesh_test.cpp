@@ -26,6 +26,29 @@ TEST(FaceMesh, SharesVerticesAndFansConvexFaces) {
     EXPECT_EQ(two.geometries.at(0).positions.size(), 4U);
 }
 
+TEST(FaceMesh, ManyShapesMayShareALongListOfPoints) {
+    std::string points;
+    for (int i = 0; i < 100; ++i) {
+        points += std::to_string(i) + ' ' + std::to_string(i * i) + " 0,";
+    }
+    const Model model =
+        evaluated("Separator { Coordinate3 { point [ " + points +
+                  " ] } IndexedFaceSet { coordIndex [ 90 91 92 -1 90 92 93 ] } "
+                  "IndexedFaceSet { coordIndex [ 93 3 92 ] } IndexedLineSet { "
+                  "coordIndex [ 3 92 3 ] } PointSet { startIndex 92 numPoints 2 } }");
+    const auto listed = [&model](std::size_t geometry) {
+        std::string text;
+        for (const std::uint32_t i : model.geometries.at(geometry).indices) {
+            text += std::to_string(std::lround(model.geometries[geometry].positions[i][0])) + ' ';
+        }
+        return text + std::to_string(model.geometries[geometry].positions.size());
+    };
+    EXPECT_EQ(listed(0), "90 91 92 90 92 93 4");
+    EXPECT_EQ(listed(1), "93 3 92 3");
+    EXPECT_EQ(listed(2), "3 92 92 3 2");
+    EXPECT_EQ(listed(3), "92 93 2");
+}
+
 TEST(FaceMesh, HintsTurnFacesAndShowTheirBacks) {
     const auto hinted = [](const std::string& hints) {
         const Model model = evaluated(faces(kSquare, "0 1 2 3", "ShapeHints { " + hints + " }"));
