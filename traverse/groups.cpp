@@ -1,3 +1,4 @@
+#include "traverse/shape_visitor.h"
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
@@ -19,7 +20,7 @@ void traverseAll(const QvGroup& group, QvState& state) {
 }
 
 void traverseScoped(const QvGroup& group, QvState& state) {
-    if (state.enter(group)) {
+    if (state.enter(group, GroupScope::kAll)) {
         state.push();
         traverseAll(group, state);
         state.pop();
@@ -30,7 +31,7 @@ void traverseScoped(const QvGroup& group, QvState& state) {
 } // namespace
 
 void QvGroup::traverse(QvState& state) const {
-    if (state.enter(*this)) {
+    if (state.enter(*this, GroupScope::kNothing)) {
         traverseAll(*this, state);
         state.leave(*this);
     }
@@ -42,7 +43,7 @@ void QvWWWAnchor::traverse(QvState& state) const { traverseScoped(*this, state);
 
 void QvSwitch::traverse(QvState& state) const {
     constexpr std::int32_t kAllChildren = -3;
-    if (!state.enter(*this)) {
+    if (!state.enter(*this, GroupScope::kNothing)) {
         return;
     }
     const std::int32_t which = whichChild.value;
@@ -51,12 +52,13 @@ void QvSwitch::traverse(QvState& state) const {
     } else if (which >= 0 && which < getNumChildren()) {
         getChild(which)->traverse(state);
     }
+    state.shapes().leaveSwitch(*this, state);
     state.leave(*this);
 }
 
 // Whatever the viewer's distance would be: the stream holds the highest level of detail.
 void QvLevelOfDetail::traverse(QvState& state) const {
-    if (state.enter(*this)) {
+    if (state.enter(*this, GroupScope::kNothing)) {
         if (getNumChildren() > 0) {
             getChild(0)->traverse(state);
         }
@@ -65,7 +67,7 @@ void QvLevelOfDetail::traverse(QvState& state) const {
 }
 
 void QvTransformSeparator::traverse(QvState& state) const {
-    if (!state.enter(*this)) {
+    if (!state.enter(*this, GroupScope::kTransforms)) {
         return;
     }
     state.addElement(QvElementKind::Transformation,
@@ -80,6 +82,6 @@ void QvTransformSeparator::traverse(QvState& state) const {
 }
 
 // What an unknown class means is unknown: neither shapes nor properties inside it take effect.
-void QvUnknownNode::traverse(QvState& /*state*/) const {}
+void QvUnknownNode::traverse(QvState& state) const { state.shapes().passUnknown(*this); }
 
 } // namespace meshcast

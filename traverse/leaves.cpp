@@ -15,6 +15,7 @@ namespace {
 void add(QvState& state, QvElementKind kind, const QvNode& node,
          QvElementType type = QvElementType::Unknown) {
     state.addElement(kind, std::make_unique<QvElement>(&node, type));
+    state.shapes().addProperty(node, kind, type);
 }
 
 } // namespace
@@ -83,6 +84,6 @@ void QvPointSet::traverse(QvState& state) const { state.shapes().visit(*this, st
 void QvSphere::traverse(QvState& state) const { state.shapes().visit(*this, state); }
 void QvWWWInline::traverse(QvState& state) const { state.shapes().visit(*this, state); }
 
-void QvInfo::traverse(QvState& /*state*/) const {}
+void QvInfo::traverse(QvState& state) const { state.shapes().passInfo(*this); }
 
 } // namespace meshcast

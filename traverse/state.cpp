@@ -1,5 +1,6 @@
 #include "traverse/state.h"
 
+#include "traverse/shape_visitor.h"
 #include "vrml/diagnostics.h"
 #include "vrml/scene_reader.h"
 
@@ -55,12 +56,15 @@ void QvState::popElement(QvElementKind kind) {
     --counts_[indexOf(kind)];
 }
 
-bool QvState::enter(const QvGroup& group) {
+bool QvState::enter(const QvGroup& group, GroupScope scope) {
     if (group.groupNumber() >= openGroups_.size()) {
         openGroups_.resize(group.groupNumber() + 1);
     }
     const bool isOpen = openGroups_[group.groupNumber()];
     if (!isOpen && traversalNestingLevel < kMaxNestingDepth) {
+        if (!shapes_.enterGroup(group, scope)) {
+            return false;
+        }
         openGroups_[group.groupNumber()] = true;
         ++traversalNestingLevel;
         return true;
@@ -82,6 +86,7 @@ bool QvState::enter(const QvGroup& group) {
 void QvState::leave(const QvGroup& group) {
     --traversalNestingLevel;
     openGroups_[group.groupNumber()] = false;
+    shapes_.leaveGroup(group);
 }
 
 } // namespace meshcast

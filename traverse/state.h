@@ -13,6 +13,7 @@ namespace meshcast {
 
 class Diagnostics;
 class ShapeVisitor;
+enum class GroupScope : std::uint8_t;
 
 /// What a property applies to: each kind has a stack of its own in the state.
 enum class QvElementKind : std::uint8_t {
@@ -123,8 +124,9 @@ public:
 
     /// Opens a group for the time of its walk. False when it must be left out, since it is open
     /// already (a node may USE the name it bears) or since groups are nested by USE deeper than any
-    /// text nests them. That is reported once for each group.
-    bool enter(const QvGroup& group);
+    /// text nests them. That is reported once for each group. False too when the visitor leaves it
+    /// out.
+    bool enter(const QvGroup& group, GroupScope scope);
     /// Closes the group that was opened last.
     void leave(const QvGroup& group);
 

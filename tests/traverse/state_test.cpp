@@ -41,7 +41,7 @@ TEST(State, WalksGoThroughASceneAtOnce) {
     Walk other;
     for (Walk* const walk : {&one, &other}) {
         // One group is open in either walk, and each tells of the circle.
-        ASSERT_TRUE(walk->state.enter(scene.root<QvGroup>()));
+        ASSERT_TRUE(walk->state.enter(scene.root<QvGroup>(), GroupScope::kNothing));
     }
     one.state.leave(scene.root<QvGroup>());
     scene.scene.root->traverse(one.state);

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "evaluate/mesh_draft.h"
+#include "evaluate/model.h"
+
+#include <array>
+#include <bit>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace meshcast::evaluate {
+
+/// A number that stands for an object or an array of doubles, so that keys stay small and can be
+/// put in an order. 0 stands for none.
+using KeyPart = std::uintptr_t;
+
+inline KeyPart keyOf(const void* object) { return reinterpret_cast<KeyPart>(object); }
+
+/// Everything that the look of a mesh depends on.
+struct MeshKey {
+    KeyPart shape = 0; ///< A node; or the kind and parts of a solid, which are the same for all.
+    KeyPart coordinates = 0, normals = 0, hints = 0, textureCoordinates = 0, fontStyle = 0;
+    KeyPart material = 0, texture = 0, textureMatrix = 0, baked = 0;
+    std::int32_t materialBinding = 0, normalBinding = 0;
+
+    /// What the geometry depends on, where it holds no colours and is not parted.
+    MeshKey withoutMaterial() const;
+
+    auto operator<=>(const MeshKey&) const = default;
+};
+
+/// Numbers arrays of doubles from 1, alike those that are equal bit by bit: not every double is
+/// equal to itself.
+template <std::size_t Count>
+class ArrayNumbers {
+public:
+    KeyPart numberOf(const std::array<double, Count>& array) {
+        const auto bits = std::bit_cast<std::array<std::uint64_t, Count>>(array);
+        return numbers_.try_emplace(bits, numbers_.size() + 1).first->second;
+    }
+
+private:
+    std::map<std::array<std::uint64_t, Count>, KeyPart> numbers_;
+};
+
+/// Adds meshes, geometries and materials to a model, equal ones once.
+class MeshTable {
+public:
+    /// Null: no mesh, since there is nothing to see.
+    using Found = std::optional<std::uint32_t>;
+
+    explicit MeshTable(Model& model) : model_(model) {}
+
+    /// The mesh of a key; null when it has not been added yet.
+    const Found* find(const MeshKey& key) const;
+    /// The geometry of a key without material, which has one part; null when there is none yet.
+    const Found* findGeometry(const MeshKey& key) const;
+
+    /// Adds a mesh of one part by a geometry that findGeometry has found.
+    Found add(const MeshKey& key, const Found& geometry, const Material& material);
+    /// Adds a mesh. Parts without triangles, lines or points are left out.
+    Found add(const MeshKey& key, MeshDraft draft);
+
+private:
+    std::uint32_t numberOf(const Material& material);
+
+    Model& model_;
+    std::map<MeshKey, Found> meshes_;
+    std::map<MeshKey, Found> geometries_;
+    /// By a hash first, which spares most comparisons of whole materials.
+    std::map<std::pair<std::uint64_t, Material>, std::uint32_t> materials_;
+};
+
+} // namespace meshcast::evaluate

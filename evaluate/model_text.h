@@ -1,0 +1,17 @@
+#pragma once
+
+#include "evaluate/model.h"
+
+#include <string>
+
+namespace meshcast::evaluate {
+
+/// A model as lines of text, for tests and for comparing builds. Numbers are rounded to five
+/// decimals. What is as it usually is, such as a matrix that changes nothing, is left out.
+std::string modelText(const Model& model);
+
+/// The same of a part of it.
+std::string materialText(const Material& material);
+std::string geometryText(const Geometry& geometry);
+
+} // namespace meshcast::evaluate
