@@ -19,24 +19,33 @@ namespace fs = std::filesystem;
 
 constexpr mode_t kPermissions = 0777;
 
-/// Where a name leads when its links have been followed; nothing when they lead into /proc, where
-/// links stand for open files.
-std::optional<fs::path> followed(fs::path path) {
+/// Where a name leads when its links have been followed. Links in /proc stand for open files: of
+/// the process's own the descriptor is told, so that writing goes on where others have left off.
+struct Target {
+    std::optional<fs::path> path; ///< None in /proc.
+    int descriptor = -1;
+};
+
+Target followed(fs::path path) {
     constexpr int kMostLinks = 40;
     std::error_code error;
     for (int i = 0; i < kMostLinks; ++i) {
         const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
         struct statfs system {};
         if (::statfs(folder.c_str(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC) {
-            return std::nullopt;
+            const std::string number = path.filename().string();
+            const bool isOwn = fs::equivalent(folder, "/proc/self/fd", error) && !number.empty() &&
+                               number.find_first_not_of("0123456789") == std::string::npos;
+            constexpr std::size_t kMostDigits = 9;
+            return {std::nullopt, isOwn && number.size() <= kMostDigits ? std::stoi(number) : -1};
         }
         const fs::path target = fs::read_symlink(path, error);
         if (error) {
-            return path;
+            break;
         }
         path = target.is_absolute() ? target : folder / target;
     }
-    return path;
+    return {path};
 }
 
 /// Holds back signals that would end the process, while a file with a name is incomplete, and makes
@@ -167,11 +176,12 @@ std::error_code writeStandardOutput(std::string_view bytes) {
 std::error_code writeFile(const std::string& name,
                           const std::function<std::error_code(int descriptor)>& write) {
     const SignalsHeld held(false);
-    const std::optional<fs::path> path = followed(name);
+    const auto [path, descriptor] = followed(name);
     struct stat status {};
     const bool exists = ::stat(name.c_str(), &status) == 0;
     if (!path || (exists && !S_ISREG(status.st_mode))) {
-        Descriptor file(::open(name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+        Descriptor file(descriptor >= 0 ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
+                                        : ::open(name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
         if (!file.isOpen()) {
             return lastError();
         }
