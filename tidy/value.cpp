@@ -11,6 +11,9 @@ bool ValuePlace::mayFollow(std::string_view word) const {
 }
 
 PassedValue passValue(const ValuePlace& place, const char* p) {
+    if (p == place.lexer.end()) {
+        return {};
+    }
     switch (place.type().kind) {
     case ValueType::Kind::kReal:
     case ValueType::Kind::kInteger:

@@ -51,7 +51,8 @@ PassedValue passList(Lexer& lexer, const char* p, NumberKind kind, int width) {
             return {};
         }
     }
-    return p == lexer.end() ? PassedValue{} : PassedValue{p + 1, count};
+    // Beyond the end of a part of a text lies the rest of it.
+    return p >= lexer.end() ? PassedValue{} : PassedValue{p + 1, count};
 }
 
 struct NumberWord {
@@ -155,7 +156,7 @@ PassedValue passNumbers(const ValuePlace& place, const char* p) {
         }
     } else {
         const char* const end = endOfValue(place.lexer, p, kindOf(type), type.width);
-        if (end != nullptr && maySeparate(place, end)) {
+        if (end != nullptr && end <= place.lexer.end() && maySeparate(place, end)) {
             return {end};
         }
         if (!type.isList || type.kind == ValueType::Kind::kReal) {
