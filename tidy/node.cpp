@@ -2,6 +2,7 @@
 #include "vrml/scene_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace meshcast::tidy {
 
@@ -64,7 +65,7 @@ void openNode(Parse& parse, const NodeClass& info, const Beginning& beginning,
     node.fieldsEnd = parse.edits.mark(parse.at);
     node.editsBefore = beginning.editsBefore;
     openScope(parse, node);
-    parse.open.push_back(node);
+    parse.open.push_back(std::move(node));
     parse.leaf = {};
 
     // A group of the catalogue has children in the place of a declaration.
@@ -85,7 +86,7 @@ void openNode(Parse& parse, const NodeClass& info, const Beginning& beginning,
 
 /// Leaves the node whose closing brace has been passed.
 void closeNode(Parse& parse) {
-    OpenNode node = parse.top();
+    OpenNode node = std::move(parse.top());
     parse.open.pop_back();
     --parse.job.depth;
     closeScope(parse, node, parse.container());

@@ -81,7 +81,8 @@ void closeScope(Parse& parse, OpenNode& node, OpenNode& parent) {
     } else if (node.info->keepsItsState) {
         job.coordinates = node.before;
     }
-    const auto named = parse.source.names.find(node.name);
+    const auto named =
+        node.name.empty() ? parse.source.names.end() : parse.source.names.find(node.name);
     if (named != parse.source.names.end() && named->second.source == node.begin) {
         Definition& definition = named->second;
         definition.leavesCount = job.coordinates.since > node.began ? job.coordinates.count : -1;

@@ -16,7 +16,8 @@ NumberKind kindOf(const ValueType& type) {
 }
 
 /// The end of one value's numbers as the reader takes them, or null.
-const char* endOfValue(Lexer& lexer, const char* p, NumberKind kind, int width) {
+template <NumberKind kind>
+const char* endOfValue(Lexer& lexer, const char* p, int width) {
     for (int i = 0; i < width; ++i) {
         p += *p == ' ' ? 1 : 0;
         const char* end = endOfNumber(p, kind);
@@ -36,11 +37,12 @@ const char* endOfValue(Lexer& lexer, const char* p, NumberKind kind, int width) 
 }
 
 /// Passes over a list as the reader takes it, which is what nearly every byte of a scene is.
-PassedValue passList(Lexer& lexer, const char* p, NumberKind kind, int width) {
+template <NumberKind kind>
+PassedValue passList(Lexer& lexer, const char* p, int width) {
     std::size_t count = 0;
     p = lexer.skipSpace(p + 1);
     for (; *p != ']'; ++count) {
-        p = endOfValue(lexer, p, kind, width);
+        p = endOfValue<kind>(lexer, p, width);
         if (p == nullptr) {
             return {};
         }
@@ -151,11 +153,16 @@ PassedValue passNumbers(const ValuePlace& place, const char* p) {
     const ValueType& type = place.type();
     const bool isList = type.isList && *p == '[';
     if (isList) {
-        if (const PassedValue list = passList(place.lexer, p, kindOf(type), type.width)) {
+        const PassedValue list = kindOf(type) == NumberKind::kReal
+                                     ? passList<NumberKind::kReal>(place.lexer, p, type.width)
+                                     : passList<NumberKind::kInteger>(place.lexer, p, type.width);
+        if (list) {
             return list;
         }
     } else {
-        const char* const end = endOfValue(place.lexer, p, kindOf(type), type.width);
+        const char* const end = kindOf(type) == NumberKind::kReal
+                                    ? endOfValue<NumberKind::kReal>(place.lexer, p, type.width)
+                                    : endOfValue<NumberKind::kInteger>(place.lexer, p, type.width);
         if (end != nullptr && end <= place.lexer.end() && maySeparate(place, end)) {
             return {end};
         }
