@@ -173,30 +173,30 @@ std::error_code writeStandardOutput(std::string_view bytes) {
     return Descriptor(::dup(STDOUT_FILENO)).close();
 }
 
-std::error_code writeFile(const std::string& name,
+std::error_code writeFile(const std::string& path,
                           const std::function<std::error_code(int descriptor)>& write) {
     const SignalsHeld held(false);
-    const auto [path, descriptor] = followed(name);
+    const auto [target, descriptor] = followed(path);
     struct stat status {};
-    const bool exists = ::stat(name.c_str(), &status) == 0;
-    if (!path || (exists && !S_ISREG(status.st_mode))) {
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (!target || (exists && !S_ISREG(status.st_mode))) {
         Descriptor file(descriptor >= 0 ? ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
-                                        : ::open(name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+                                        : ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
         if (!file.isOpen()) {
             return lastError();
         }
         const std::error_code error = write(file.number());
         return error ? error : file.close();
     }
-    const fs::path folder = path->has_parent_path() ? path->parent_path() : fs::path(".");
+    const fs::path folder = target->has_parent_path() ? target->parent_path() : fs::path(".");
     const std::optional<mode_t> mode = exists ? std::optional(status.st_mode) : std::nullopt;
     Descriptor file(::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
     const bool isUnnamed = file.isOpen() && ::access("/proc/self/fd", F_OK) == 0;
     if (!isUnnamed) {
-        return writeNamed(folder, *path, mode, write);
+        return writeNamed(folder, *target, mode, write);
     }
     std::error_code error = writeNew(file.number(), mode, write);
-    error = error ? error : linkTo(file.number(), folder, *path);
+    error = error ? error : linkTo(file.number(), folder, *target);
     const std::error_code closing = file.close();
     return error ? error : closing;
 }

@@ -173,11 +173,11 @@ namespace {
 /// end the next time.
 void endComment(Parse& parse, std::string_view message) {
     const char* const end = parse.lexer.end();
-    const char* last = end;
-    while (last != parse.lexer.begin() && last[-1] == '\r') {
-        --last;
+    const char* first = end;
+    while (first != parse.lexer.begin() && first[-1] == '\r') {
+        --first;
     }
-    parse.edits.replace(last, end, "\n", message);
+    parse.edits.replace(first, end, "\n", message);
 }
 
 } // namespace

@@ -97,7 +97,7 @@ void mendDefinition(Parse& parse, Beginning beginning, const StringToken& name) 
     if (!className.empty()) {
         writeName(parse, beginning, name);
         parse.edits.drop(end, className.data(), "cut the name at " + quoted(name.text));
-        parseNode(parse, std::move(beginning), className);
+        parseNode(parse, beginning, className);
         return;
     }
     // "DEF Cube {" has no name; of anything else nothing but the name can be told.
@@ -143,7 +143,7 @@ bool restore(Parse& parse, const char* use, const char* useEnd, std::string_view
     }
     parse.edits.replace(use, useEnd, job.store.take(applyEdits(part, edits)),
                         "wrote " + quoted(name) + " once more here" + why);
-    parse.edits.quote(useEnd, std::move(edits));
+    parse.edits.quote(useEnd, edits);
     return true;
 }
 
@@ -186,7 +186,7 @@ void parseDef(Parse& parse) {
         parse.source.hasBracedNames || name.inner().find_first_of("{}") != std::string_view::npos;
     writeName(parse, beginning, name);
     parse.at = next;
-    parseNode(parse, std::move(beginning), className);
+    parseNode(parse, beginning, className);
 }
 
 void parseUse(Parse& parse) {

@@ -59,7 +59,7 @@ void EditList::replace(const char* first, const char* last, std::string_view rep
 }
 
 void EditList::drop(const char* first, const char* last, std::string_view message) {
-    const char* const end = text_.data() + text_.size();
+    const char* const textEnd = text_.data() + text_.size();
     const std::size_t begin = offsetOf(first);
     if (runEnd_ != begin || runBegin_ >= edits_.size()) {
         // Blanks up to the edit before: what that has passed is not looked at again.
@@ -70,7 +70,7 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
         }
         runBegin_ = edits_.size();
     }
-    const char* const rest = std::find_if_not(last, end, isBlank);
+    const char* const rest = std::find_if_not(last, textEnd, isBlank);
     Edit edit{begin,
               static_cast<std::size_t>(last - first),
               {},
@@ -78,13 +78,13 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
               nullptr,
               0,
               !message.empty()};
-    if (rest == end || *rest == '\n') {
+    if (rest == textEnd || *rest == '\n') {
         // Nothing is left on the line after it: the blanks before it go, too.
         const Edit* const before = runBegin_ == 0 ? nullptr : &edits_[runBegin_ - 1];
         const bool follows = before != nullptr && !before->replacement.empty() &&
                              before->offset + before->length == runBlanks_;
         const bool stoodAlone =
-            rest != end && runBlanks_ != 0 && text_[runBlanks_ - 1] == '\n' && !follows;
+            rest != textEnd && runBlanks_ != 0 && text_[runBlanks_ - 1] == '\n' && !follows;
         edit.length = static_cast<std::size_t>(rest - first) + (stoodAlone ? 1 : 0);
         Edit& firstOfRun = runBegin_ == edits_.size() ? edit : edits_[runBegin_];
         firstOfRun.length += firstOfRun.offset - runBlanks_;
@@ -98,9 +98,9 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
     edits_.push_back(edit);
 }
 
-void EditList::quote(const char* at, std::vector<Edit> said) {
+void EditList::quote(const char* at, const std::vector<Edit>& said) {
     const std::size_t offset = std::max(offsetOf(at), lastEnd());
-    for (Edit& edit : said) {
+    for (const Edit& edit : said) {
         if (edit.isRepair || !edit.message.empty()) {
             edits_.push_back({offset, 0, {}, edit.message, edit.file, edit.line, edit.isRepair});
         }

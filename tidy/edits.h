@@ -67,7 +67,7 @@ public:
     /// after it stays apart.
     void drop(const char* first, const char* last, std::string_view message = {});
     /// Says what the edits of another text have to say, or remarks.
-    void quote(const char* at, std::vector<Edit> said);
+    void quote(const char* at, const std::vector<Edit>& said);
 
     /// A mark at a place, or at the end of the last edit if that lies after it.
     Mark mark(const char* at) const {

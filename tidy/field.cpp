@@ -123,7 +123,7 @@ void parseLateField(Parse& parse, const Field& known) {
     parse.edits.insertAt(parse.container().fieldsEnd, moved);
     parse.edits.drop(first, parse.at,
                      "moved the field " + quoted(known.name) + " before the children");
-    parse.edits.quote(parse.at, std::move(edits));
+    parse.edits.quote(parse.at, edits);
 }
 
 void parseUnknownField(Parse& parse, std::string_view word) {

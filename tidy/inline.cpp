@@ -107,10 +107,10 @@ void replaceInline(Parse& parse, const OpenNode& node) {
     std::vector<Edit> before = takeEditsFrom(parse, node.classBegin);
     parse.edits.replace(node.classBegin, parse.at,
                         job.store.take("Separator { " + applyEdits(body, edits) + " }"));
-    parse.edits.quote(parse.at, std::move(before));
+    parse.edits.quote(parse.at, before);
     const std::string put = "put " + printable(scene->path) + " in the place of " + shown;
     parse.edits.quote(parse.at, {remark(job.store.keepMessage(put), line)});
-    parse.edits.quote(parse.at, std::move(edits));
+    parse.edits.quote(parse.at, edits);
 }
 
 } // namespace meshcast::tidy

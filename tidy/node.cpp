@@ -9,7 +9,7 @@ namespace meshcast::tidy {
 using Kind = OpenNode::Kind;
 
 /// Takes a node, from its class on.
-void parseNode(Parse& parse, Beginning beginning, std::string_view className) {
+void parseNode(Parse& parse, const Beginning& beginning, std::string_view className) {
     const char* const classEnd = className.data() + className.size();
     const NodeClass* info = findClass(className);
     StandIn other;

@@ -173,7 +173,7 @@ void parseStray(Parse& parse);
 void parseEnd(Parse& parse);
 
 // node.cpp: nodes.
-void parseNode(Parse& parse, Beginning beginning, std::string_view className);
+void parseNode(Parse& parse, const Beginning& beginning, std::string_view className);
 void openNode(Parse& parse, const NodeClass& info, const Beginning& beginning,
               const char* classBegin);
 void closeNode(Parse& parse);

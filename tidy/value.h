@@ -39,12 +39,12 @@ PassedValue passValue(const ValuePlace& place, const char* p);
 
 // The kinds of values. Each first looks for what the reader takes, then for what may be meant.
 PassedValue passNumbers(const ValuePlace& place, const char* p);
-PassedValue mendList(const ValuePlace& place, const char* p);
+PassedValue mendList(const ValuePlace& place, const char* first);
 PassedValue passBool(const ValuePlace& place, const char* p);
 PassedValue passEnum(const ValuePlace& place, const char* p);
-PassedValue passMask(const ValuePlace& place, const char* p);
+PassedValue passMask(const ValuePlace& place, const char* first);
 PassedValue passString(const ValuePlace& place, const char* p);
-PassedValue passImage(const ValuePlace& place, const char* p);
+PassedValue passImage(const ValuePlace& place, const char* first);
 
 /// True when the node may go on at `end`, which a value has been taken up to.
 bool maySeparate(const ValuePlace& place, const char* end);
