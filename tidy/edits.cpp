@@ -70,7 +70,10 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
         }
         runBegin_ = edits_.size();
     }
-    const char* const rest = std::find_if_not(last, textEnd, isBlank);
+    const char* rest = last;
+    while (rest != textEnd && isBlank(*rest)) {
+        ++rest;
+    }
     Edit edit{begin,
               static_cast<std::size_t>(last - first),
               {},
