@@ -61,7 +61,12 @@ void EditList::replace(const char* first, const char* last, std::string_view rep
 void EditList::drop(const char* first, const char* last, std::string_view message) {
     const char* const textEnd = text_.data() + text_.size();
     const std::size_t begin = offsetOf(first);
-    if (runEnd_ != begin || runBegin_ >= edits_.size()) {
+    std::size_t changing = edits_.size();
+    while (changing > runLast_ + 1 && !edits_[changing - 1].changesText()) {
+        --changing;
+    }
+    // Nothing may have been put between the parts of a run.
+    if (runEnd_ != begin || changing != runLast_ + 1) {
         // Blanks up to the edit before: what that has passed is not looked at again.
         const std::size_t least = edits_.empty() ? 0 : edits_.back().offset + edits_.back().length;
         runBlanks_ = begin;
@@ -98,6 +103,7 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
         edit.replacement = " ";
     }
     runEnd_ = edit.offset + edit.length;
+    runLast_ = edits_.size();
     edits_.push_back(edit);
 }
 

@@ -104,6 +104,7 @@ private:
     // the blanks before it begin.
     std::size_t runBegin_ = 0;
     std::size_t runBlanks_ = 0;
+    std::size_t runLast_ = 0; ///< Its last edit.
     std::size_t runEnd_ = std::string_view::npos;
 };
 
