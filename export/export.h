@@ -40,7 +40,8 @@ struct Exported {
     std::vector<File> files; ///< The main file, then those that it names.
     /// What the format cannot hold: lights and cameras, lines, textures and the like.
     std::vector<evaluate::Note> notes;
-    std::string failure; ///< Why there are no files, as the end of a sentence; empty when there are.
+    std::string
+        failure; ///< Why there are no files, as the end of a sentence; empty when there are.
 };
 
 /// Writes a model into memory. A model without instances gives a valid file with nothing in it

@@ -9,7 +9,7 @@ set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libsodium-dev libcli11-dev
 nlohmann-json3-dev zlib1g-dev libglm-dev libglu1-mesa-dev libfreetype-dev
-libfontconfig-dev libstb-dev libgtest-dev libgmock-dev parallel groff-base python3"
+libfontconfig-dev libstb-dev libtinygltf-dev libassimp-dev libgtest-dev libgmock-dev parallel groff-base python3"
 [ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
 if [ "${1:-}" = "--developer" ]; then
     packages="$packages clang-format clang-tidy cppcheck shellcheck libbenchmark-dev valgrind git"

@@ -1,0 +1,33 @@
+#include "export/export.h"
+
+#include "export/writers.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace meshcast::exporter {
+
+const std::vector<Format>& formats() {
+    static const std::vector<Format> kFormats = {
+        {"glb", "glTF 2.0 in one binary file"},
+        {"gltf", "glTF 2.0 as text, with its buffer and images beside it"},
+    };
+    return kFormats;
+}
+
+const Format* findFormat(std::string_view extension) {
+    const auto isSame = [extension](const Format& format) {
+        return std::equal(extension.begin(), extension.end(), format.extension.begin(),
+                          format.extension.end(), [](char c, char lower) {
+                              return c == lower || (c >= 'A' && c <= 'Z' && c - 'A' + 'a' == lower);
+                          });
+    };
+    const auto found = std::find_if(formats().begin(), formats().end(), isSame);
+    return found == formats().end() ? nullptr : &*found;
+}
+
+Exported exportModel(evaluate::Model&& model, const Format& format, const Options& options) {
+    return writeGltf(std::move(model), format.extension == "glb", options);
+}
+
+} // namespace meshcast::exporter

@@ -1,0 +1,198 @@
+#include "tools/vrmlexport/export_report.h"
+
+#include "evaluate/utf8.h"
+#include "export/json_writer.h"
+#include "tidy/report.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string_view>
+#include <system_error>
+
+namespace vrmlexport {
+
+using meshcast::evaluate::Geometry;
+using meshcast::evaluate::Instance;
+using meshcast::evaluate::Matrix;
+using meshcast::evaluate::Model;
+using meshcast::evaluate::Note;
+using meshcast::evaluate::Primitive;
+using meshcast::evaluate::Topology;
+using meshcast::evaluate::Vec3;
+using meshcast::exporter::JsonWriter;
+
+namespace {
+
+Vec3 placed(const Vec3& point, const Matrix& matrix) {
+    Vec3 result;
+    for (std::size_t row = 0; row < 3; ++row) {
+        double sum = matrix[12 + row];
+        for (std::size_t column = 0; column < 3; ++column) {
+            sum +=
+                static_cast<double>(matrix[4 * column + row]) * static_cast<double>(point[column]);
+        }
+        result[row] = static_cast<float>(sum);
+    }
+    return result;
+}
+
+void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& primitive,
+                  const Matrix& matrix) {
+    const Geometry& geometry = model.geometries[primitive.geometry];
+    switch (geometry.topology) {
+    case Topology::kTriangles:
+        counts.triangles += primitive.indexCount / 3;
+        break;
+    case Topology::kLines:
+        counts.lines += primitive.indexCount / 2;
+        break;
+    case Topology::kPoints:
+        counts.points += primitive.indexCount;
+        break;
+    }
+    const auto first = geometry.indices.begin() + primitive.firstIndex;
+    std::for_each(first, first + primitive.indexCount, [&](std::uint32_t index) {
+        const Vec3 point = placed(geometry.positions[index], matrix);
+        if (!counts.bounds) {
+            counts.bounds = {point, point};
+        }
+        auto& [lowest, highest] = *counts.bounds;
+        for (std::size_t i = 0; i < 3; ++i) {
+            lowest[i] = std::min(lowest[i], point[i]);
+            highest[i] = std::max(highest[i], point[i]);
+        }
+    });
+}
+
+std::string_view kindName(Note::Kind kind) {
+    switch (kind) {
+    case Note::Kind::kDropped:
+        return "dropped";
+    case Note::Kind::kMissing:
+        return "missing";
+    case Note::Kind::kApproximated:
+        return "approximated";
+    case Note::Kind::kUnsupported:
+        return "unsupported";
+    case Note::Kind::kLimit:
+        return "limit";
+    }
+    return "";
+}
+
+void writeCounts(JsonWriter& json, const ModelCounts& counts) {
+    json.key("counts").beginObject();
+    json.member("meshes", counts.meshes).member("instances", counts.instances);
+    json.member("triangles", counts.triangles).member("lines", counts.lines);
+    json.member("points", counts.points).member("materials", counts.materials);
+    json.member("images", counts.images).member("cameras", counts.cameras);
+    json.member("lights", counts.lights).endObject();
+    if (counts.bounds) {
+        json.key("bounds").beginObject();
+        json.list("min", (*counts.bounds)[0]).list("max", (*counts.bounds)[1]).endObject();
+    }
+}
+
+} // namespace
+
+ModelCounts countsOf(const Model& model) {
+    ModelCounts counts;
+    counts.meshes = model.meshes.size();
+    counts.instances = model.instances.size();
+    counts.materials = model.materials.size();
+    counts.images = model.images.size();
+    counts.cameras = model.cameras.size();
+    counts.lights = model.lights.size();
+    for (const Instance& instance : model.instances) {
+        for (const Primitive& primitive : model.meshes[instance.mesh].primitives) {
+            addPrimitive(counts, model, primitive, instance.matrix);
+        }
+    }
+    return counts;
+}
+
+void ExportReport::add(const meshcast::tidy::Message& repair) {
+    lines_.add(repair);
+    if (keeps()) {
+        repairs_.push_back({std::string(repair.file), repair.line, std::string(repair.what)});
+    }
+}
+
+void ExportReport::addRepairCount(std::size_t count) {
+    lines_.addCount(meshcast::shownName(line_.scene), count);
+}
+
+void ExportReport::Messages::report(const meshcast::Diagnostic& diagnostic) {
+    std::string text = meshcast::messageText(diagnostic);
+    while (!text.empty() && text.back() == '\n') {
+        text.pop_back();
+    }
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    report_.lines_.add(meshcast::shownName(report_.line_.scene), text);
+    if (report_.keeps()) {
+        report_.texts_.push_back(std::move(text));
+    }
+}
+
+void ExportReport::addNotes(const std::vector<Note>& notes) {
+    for (const Note& note : notes) {
+        const std::string where = note.where.empty() ? "" : note.where + ": ";
+        lines_.add(meshcast::shownName(line_.scene), where + note.text);
+    }
+    lines_.flush();
+    if (keeps()) {
+        notes_.insert(notes_.end(), notes.begin(), notes.end());
+    }
+}
+
+void ExportReport::fail(const std::string& file, const std::string& reason) {
+    lines_.flush();
+    failure_ = meshcast::tidy::printable(file) + ": " + meshcast::tidy::printable(reason);
+    std::cerr << "vrmlexport: " << failure_ << '\n';
+}
+
+std::string ExportReport::json() const {
+    using meshcast::evaluate::toUtf8;
+    std::string text;
+    JsonWriter json(text);
+    json.breakLinesTo(2);
+    json.beginObject();
+    json.member("scene", toUtf8(line_.scene)).member("output", toUtf8(line_.output));
+    json.member("format", line_.format->extension).member("written", failure_.empty());
+    if (!failure_.empty()) {
+        json.member("failure", toUtf8(failure_));
+    }
+    json.key("repairs").beginArray();
+    for (const Repair& repair : repairs_) {
+        json.beginObject().member("file", toUtf8(repair.file)).member("line", repair.line);
+        json.member("text", toUtf8(repair.what)).endObject();
+    }
+    json.endArray().key("messages").beginArray();
+    for (const std::string& message : texts_) {
+        json.value(toUtf8(message));
+    }
+    json.endArray().key("notes").beginArray();
+    for (const Note& note : notes_) {
+        json.beginObject().member("kind", kindName(note.kind)).member("text", toUtf8(note.text));
+        json.member("where", toUtf8(note.where)).endObject();
+    }
+    json.endArray();
+    if (counts_) {
+        writeCounts(json, *counts_);
+    }
+    json.endObject();
+    return text + "\n";
+}
+
+bool ExportReport::write() {
+    if (!keeps()) {
+        return true;
+    }
+    const std::error_code error = meshcast::writeOutput(line_.report, json());
+    if (error) {
+        fail(line_.report, "cannot be written: " + error.message());
+    }
+    return !error;
+}
+
+} // namespace vrmlexport

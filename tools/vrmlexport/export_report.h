@@ -1,0 +1,76 @@
+#pragma once
+
+#include "evaluate/model.h"
+#include "tidy/tidy.h"
+#include "tools/scene_file/scene_file.h"
+#include "tools/vrmlexport/command_line.h"
+#include "vrml/diagnostics.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vrmlexport {
+
+/// What a model holds, in numbers. Meshes count as often as they are placed.
+struct ModelCounts {
+    std::uint64_t meshes = 0, instances = 0, materials = 0, images = 0, cameras = 0, lights = 0;
+    std::uint64_t triangles = 0, lines = 0, points = 0;
+    /// The least and the greatest placed coordinates; none without instances.
+    std::optional<std::array<meshcast::evaluate::Vec3, 2>> bounds;
+};
+
+ModelCounts countsOf(const meshcast::evaluate::Model& model);
+
+/// Tells on standard error what happens to a scene, and keeps it for a report as JSON.
+class ExportReport {
+public:
+    explicit ExportReport(const CommandLine& line)
+        : line_(line), lines_(line.isQuiet), messages_(*this) {}
+
+    /// A repair of the scene, and then how many there were.
+    void add(const meshcast::tidy::Message& repair);
+    void addRepairCount(std::size_t count);
+    /// Where messages of the reader and the walk go.
+    meshcast::Diagnostics& messages() { return messages_; }
+    /// What the model or the format does not show as the scene has it.
+    void addNotes(const std::vector<meshcast::evaluate::Note>& notes);
+    void addCounts(const ModelCounts& counts) { counts_ = counts; }
+    /// The reason why nothing is written, about a file: "cannot be read". Never quiet.
+    void fail(const std::string& file, const std::string& reason);
+
+    /// Writes the JSON file, if there is to be one. False, and a message, if that fails.
+    bool write();
+
+private:
+    struct Repair {
+        std::string file;
+        std::size_t line;
+        std::string what;
+    };
+    class Messages final : public meshcast::Diagnostics {
+    public:
+        explicit Messages(ExportReport& report) : report_(report) {}
+        void report(const meshcast::Diagnostic& diagnostic) override;
+
+    private:
+        ExportReport& report_;
+    };
+
+    std::string json() const;
+    bool keeps() const { return !line_.report.empty(); }
+
+    const CommandLine& line_;
+    meshcast::ReportLines lines_;
+    Messages messages_;
+    std::vector<Repair> repairs_;
+    std::vector<std::string> texts_; ///< Of the messages.
+    std::vector<meshcast::evaluate::Note> notes_;
+    std::optional<ModelCounts> counts_;
+    std::string failure_;
+};
+
+} // namespace vrmlexport
