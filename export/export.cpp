@@ -3,6 +3,7 @@
 #include "export/writers.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace meshcast::exporter {
@@ -24,6 +25,14 @@ const Format* findFormat(std::string_view extension) {
     };
     const auto found = std::find_if(formats().begin(), formats().end(), isSame);
     return found == formats().end() ? nullptr : &*found;
+}
+
+File fileOf(std::string name, std::string bytes) {
+    const auto kept = std::make_shared<std::string>(std::move(bytes));
+    return {std::move(name), [kept](ByteSink& sink) {
+                sink.write(*kept);
+                std::string().swap(*kept);
+            }};
 }
 
 Exported exportModel(evaluate::Model&& model, const Format& format, const Options& options) {

@@ -2,6 +2,7 @@
 
 #include "evaluate/model.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,10 +30,24 @@ struct Options {
     std::string name = "scene";
 };
 
+/// Where the bytes of a file go.
+class ByteSink {
+public:
+    ByteSink() = default;
+    ByteSink(const ByteSink&) = delete;
+    ByteSink& operator=(const ByteSink&) = delete;
+    virtual ~ByteSink() = default;
+
+    /// Takes the next bytes, of any number; many calls with few bytes are cheap. What goes wrong
+    /// is the sink's to remember and tell.
+    virtual void write(std::string_view bytes) = 0;
+};
+
 /// A file that is to be written.
 struct File {
     std::string name; ///< Without a folder; empty for the main file, whose name the user chooses.
-    std::string bytes;
+    /// Writes its bytes: once only, since it gives back the memory of what has been written.
+    std::function<void(ByteSink& sink)> write;
 };
 
 /// What an export has made.
@@ -44,9 +59,9 @@ struct Exported {
         failure; ///< Why there are no files, as the end of a sentence; empty when there are.
 };
 
-/// Writes a model into memory. A model without instances gives a valid file with nothing in it
-/// where the format knows such files. The model is used up: its memory is given back as soon as
-/// what it held is written. Throws nothing but std::bad_alloc.
+/// Makes the files of a model. A model without instances gives a valid file with nothing in it
+/// where the format knows such files. Neither this nor writing the files throws anything but
+/// std::bad_alloc.
 Exported exportModel(evaluate::Model&& model, const Format& format, const Options& options);
 
 } // namespace meshcast::exporter

@@ -4,8 +4,11 @@
 #include "export/gltf_layout.h"
 #include "export/writers.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
+#include <memory>
 #include <utility>
 
 // A binary glTF file is its JSON and its buffer, each in a chunk: section 4 of glTF's 2.0
@@ -18,8 +21,8 @@ using evaluate::Model;
 
 namespace {
 
-constexpr std::uint32_t kMagic = 0x46546C67, kVersion = 2;
-constexpr std::uint32_t kJsonChunk = 0x4E4F534A, kBinaryChunk = 0x004E4942;
+constexpr std::uint64_t kMagic = 0x46546C67, kVersion = 2;
+constexpr std::uint64_t kJsonChunk = 0x4E4F534A, kBinaryChunk = 0x004E4942;
 constexpr std::uint64_t kHeaderSize = 12, kChunkHeaderSize = 8;
 
 void appendNumber(std::string& bytes, std::uint64_t number) {
@@ -45,63 +48,76 @@ std::string uriOf(const std::string& name) {
     return uri;
 }
 
+/// What the files of an export are written from.
+struct Document {
+    Model model;
+    GltfLayout layout;
+    std::string json;
+};
+
+void writeBinaryFile(ByteSink& sink, Document& document, std::uint64_t size) {
+    std::string head;
+    for (const std::uint64_t number :
+         {kMagic, kVersion, size, std::uint64_t(document.json.size()), kJsonChunk}) {
+        appendNumber(head, number);
+    }
+    sink.write(head);
+    sink.write(document.json);
+    std::string().swap(document.json);
+    if (document.layout.size != 0) {
+        head.clear();
+        appendNumber(head, document.layout.size);
+        appendNumber(head, kBinaryChunk);
+        sink.write(head);
+        writeBuffer(sink, document.model, document.layout);
+    }
+}
+
 Exported writeBinary(Model&& model, const Options& options) {
-    const GltfLayout layout = layOut(model, true);
-    std::string json = gltfJson(model, layout, {evaluate::toUtf8(options.name), "", {}}, false);
+    const auto document = std::make_shared<Document>();
+    document->layout = layOut(model, true);
+    std::string& json = document->json;
+    json = gltfJson(model, document->layout, {evaluate::toUtf8(options.name), "", {}}, false);
     json.append((4 - json.size() % 4) % 4, ' ');
-    const std::uint64_t size = kHeaderSize + kChunkHeaderSize + json.size() +
-                               (layout.size == 0 ? 0 : kChunkHeaderSize + layout.size);
+    document->model = std::move(model);
+    const std::uint64_t size =
+        kHeaderSize + kChunkHeaderSize + json.size() +
+        (document->layout.size == 0 ? 0 : kChunkHeaderSize + document->layout.size);
     Exported exported;
     if (size > std::numeric_limits<std::uint32_t>::max()) {
         exported.failure = "it would be longer than the 4 GiB that a binary glTF file may have";
-        return exported;
+    } else {
+        exported.files.push_back(
+            {"", [document, size](ByteSink& sink) { writeBinaryFile(sink, *document, size); }});
     }
-    std::string bytes;
-    bytes.reserve(static_cast<std::size_t>(size));
-    appendNumber(bytes, kMagic);
-    appendNumber(bytes, kVersion);
-    appendNumber(bytes, size);
-    appendNumber(bytes, json.size());
-    appendNumber(bytes, kJsonChunk);
-    bytes += json;
-    std::string().swap(json);
-    if (layout.size != 0) {
-        appendNumber(bytes, layout.size);
-        appendNumber(bytes, kBinaryChunk);
-        appendBuffer(bytes, model, layout);
-    }
-    exported.files.push_back({"", std::move(bytes)});
     return exported;
 }
 
 Exported writeText(Model&& model, const Options& options) {
-    const GltfLayout layout = layOut(model, false);
-    Exported exported;
-    exported.files.emplace_back();
+    const auto document = std::make_shared<Document>();
+    document->layout = layOut(model, false);
     GltfNames names;
     names.scene = evaluate::toUtf8(options.name);
-    if (layout.size != 0) {
-        exported.files.push_back({options.name + ".bin", ""});
-        names.bufferUri = uriOf(exported.files.back().name);
+    std::vector<File> beside;
+    if (document->layout.size != 0) {
+        beside.push_back({options.name + ".bin", [document](ByteSink& sink) {
+                              writeBuffer(sink, document->model, document->layout);
+                          }});
+        names.bufferUri = uriOf(beside.back().name);
     }
     for (std::size_t i = 0; i < model.images.size(); ++i) {
-        const char* const extension = model.images[i].type == Image::Type::kPng ? ".png" : ".jpg";
-        File file{options.name, {}};
-        file.name.append("-").append(std::to_string(i + 1)).append(extension);
-        names.imageUris.push_back(uriOf(file.name));
-        exported.files.push_back(std::move(file));
-    }
-    exported.files.front().bytes = gltfJson(model, layout, names, true) + "\n";
-    std::size_t next = 1;
-    if (layout.size != 0) {
-        std::string& buffer = exported.files[next++].bytes;
-        buffer.reserve(static_cast<std::size_t>(layout.size));
-        appendBuffer(buffer, model, layout);
-    }
-    for (Image& image : model.images) {
-        exported.files[next++].bytes.assign(image.bytes.begin(), image.bytes.end());
+        Image& image = model.images[i];
+        std::string name = options.name;
+        name.append("-image-").append(std::to_string(i + 1));
+        name.append(image.type == Image::Type::kPng ? ".png" : ".jpg");
+        names.imageUris.push_back(uriOf(name));
+        beside.push_back(fileOf(std::move(name), {image.bytes.begin(), image.bytes.end()}));
         std::vector<std::uint8_t>().swap(image.bytes);
     }
+    Exported exported;
+    exported.files.push_back(fileOf("", gltfJson(model, document->layout, names, true) + "\n"));
+    std::move(beside.begin(), beside.end(), std::back_inserter(exported.files));
+    document->model = std::move(model);
     return exported;
 }
 

@@ -6,6 +6,9 @@
 
 namespace meshcast::exporter {
 
+/// A file whose bytes are in memory already.
+File fileOf(std::string name, std::string bytes);
+
 /// glTF 2.0 (Khronos; ISO/IEC 12113): one binary file, or text with its buffer and images beside.
 Exported writeGltf(evaluate::Model&& model, bool isBinary, const Options& options);
 

@@ -42,8 +42,9 @@ std::variant<std::string, std::error_code> readFile(const std::string& path, std
 /// Writes all bytes.
 std::error_code writeAll(int descriptor, std::string_view bytes);
 
-/// Writes all bytes to standard output, and finds out what only closing it tells.
-std::error_code writeStandardOutput(std::string_view bytes);
+/// Writes to standard output, whose descriptor `write` gets, and finds out what only closing it
+/// tells.
+std::error_code writeStandardOutput(const std::function<std::error_code(int descriptor)>& write);
 
 /// Writes a file so that its name leads to the old content or to all of the new one, whatever
 /// happens meanwhile; `write` gets the descriptor.

@@ -165,9 +165,9 @@ std::error_code writeAll(int descriptor, std::string_view bytes) {
     return {};
 }
 
-std::error_code writeStandardOutput(std::string_view bytes) {
+std::error_code writeStandardOutput(const std::function<std::error_code(int descriptor)>& write) {
     const SignalsHeld held(false);
-    if (const std::error_code error = writeAll(STDOUT_FILENO, bytes)) {
+    if (const std::error_code error = write(STDOUT_FILENO)) {
         return error;
     }
     return Descriptor(::dup(STDOUT_FILENO)).close();

@@ -37,12 +37,9 @@ std::variant<std::string, std::string> readSceneFile(const std::string& file) {
     return Result(std::in_place_index<0>, std::get<std::string>(std::move(bytes)));
 }
 
-std::error_code writeOutput(const std::string& file, const std::string& bytes) {
-    if (file == "-") {
-        return io::writeStandardOutput(bytes);
-    }
-    return io::writeFile(file,
-                         [&bytes](int descriptor) { return io::writeAll(descriptor, bytes); });
+std::error_code writeOutput(const std::string& file,
+                            const std::function<std::error_code(int descriptor)>& write) {
+    return file == "-" ? io::writeStandardOutput(write) : io::writeFile(file, write);
 }
 
 void ReportLines::add(const tidy::Message& message) {

@@ -3,6 +3,7 @@
 #include "tidy/tidy.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <system_error>
 #include <variant>
@@ -21,8 +22,10 @@ std::string folderOf(const std::string& file);
 /// end of a sentence about the file.
 std::variant<std::string, std::string> readSceneFile(const std::string& file);
 
-/// Writes a file in one step (io::writeFile) or, for "-", standard output.
-std::error_code writeOutput(const std::string& file, const std::string& bytes);
+/// Writes a file in one step (io::writeFile) or, for "-", standard output; `write` gets the
+/// descriptor.
+std::error_code writeOutput(const std::string& file,
+                            const std::function<std::error_code(int descriptor)>& write);
 
 /// Lines for standard error, of which a bad scene can have a million: they are written in pieces.
 class ReportLines {

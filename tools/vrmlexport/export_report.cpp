@@ -2,6 +2,7 @@
 
 #include "evaluate/utf8.h"
 #include "export/json_writer.h"
+#include "io/files.h"
 #include "tidy/report.h"
 
 #include <algorithm>
@@ -188,7 +189,9 @@ bool ExportReport::write() {
     if (!keeps()) {
         return true;
     }
-    const std::error_code error = meshcast::writeOutput(line_.report, json());
+    const std::error_code error = meshcast::writeOutput(line_.report, [this](int descriptor) {
+        return meshcast::io::writeAll(descriptor, json());
+    });
     if (error) {
         fail(line_.report, "cannot be written: " + error.message());
     }

@@ -1,5 +1,6 @@
 #include "evaluate/evaluate.h"
 #include "export/export.h"
+#include "io/files.h"
 #include "tools/scene_file/scene_file.h"
 #include "tools/vrmlexport/command_line.h"
 #include "tools/vrmlexport/export_report.h"
@@ -12,6 +13,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -20,6 +22,52 @@ namespace {
 
 namespace evaluate = meshcast::evaluate;
 namespace exporter = meshcast::exporter;
+
+/// Writes an exported file to a descriptor, in large pieces.
+class DescriptorSink final : public exporter::ByteSink {
+public:
+    explicit DescriptorSink(int descriptor) : descriptor_(descriptor) {
+        pending_.reserve(kPieceSize);
+    }
+
+    void write(std::string_view bytes) override {
+        if (pending_.size() + bytes.size() > kPieceSize) {
+            flush();
+        }
+        if (bytes.size() > kPieceSize) {
+            writeNow(bytes);
+        } else {
+            pending_.append(bytes);
+        }
+    }
+    /// Writes what is still pending, and tells whether anything went wrong.
+    std::error_code flush() {
+        writeNow(pending_);
+        pending_.clear();
+        return error_;
+    }
+
+private:
+    static constexpr std::size_t kPieceSize = std::size_t(256) * 1024;
+
+    void writeNow(std::string_view bytes) {
+        if (!error_) {
+            error_ = meshcast::io::writeAll(descriptor_, bytes);
+        }
+    }
+
+    int descriptor_;
+    std::string pending_;
+    std::error_code error_;
+};
+
+std::error_code writeFile(const std::string& name, const exporter::File& file) {
+    return meshcast::writeOutput(name, [&file](int descriptor) {
+        DescriptorSink sink(descriptor);
+        file.write(sink);
+        return sink.flush();
+    });
+}
 
 /// Writes the files beside the main one first: whoever finds that one finds all that it names.
 bool writeFiles(const CommandLine& line, const exporter::Exported& exported, ExportReport& report) {
@@ -32,7 +80,7 @@ bool writeFiles(const CommandLine& line, const exporter::Exported& exported, Exp
     for (std::size_t i = exported.files.size(); i-- > 0;) {
         const exporter::File& file = exported.files[i];
         const std::string name = file.name.empty() ? line.output : (folder / file.name).string();
-        const std::error_code error = meshcast::writeOutput(name, file.bytes);
+        const std::error_code error = writeFile(name, file);
         if (error) {
             report.fail(name == "-" ? "standard output" : name,
                         "cannot be written: " + error.message());

@@ -109,11 +109,11 @@ std::variant<std::string, std::string> read(const std::string& file) {
 }
 
 std::error_code write(const std::string& file, const std::string& text) {
-    if (file.empty()) {
-        return meshcast::io::writeStandardOutput(text);
-    }
-    return meshcast::io::writeFile(
-        file, [&text](int descriptor) { return meshcast::io::writeAll(descriptor, text); });
+    const auto writeText = [&text](int descriptor) {
+        return meshcast::io::writeAll(descriptor, text);
+    };
+    return file.empty() ? meshcast::io::writeStandardOutput(writeText)
+                        : meshcast::io::writeFile(file, writeText);
 }
 
 /// Reads a scene as the filter does and gives all its fields; nothing if it cannot be read, which
