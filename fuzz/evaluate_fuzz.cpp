@@ -1,16 +1,10 @@
-#include "evaluate/evaluate.h"
-#include "evaluate/fonts.h"
 #include "fuzz/finding.h"
-#include "vrml/byte_source.h"
-#include "vrml/diagnostics.h"
-#include "vrml/scene.h"
-#include "vrml/scene_reader.h"
+#include "fuzz/model.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 // What a model promises to those who write it to files holds for any scene.
 
@@ -19,11 +13,6 @@ using namespace meshcast::evaluate;
 using fuzz::check;
 
 namespace {
-
-class NoMessages final : public Diagnostics {
-public:
-    void report(const Diagnostic& /*diagnostic*/) override {}
-};
 
 template <class List>
 bool areFinite(const List& list) {
@@ -122,18 +111,6 @@ void checkModel(const Model& model) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Looking for fonts takes long.
-    static const FontFile font = findInstalledFont({});
-    EvaluateOptions options;
-    options.findFont = [](const FontRequest&) { return font; };
-    options.segments = 5;
-    options.limits.nodes = options.limits.repeatedInstances = 10'000;
-    options.limits.repeatedElements = 100'000;
-    options.limits.imagePixels = 10'000;
-    Scene scene;
-    NoMessages messages;
-    MemorySource source({reinterpret_cast<const char*>(data), size});
-    readScene(scene, source, messages);
-    checkModel(evaluateScene(scene, options, messages));
+    checkModel(fuzz::modelOf(data, size));
     return 0;
 }
