@@ -9,10 +9,16 @@
 namespace meshcast::exporter {
 
 const std::vector<Format>& formats() {
-    static const std::vector<Format> kFormats = {
-        {"glb", "glTF 2.0 in one binary file"},
-        {"gltf", "glTF 2.0 as text, with its buffer and images beside it"},
-    };
+    static const std::vector<Format> kFormats = [] {
+        std::vector<Format> formats = {
+            {"glb", "glTF 2.0 in one binary file"},
+            {"gltf", "glTF 2.0 as text, with its buffer and images beside it"},
+        };
+        for (const AssimpFormat& format : assimpFormats()) {
+            formats.push_back(format.format);
+        }
+        return formats;
+    }();
     return kFormats;
 }
 
@@ -36,6 +42,11 @@ File fileOf(std::string name, std::string bytes) {
 }
 
 Exported exportModel(evaluate::Model&& model, const Format& format, const Options& options) {
+    for (const AssimpFormat& known : assimpFormats()) {
+        if (known.format.extension == format.extension) {
+            return writeWithAssimp(std::move(model), known, options);
+        }
+    }
     return writeGltf(std::move(model), format.extension == "glb", options);
 }
 

@@ -2,6 +2,7 @@
 #include "export/gltf_buffer.h"
 #include "export/gltf_json.h"
 #include "export/gltf_layout.h"
+#include "export/image_files.h"
 #include "export/writers.h"
 
 #include <algorithm>
@@ -16,7 +17,6 @@
 
 namespace meshcast::exporter {
 
-using evaluate::Image;
 using evaluate::Model;
 
 namespace {
@@ -106,13 +106,9 @@ Exported writeText(Model&& model, const Options& options) {
         names.bufferUri = uriOf(beside.back().name);
     }
     for (std::size_t i = 0; i < model.images.size(); ++i) {
-        Image& image = model.images[i];
-        std::string name = options.name;
-        name.append("-image-").append(std::to_string(i + 1));
-        name.append(image.type == Image::Type::kPng ? ".png" : ".jpg");
+        std::string name = imageFileName(model.images[i], i, options);
         names.imageUris.push_back(uriOf(name));
-        beside.push_back(fileOf(std::move(name), {image.bytes.begin(), image.bytes.end()}));
-        std::vector<std::uint8_t>().swap(image.bytes);
+        beside.push_back(imageFile(model.images[i], std::move(name)));
     }
     Exported exported;
     exported.files.push_back(fileOf("", gltfJson(model, document->layout, names, true) + "\n"));

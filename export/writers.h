@@ -1,5 +1,6 @@
 #pragma once
 
+#include "export/assimp_formats.h"
 #include "export/export.h"
 
 // The writers behind exportModel, one for each library that knows formats.
@@ -12,7 +13,8 @@ File fileOf(std::string name, std::string bytes);
 /// glTF 2.0 (Khronos; ISO/IEC 12113): one binary file, or text with its buffer and images beside.
 Exported writeGltf(evaluate::Model&& model, bool isBinary, const Options& options);
 
-/// The format that assimp calls `assimpId`, with everything at its place in the world.
-Exported writeWithAssimp(evaluate::Model&& model, const Format& format, const Options& options);
+/// A format of assimp's, with everything at its place in the world.
+Exported writeWithAssimp(evaluate::Model&& model, const AssimpFormat& format,
+                         const Options& options);
 
 } // namespace meshcast::exporter

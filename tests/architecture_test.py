@@ -18,7 +18,7 @@ MAY_INCLUDE = {
     "compat/geom": ["io"],
     "convert": ["vrml", "traverse", "compat/geom"],
     "evaluate": ["vrml", "traverse"],
-    "export": ["evaluate"],
+    "export": ["evaluate", "io"],
     "geom_stream": [],
     "driver": ["vrml", "convert", "compat/geom"],
     "tools/geomtool": ["geom_stream"],

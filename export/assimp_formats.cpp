@@ -1,0 +1,46 @@
+#include "export/assimp_formats.h"
+
+namespace meshcast::exporter {
+
+const std::vector<AssimpFormat>& assimpFormats() {
+    // What each keeps was found by reading back what its writer wrote. Left out for what came back:
+    // binary FBX, which cannot be read again; 3D Studio, which lies on its side; binary PLY, whose
+    // colours do not fit its header.
+    static const std::vector<AssimpFormat> kFormats = {
+        {.format = {"obj", "Wavefront OBJ, with its materials and images beside it"},
+         .id = "obj",
+         .hasLines = true,
+         .hasPoints = true,
+         .hasColors = true,
+         .hasVertexColors = true,
+         .hasTextures = true,
+         .hasWrapping = true},
+        {.format = {"ply", "Stanford PLY: triangles with colours"},
+         .id = "ply",
+         .hasPoints = true,
+         .hasColors = true,
+         .hasVertexColors = true,
+         .isMerged = true},
+        {.format = {"stl", "STL, binary: triangles only"}, .id = "stlb", .isMerged = true},
+        {.format = {"dae", "COLLADA"},
+         .id = "collada",
+         .hasLines = true,
+         .hasColors = true,
+         .hasVertexColors = true,
+         .hasTextures = true,
+         .hasWrapping = true},
+        {.format = {"3mf", "3D Manufacturing Format, without colours"},
+         .id = "3mf",
+         .isWrittenByName = true,
+         .unitsPerMetre = 1000},
+        {.format = {"x3d", "Extensible 3D (XML), with six decimals"},
+         .id = "x3d",
+         .hasColors = true,
+         .hasVertexColors = true,
+         .hasTextures = true,
+         .shininessRange = 1},
+    };
+    return kFormats;
+}
+
+} // namespace meshcast::exporter

@@ -1,0 +1,353 @@
+#include "export/assimp_scene.h"
+
+#include "evaluate/color.h"
+#include "export/placing.h"
+
+#include <algorithm>
+#include <assimp/material.h>
+#include <assimp/mesh.h>
+#include <assimp/scene.h>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace meshcast::exporter {
+
+using evaluate::Color;
+using evaluate::Geometry;
+using evaluate::Instance;
+using evaluate::Material;
+using evaluate::Model;
+using evaluate::Primitive;
+using evaluate::srgbFromLinear;
+using evaluate::Topology;
+using evaluate::Vec2;
+using evaluate::Vec3;
+
+namespace {
+
+/// Names longer than this are cut: assimp drops those of 1024 bytes.
+constexpr std::size_t kLongestName = 1000;
+
+/// A name that every format can hold: without blanks, which end names in some, and without what
+/// has a meaning in XML, which not all of assimp's writers escape.
+aiString nameOf(std::string_view name) {
+    if (name.size() > kLongestName) {
+        std::size_t end = kLongestName;
+        while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80) {
+            --end;
+        }
+        name = name.substr(0, end);
+    }
+    std::string safe(name);
+    const auto isUnsafe = [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte <= ' ' || byte == 0x7F || std::strchr("<>&\"'\\#", c) != nullptr;
+    };
+    std::replace_if(safe.begin(), safe.end(), isUnsafe, '_');
+    return aiString(safe);
+}
+
+aiVector3D vectorOf(const Vec3& vector) { return {vector[0], vector[1], vector[2]}; }
+
+aiColor4D screenColor(const Color& color) {
+    return {srgbFromLinear(color[0]), srgbFromLinear(color[1]), srgbFromLinear(color[2]), color[3]};
+}
+
+aiColor3D screenColor(const Vec3& color) {
+    return {srgbFromLinear(color[0]), srgbFromLinear(color[1]), srgbFromLinear(color[2])};
+}
+
+std::unique_ptr<aiMaterial> materialOf(const Material& material, std::size_t number,
+                                       const AssimpFormat& format,
+                                       const std::vector<std::string>& imageNames) {
+    auto result = std::make_unique<aiMaterial>();
+    const auto add = [&result](const auto& value, const char* key, unsigned type, unsigned index) {
+        result->AddProperty(&value, 1, key, type, index);
+    };
+    const aiString name("material" + std::to_string(number + 1));
+    result->AddProperty(&name, AI_MATKEY_NAME);
+    add(format.hasColors ? screenColor(material.baseColor) : aiColor4D(1, 1, 1, 1),
+        AI_MATKEY_COLOR_DIFFUSE);
+    add(screenColor(material.ambient), AI_MATKEY_COLOR_AMBIENT);
+    add(screenColor(material.specular), AI_MATKEY_COLOR_SPECULAR);
+    add(screenColor(material.emissive), AI_MATKEY_COLOR_EMISSIVE);
+    add(material.shininess * format.shininessRange, AI_MATKEY_SHININESS);
+    add(material.baseColor[3], AI_MATKEY_OPACITY);
+    add(material.isDoubleSided ? 1 : 0, AI_MATKEY_TWOSIDED);
+    add(static_cast<int>(material.isUnlit              ? aiShadingMode_NoShading
+                         : material.specular == Vec3{} ? aiShadingMode_Gouraud
+                                                       : aiShadingMode_Phong),
+        AI_MATKEY_SHADING_MODEL);
+    if (material.texture && format.hasTextures) {
+        const aiString file(imageNames[material.texture->image]);
+        result->AddProperty(&file, AI_MATKEY_TEXTURE_DIFFUSE(0));
+        if (format.hasWrapping) {
+            const auto mode = [](bool repeats) {
+                return static_cast<int>(repeats ? aiTextureMapMode_Wrap : aiTextureMapMode_Clamp);
+            };
+            add(mode(material.texture->repeatS), AI_MATKEY_MAPPINGMODE_U_DIFFUSE(0));
+            add(mode(material.texture->repeatT), AI_MATKEY_MAPPINGMODE_V_DIFFUSE(0));
+        }
+    }
+    return result;
+}
+
+/// The vertices and faces of a mesh, before it is known how many there are.
+class MeshDraft {
+public:
+    MeshDraft(const AssimpFormat& format, bool hasColors, bool hasUvs, bool hasNormals)
+        : format_(format), hasColors_(hasColors), hasUvs_(hasUvs), hasNormals_(hasNormals) {}
+
+    /// Adds the part of a mesh that a primitive is, at its place.
+    void add(const Model& model, const Primitive& primitive, const Placing& placing);
+    std::unique_ptr<aiMesh> finish(unsigned material, const aiString& name) const;
+    std::size_t vertexCount() const { return positions_.size(); }
+
+private:
+    const AssimpFormat& format_;
+    bool hasColors_, hasUvs_, hasNormals_;
+    std::vector<aiVector3D> positions_, normals_, uvs_;
+    std::vector<aiColor4D> colors_;
+    std::vector<unsigned> corners_;
+    std::vector<std::uint8_t> faceSizes_;
+    std::vector<std::uint32_t> vertexOf_; ///< The number here of each vertex of the geometry.
+};
+
+void MeshDraft::add(const Model& model, const Primitive& primitive, const Placing& placing) {
+    constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+    const Geometry& geometry = model.geometries[primitive.geometry];
+    const Color& base = model.materials[primitive.material].baseColor;
+    vertexOf_.assign(geometry.positions.size(), kNone);
+    const auto cornerAt = [&](std::size_t index) {
+        const std::uint32_t vertex = geometry.indices[primitive.firstIndex + index];
+        if (vertexOf_[vertex] == kNone) {
+            vertexOf_[vertex] = static_cast<std::uint32_t>(positions_.size());
+            positions_.push_back(vectorOf(placing.point(geometry.positions[vertex])) *
+                                 format_.unitsPerMetre);
+            if (hasNormals_) {
+                normals_.push_back(geometry.normals.empty()
+                                       ? aiVector3D(0, 0, 0)
+                                       : vectorOf(placing.normal(geometry.normals[vertex])));
+            }
+            if (hasUvs_) {
+                const Vec2 uv = geometry.uvs.empty() ? Vec2{} : geometry.uvs[vertex];
+                uvs_.emplace_back(uv[0], uv[1], 0.0F);
+            }
+            if (hasColors_) {
+                Color color = format_.isMerged ? base : Color{1, 1, 1, 1};
+                for (std::size_t i = 0; i < 4 && !geometry.colors.empty(); ++i) {
+                    color[i] *= geometry.colors[vertex][i];
+                }
+                colors_.push_back(screenColor(color));
+            }
+        }
+        return vertexOf_[vertex];
+    };
+    const std::uint8_t size = geometry.topology == Topology::kTriangles ? 3
+                              : geometry.topology == Topology::kLines   ? 2
+                                                                        : 1;
+    for (std::size_t first = 0; first < primitive.indexCount; first += size) {
+        for (std::size_t i = 0; i < size; ++i) {
+            corners_.push_back(cornerAt(first + (placing.mirrors() ? size - 1 - i : i)));
+        }
+        // A point of a merged list is a vertex without a face.
+        if (size == 1 && format_.isMerged) {
+            corners_.pop_back();
+        } else {
+            faceSizes_.push_back(size);
+        }
+    }
+}
+
+template <typename Item>
+Item* copied(const std::vector<Item>& items) {
+    if (items.empty()) {
+        return nullptr;
+    }
+    auto* const array = new Item[items.size()];
+    std::copy(items.begin(), items.end(), array);
+    return array;
+}
+
+std::unique_ptr<aiMesh> MeshDraft::finish(unsigned material, const aiString& name) const {
+    auto mesh = std::make_unique<aiMesh>();
+    mesh->mName = name;
+    mesh->mMaterialIndex = material;
+    mesh->mNumVertices = static_cast<unsigned>(positions_.size());
+    mesh->mVertices = copied(positions_);
+    mesh->mNormals = copied(normals_);
+    mesh->mTextureCoords[0] = copied(uvs_);
+    mesh->mNumUVComponents[0] = hasUvs_ ? 2 : 0;
+    mesh->mColors[0] = copied(colors_);
+    mesh->mFaces = new aiFace[faceSizes_.size()];
+    mesh->mNumFaces = static_cast<unsigned>(faceSizes_.size());
+    auto corner = corners_.begin();
+    for (std::size_t i = 0; i < faceSizes_.size(); ++i) {
+        aiFace& face = mesh->mFaces[i];
+        const unsigned size = faceSizes_[i];
+        face.mIndices = new unsigned[size];
+        face.mNumIndices = size;
+        std::copy_n(corner, size, face.mIndices);
+        corner += size;
+        mesh->mPrimitiveTypes |= size == 3   ? aiPrimitiveType_TRIANGLE
+                                 : size == 2 ? aiPrimitiveType_LINE
+                                             : aiPrimitiveType_POINT;
+    }
+    return mesh;
+}
+
+/// Builds the scene, shape by shape.
+class SceneBuilder {
+public:
+    SceneBuilder(const Model& model, const AssimpFormat& format) : model_(model), format_(format) {}
+
+    AssimpScene build(const std::vector<std::string>& imageNames);
+
+private:
+    bool isHeld(const Primitive& primitive);
+    bool addPrimitives();
+    bool addMerged();
+    void addNode(const aiString& name, unsigned meshCount);
+    void moveIn(const std::vector<std::string>& imageNames);
+
+    const Model& model_;
+    const AssimpFormat& format_;
+    AssimpScene result_;
+    std::vector<std::unique_ptr<aiMesh>> meshes_;
+    std::vector<std::unique_ptr<aiNode>> nodes_;
+    std::size_t vertices_ = 0;
+};
+
+/// Whether the format has what the primitive is made of; counts it if not.
+bool SceneBuilder::isHeld(const Primitive& primitive) {
+    const Geometry& geometry = model_.geometries[primitive.geometry];
+    if (geometry.topology == Topology::kLines && !format_.hasLines) {
+        result_.lines += primitive.indexCount / 2;
+        return false;
+    }
+    if (geometry.topology == Topology::kPoints && !format_.hasPoints) {
+        result_.points += primitive.indexCount;
+        return false;
+    }
+    result_.coloredMeshes += !geometry.colors.empty() && !format_.hasVertexColors ? 1 : 0;
+    return true;
+}
+
+void SceneBuilder::addNode(const aiString& name, unsigned meshCount) {
+    auto node = std::make_unique<aiNode>();
+    node->mName = name;
+    node->mMeshes = new unsigned[meshCount];
+    node->mNumMeshes = meshCount;
+    for (unsigned i = 0; i < meshCount; ++i) {
+        node->mMeshes[i] = static_cast<unsigned>(meshes_.size()) - meshCount + i;
+    }
+    nodes_.push_back(std::move(node));
+}
+
+bool SceneBuilder::addPrimitives() {
+    // Vertices share one list in some formats: without colours of their own they would be black
+    // there.
+    const bool hasColors =
+        format_.hasVertexColors &&
+        std::any_of(model_.geometries.begin(), model_.geometries.end(),
+                    [](const Geometry& geometry) { return !geometry.colors.empty(); });
+    for (std::size_t number = 0; number < model_.instances.size(); ++number) {
+        const Instance& instance = model_.instances[number];
+        const aiString name =
+            nameOf(instance.name.empty() ? "shape_" + std::to_string(number + 1) : instance.name);
+        const Placing placing(instance.matrix);
+        unsigned count = 0;
+        for (const Primitive& primitive : model_.meshes[instance.mesh].primitives) {
+            if (!isHeld(primitive)) {
+                continue;
+            }
+            const Geometry& geometry = model_.geometries[primitive.geometry];
+            MeshDraft draft(format_, hasColors, !geometry.uvs.empty(), !geometry.normals.empty());
+            draft.add(model_, primitive, placing);
+            vertices_ += draft.vertexCount();
+            if (vertices_ > kMostPlacedVertices) {
+                return false;
+            }
+            meshes_.push_back(draft.finish(primitive.material, name));
+            ++count;
+        }
+        if (count != 0) {
+            addNode(name, count);
+        }
+    }
+    return true;
+}
+
+bool SceneBuilder::addMerged() {
+    const auto hasNormals = [](const Geometry& geometry) {
+        return geometry.topology != Topology::kTriangles || !geometry.normals.empty();
+    };
+    MeshDraft draft(format_, format_.hasColors, false,
+                    std::all_of(model_.geometries.begin(), model_.geometries.end(), hasNormals));
+    for (const Instance& instance : model_.instances) {
+        const Placing placing(instance.matrix);
+        for (const Primitive& primitive : model_.meshes[instance.mesh].primitives) {
+            if (isHeld(primitive)) {
+                draft.add(model_, primitive, placing);
+            }
+        }
+        if (draft.vertexCount() > kMostPlacedVertices) {
+            return false;
+        }
+    }
+    if (draft.vertexCount() != 0) {
+        const aiString name("scene");
+        meshes_.push_back(draft.finish(0, name));
+        addNode(name, 1);
+    }
+    return true;
+}
+
+/// Moves pointers into an array of assimp's, which its owner deletes with what they point to.
+template <typename Item>
+Item** released(std::vector<std::unique_ptr<Item>>& items) {
+    auto** const array = new Item*[items.size()];
+    std::transform(items.begin(), items.end(), array, [](auto& item) { return item.release(); });
+    return array;
+}
+
+void SceneBuilder::moveIn(const std::vector<std::string>& imageNames) {
+    std::vector<std::unique_ptr<aiMaterial>> materials;
+    for (std::size_t i = 0; i < model_.materials.size(); ++i) {
+        materials.push_back(materialOf(model_.materials[i], i, format_, imageNames));
+    }
+    if (materials.empty()) {
+        materials.push_back(materialOf({}, 0, format_, imageNames));
+    }
+    result_.scene = std::make_unique<aiScene>();
+    aiScene& scene = *result_.scene;
+    scene.mMaterials = released(materials);
+    scene.mNumMaterials = static_cast<unsigned>(materials.size());
+    scene.mMeshes = released(meshes_);
+    scene.mNumMeshes = static_cast<unsigned>(meshes_.size());
+    scene.mRootNode = new aiNode("scene");
+    for (const auto& node : nodes_) {
+        node->mParent = scene.mRootNode;
+    }
+    scene.mRootNode->mChildren = released(nodes_);
+    scene.mRootNode->mNumChildren = static_cast<unsigned>(nodes_.size());
+}
+
+AssimpScene SceneBuilder::build(const std::vector<std::string>& imageNames) {
+    if (format_.isMerged ? addMerged() : addPrimitives()) {
+        moveIn(imageNames);
+    }
+    return std::move(result_);
+}
+
+} // namespace
+
+AssimpScene assimpSceneOf(const Model& model, const AssimpFormat& format,
+                          const std::vector<std::string>& imageNames) {
+    return SceneBuilder(model, format).build(imageNames);
+}
+
+} // namespace meshcast::exporter

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "evaluate/model.h"
+
+#include <array>
+
+namespace meshcast::exporter {
+
+/// Takes points and normals of a mesh to the place of an instance, computing in double.
+class Placing {
+public:
+    explicit Placing(const evaluate::Matrix& matrix);
+
+    evaluate::Vec3 point(const evaluate::Vec3& point) const;
+    /// By the inverse transpose, at length 1.
+    evaluate::Vec3 normal(const evaluate::Vec3& normal) const;
+    /// Placed triangles turn clockwise: their corners have to be written in the other order.
+    bool mirrors() const { return mirrors_; }
+
+private:
+    std::array<std::array<double, 3>, 3> columns_, cofactors_;
+    std::array<double, 3> translation_;
+    bool mirrors_;
+};
+
+} // namespace meshcast::exporter
