@@ -1,57 +1,19 @@
 #include "tools/geomtool/info.h"
 
 #include "geom_stream/record_reader.h"
+#include "tools/geomtool/input_file.h"
 #include "tools/geomtool/listing.h"
 #include "tools/geomtool/summary.h"
 
-#include <cerrno>
 #include <cstddef>
-#include <cstdio>
 #include <iostream>
-#include <memory>
 #include <optional>
-#include <system_error>
 
 namespace geomtool {
 
 using geom_stream::RecordReader;
 
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { (void)std::fclose(file); }
-};
-
-/// The input of the command: a file or standard input.
-class InputFile {
-public:
-    explicit InputFile(const std::string& name) {
-        if (name != "-") {
-            opened_.reset(std::fopen(name.c_str(), "rb"));
-            file_ = opened_.get();
-        }
-        if (file_ == nullptr)
-            keepError();
-    }
-
-    /// Stores up to `capacity` bytes and returns how many; 0 at the end and after an error.
-    std::size_t read(std::byte* into, std::size_t capacity) {
-        const std::size_t size = file_ == nullptr ? 0 : std::fread(into, 1, capacity, file_);
-        if (size == 0 && file_ != nullptr && std::ferror(file_) != 0)
-            keepError();
-        return size;
-    }
-
-    /// Why the file could not be opened or not be read to its end, if so.
-    const std::error_code& error() const { return error_; }
-
-private:
-    void keepError() { error_ = std::error_code(errno, std::generic_category()); }
-
-    std::unique_ptr<std::FILE, FileCloser> opened_;
-    std::FILE* file_ = stdin;
-    std::error_code error_;
-};
 
 /// Lists objects until the stream ends or breaks, or until `out`, where the listing goes, takes no
 /// more. Memory follows the largest object.

@@ -1,9 +1,17 @@
 #include "tools/geomtool/info.h"
 
+// Builds without the evaluation of scenes have no writers of other formats either.
+#ifdef GEOMTOOL_EXPORTS
+#include "tools/export_output/export_output.h"
+#include "tools/geomtool/export.h"
+#endif
+
 #include <CLI/CLI.hpp>
 
 #include <exception>
 #include <iostream>
+#include <string>
+#include <variant>
 
 namespace {
 
@@ -21,12 +29,38 @@ int run(int argc, char** argv) {
     info->add_flag("--values", options.values, "Print the elements of every array too")
         ->excludes("--totals");
 
+#ifdef GEOMTOOL_EXPORTS
+    geomtool::ExportOptions exporting;
+    std::string format;
+    CLI::App* exports = app.add_subcommand("export", "Write the objects in another format");
+    exports->add_option("STREAM", exporting.stream, "The stream; standard input when -")
+        ->required();
+    exports
+        ->add_option("OUTPUT", exporting.output,
+                     "The file to write, replaced in one step; standard output when -")
+        ->required();
+    exports->add_option("--format", format, "Write this format, whatever OUTPUT is called");
+    exports->footer("OUTPUT's extension, or --format, says what is written:\n" +
+                    meshcast::formatsHelp());
+#endif
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help and version come this way too, with status 0.
         return app.exit(error) == 0 ? geomtool::kStatusSound : geomtool::kStatusFailed;
     }
+#ifdef GEOMTOOL_EXPORTS
+    if (exports->parsed()) {
+        const auto chosen = meshcast::chooseFormat(format, exporting.output);
+        if (const auto* const problem = std::get_if<std::string>(&chosen)) {
+            std::cerr << "geomtool: " << *problem << '\n';
+            return geomtool::kStatusFailed;
+        }
+        exporting.format = std::get<0>(chosen);
+        return geomtool::runExport(exporting);
+    }
+#endif
     return geomtool::runInfo(options);
 }
 

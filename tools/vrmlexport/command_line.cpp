@@ -1,13 +1,15 @@
 #include "tools/vrmlexport/command_line.h"
 
 #include "tidy/report.h"
+#include "tools/export_output/export_output.h"
 #include "tools/scene_file/scene_file.h"
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <iostream>
 #include <sstream>
+#include <string>
+#include <variant>
 
 namespace vrmlexport {
 
@@ -16,32 +18,10 @@ namespace {
 constexpr std::uint32_t kFewestSegments = 3, kMostSegments = 1024;
 
 std::string footer() {
-    std::string text = "OUTPUT's extension, or --format, says what is written:\n";
-    for (const meshcast::exporter::Format& format : meshcast::exporter::formats()) {
-        text.append("  ").append(format.extension);
-        text.append(format.extension.size() < 6 ? 6 - format.extension.size() : 1, ' ');
-        text.append(format.description).append("\n");
-    }
-    return text + "\nWhat is repaired, approximated or left out is reported on standard error, a "
-                  "line each.\n"
-                  "Exit status: 0 written, 1 nothing could be written, 2 wrong usage.";
-}
-
-/// Finds the format that the line asks for, or says why there is none.
-std::string chooseFormat(CommandLine& line, const std::string& name) {
-    std::string extension = name;
-    if (name.empty() && line.output != "-") {
-        extension = std::filesystem::path(line.output).extension().string();
-        extension.erase(0, 1);
-    }
-    line.format = meshcast::exporter::findFormat(extension);
-    if (line.format != nullptr) {
-        return {};
-    }
-    if (extension.empty()) {
-        return "OUTPUT does not say a format; use --format";
-    }
-    return "\"" + extension + "\" is not a format that can be written; see --help";
+    return "OUTPUT's extension, or --format, says what is written:\n" + meshcast::formatsHelp() +
+           "\nWhat is repaired, approximated or left out is reported on standard error, a line "
+           "each.\n"
+           "Exit status: 0 written, 1 nothing could be written, 2 wrong usage.";
 }
 
 } // namespace
@@ -84,7 +64,12 @@ std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& l
     std::string wrong;
     try {
         app.parse(argc, argv);
-        wrong = chooseFormat(line, format);
+        const auto chosen = meshcast::chooseFormat(format, line.output);
+        if (const auto* const problem = std::get_if<std::string>(&chosen)) {
+            wrong = *problem;
+        } else {
+            line.format = std::get<0>(chosen);
+        }
     } catch (const CLI::ParseError& error) {
         // Help and version come this way too, with status 0. Other texts repeat the arguments.
         std::ostringstream message;
@@ -103,11 +88,6 @@ std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& l
 
 std::string rootOf(const CommandLine& line) {
     return line.root.empty() ? meshcast::folderOf(line.scene) : line.root;
-}
-
-std::string stemOf(const std::string& file) {
-    const std::string stem = std::filesystem::path(file).stem().string();
-    return file == "-" || stem.empty() ? "scene" : stem;
 }
 
 } // namespace vrmlexport

@@ -31,7 +31,4 @@ std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& l
 /// The folder outside of which nothing is read.
 std::string rootOf(const CommandLine& line);
 
-/// The name of a file without its folder and extension.
-std::string stemOf(const std::string& file);
-
 } // namespace vrmlexport

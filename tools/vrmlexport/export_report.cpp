@@ -146,9 +146,9 @@ void ExportReport::addNotes(const std::vector<Note>& notes) {
     }
 }
 
-void ExportReport::fail(const std::string& file, const std::string& reason) {
+void ExportReport::fail(const std::string& reason) {
     lines_.flush();
-    failure_ = meshcast::tidy::printable(file) + ": " + meshcast::tidy::printable(reason);
+    failure_ = meshcast::tidy::printable(reason);
     std::cerr << "vrmlexport: " << failure_ << '\n';
 }
 
@@ -193,7 +193,7 @@ bool ExportReport::write() {
         return meshcast::io::writeAll(descriptor, json());
     });
     if (error) {
-        fail(line_.report, "cannot be written: " + error.message());
+        fail(line_.report + ": cannot be written: " + error.message());
     }
     return !error;
 }

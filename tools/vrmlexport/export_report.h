@@ -39,8 +39,8 @@ public:
     /// What the model or the format does not show as the scene has it.
     void addNotes(const std::vector<meshcast::evaluate::Note>& notes);
     void addCounts(const ModelCounts& counts) { counts_ = counts; }
-    /// The reason why nothing is written, about a file: "cannot be read". Never quiet.
-    void fail(const std::string& file, const std::string& reason);
+    /// The reason why nothing is written, as FILE: WHAT. Never quiet.
+    void fail(const std::string& reason);
 
     /// Writes the JSON file, if there is to be one. False, and a message, if that fails.
     bool write();

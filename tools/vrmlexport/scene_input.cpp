@@ -93,7 +93,7 @@ std::optional<std::string> repaired(std::string text, const CommandLine& line, E
     if (!line.withoutInlines) {
         auto folder = meshcast::io::Folder::open(rootOf(line));
         if (const auto* const error = std::get_if<std::error_code>(&folder)) {
-            report.fail(rootOf(line), "cannot be used as a root: " + error->message());
+            report.fail(rootOf(line) + ": cannot be used as a root: " + error->message());
             return std::nullopt;
         }
         options.identity = meshcast::tidy::fileIdentity(line.scene);
@@ -101,9 +101,10 @@ std::optional<std::string> repaired(std::string text, const CommandLine& line, E
         options.inlines = &*inlines;
     }
     meshcast::tidy::Result result = meshcast::tidy::tidy(std::move(text), options);
+    progress.clear();
     report.addRepairCount(result.repairs);
     if (!result.text) {
-        report.fail(options.path, result.refusal);
+        report.fail(options.path + ": " + result.refusal);
     }
     return std::move(result.text);
 }
@@ -116,7 +117,7 @@ std::unique_ptr<Scene> readInput(const CommandLine& line, ExportReport& report,
     progress.begin("reading");
     auto bytes = meshcast::readSceneFile(line.scene);
     if (bytes.index() == 1) {
-        report.fail(shown, std::get<1>(bytes));
+        report.fail(shown + ": " + std::get<1>(bytes));
         return nullptr;
     }
     std::string text = std::get<0>(std::move(bytes));
@@ -134,8 +135,8 @@ std::unique_ptr<Scene> readInput(const CommandLine& line, ExportReport& report,
     }
     auto scene = readStrictly(text, report, progress);
     if (scene == nullptr) {
-        report.fail(shown,
-                    line.isStrict ? "cannot be read without repairs" : "cannot be read in full");
+        report.fail(shown + (line.isStrict ? ": cannot be read without repairs"
+                                           : ": cannot be read in full"));
     }
     return scene;
 }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "export/export.h"
+
+#include <string>
+#include <variant>
+
+// What programs that export have in common: the choice of a format, and the files.
+
+namespace meshcast {
+
+/// A list of all formats for the help of a program, a line each.
+std::string formatsHelp();
+
+/// The format called `name` or, without a name, of the extension of the output's file; or why there
+/// is none, as a sentence.
+std::variant<const exporter::Format*, std::string> chooseFormat(const std::string& name,
+                                                                const std::string& output);
+
+/// The name of the output's file without its folder and extension.
+std::string stemOf(const std::string& output);
+
+/// Writes the files of an export: the main one under the name `output`, or to standard output for
+/// "-", and the others beside it. Each is written in one step, the main one last: whoever finds it
+/// finds all that it names. Returns what went wrong, as FILE: WHAT; empty if nothing did.
+std::string writeExported(const exporter::Exported& exported, const std::string& output);
+
+} // namespace meshcast

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "evaluate/model.h"
+#include "evaluate/triangulate.h"
+#include "geom_stream/object.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace geomtool {
+
+/// Makes a model of the objects of a stream, each in its own space as the stream has them.
+/// Polyhedra and meshes become triangles, polylines and segments lines, spheres are tessellated,
+/// and labels become points with names.
+class StreamModel {
+public:
+    StreamModel();
+
+    /// Adds the object of that number, counted from 1; it is named "object 17 (polyhedron)".
+    void add(std::uint64_t number, const geom_stream::Object& object);
+
+    /// The model of what has been added, with notes of what was left out.
+    meshcast::evaluate::Model finish();
+
+private:
+    void addBody(const geom_stream::Mesh& mesh);
+    void addBody(const geom_stream::Polyhedron& polyhedron);
+    void addBody(const geom_stream::Polytriangle& polytriangle);
+    void addBody(const geom_stream::Sphere& sphere);
+    void addBody(const geom_stream::Label& label);
+
+    void addStrip(const geom_stream::VertexArrays& strip);
+    void addPolyline(const geom_stream::VertexArrays& line, bool isDisjoint);
+    void addGeometry(meshcast::evaluate::Geometry&& geometry,
+                     const geom_stream::VertexArrays& arrays);
+    void place(std::uint32_t mesh, const meshcast::evaluate::Matrix& matrix);
+    std::uint32_t materialOf(const std::optional<geom_stream::Vec3>& color, bool isUnlit);
+    std::uint32_t sharedMesh(std::uint32_t geometry, std::uint32_t material);
+
+    meshcast::evaluate::Model model_;
+    meshcast::evaluate::Triangulator triangulator_;
+    std::string name_; ///< Of the object that is being added.
+    std::map<meshcast::evaluate::Material, std::uint32_t> materials_;
+    /// Meshes of one geometry and one material, of spheres and points.
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> meshes_;
+    std::optional<std::uint32_t> ball_, dot_; ///< Geometries that spheres and labels share.
+    std::uint64_t droppedElements_ = 0;
+};
+
+} // namespace geomtool
