@@ -162,6 +162,18 @@ void MeshDraft::add(const Model& model, const Primitive& primitive, const Placin
     }
 }
 
+/// The vertices that placed shapes have at most.
+std::uint64_t mostVertices(const Model& model) {
+    std::uint64_t count = 0;
+    for (const Instance& instance : model.instances) {
+        for (const Primitive& primitive : model.meshes[instance.mesh].primitives) {
+            count += std::min<std::uint64_t>(model.geometries[primitive.geometry].positions.size(),
+                                             primitive.indexCount);
+        }
+    }
+    return count;
+}
+
 template <typename Item>
 Item* copied(const std::vector<Item>& items) {
     if (items.empty()) {
@@ -208,8 +220,8 @@ public:
 
 private:
     bool isHeld(const Primitive& primitive);
-    bool addPrimitives();
-    bool addMerged();
+    void addPrimitives();
+    void addMerged();
     void addNode(const aiString& name, unsigned meshCount);
     void moveIn(const std::vector<std::string>& imageNames);
 
@@ -218,7 +230,6 @@ private:
     AssimpScene result_;
     std::vector<std::unique_ptr<aiMesh>> meshes_;
     std::vector<std::unique_ptr<aiNode>> nodes_;
-    std::size_t vertices_ = 0;
 };
 
 /// Whether the format has what the primitive is made of; counts it if not.
@@ -247,7 +258,7 @@ void SceneBuilder::addNode(const aiString& name, unsigned meshCount) {
     nodes_.push_back(std::move(node));
 }
 
-bool SceneBuilder::addPrimitives() {
+void SceneBuilder::addPrimitives() {
     // Vertices share one list in some formats: without colours of their own they would be black
     // there.
     const bool hasColors =
@@ -267,10 +278,6 @@ bool SceneBuilder::addPrimitives() {
             const Geometry& geometry = model_.geometries[primitive.geometry];
             MeshDraft draft(format_, hasColors, !geometry.uvs.empty(), !geometry.normals.empty());
             draft.add(model_, primitive, placing);
-            vertices_ += draft.vertexCount();
-            if (vertices_ > kMostPlacedVertices) {
-                return false;
-            }
             meshes_.push_back(draft.finish(primitive.material, name));
             ++count;
         }
@@ -278,10 +285,9 @@ bool SceneBuilder::addPrimitives() {
             addNode(name, count);
         }
     }
-    return true;
 }
 
-bool SceneBuilder::addMerged() {
+void SceneBuilder::addMerged() {
     const auto hasNormals = [](const Geometry& geometry) {
         return geometry.topology != Topology::kTriangles || !geometry.normals.empty();
     };
@@ -294,16 +300,12 @@ bool SceneBuilder::addMerged() {
                 draft.add(model_, primitive, placing);
             }
         }
-        if (draft.vertexCount() > kMostPlacedVertices) {
-            return false;
-        }
     }
     if (draft.vertexCount() != 0) {
         const aiString name("scene");
         meshes_.push_back(draft.finish(0, name));
         addNode(name, 1);
     }
-    return true;
 }
 
 /// Moves pointers into an array of assimp's, which its owner deletes with what they point to.
@@ -337,9 +339,15 @@ void SceneBuilder::moveIn(const std::vector<std::string>& imageNames) {
 }
 
 AssimpScene SceneBuilder::build(const std::vector<std::string>& imageNames) {
-    if (format_.isMerged ? addMerged() : addPrimitives()) {
-        moveIn(imageNames);
+    if (mostVertices(model_) > kMostPlacedVertices) {
+        return {};
     }
+    if (format_.isMerged) {
+        addMerged();
+    } else {
+        addPrimitives();
+    }
+    moveIn(imageNames);
     return std::move(result_);
 }
 
