@@ -1,35 +1,55 @@
 #include "evaluate/mesh_table.h"
 
-#include <algorithm>
-#include <bit>
+#include "vrml/keyed_hash.h"
+
+#include <array>
+#include <type_traits>
 #include <utility>
 
 namespace meshcast::evaluate {
 
 namespace {
 
-const MeshTable::Found* lookUp(const std::map<MeshKey, MeshTable::Found>& table,
-                               const MeshKey& key) {
+const MeshTable::Found*
+lookUp(const std::unordered_map<MeshKey, MeshTable::Found, MeshTableHash>& table,
+       const MeshKey& key) {
     const auto found = table.find(key);
     return found == table.end() ? nullptr : &found->second;
 }
 
-std::uint64_t hashOf(const Material& material) {
-    constexpr std::uint64_t kPrime = 0x100000001B3; // Of the FNV-1a hash.
-    std::uint64_t hash = 0xCBF29CE484222325;
-    const auto add = [&hash](float value) {
-        hash = (hash ^ std::bit_cast<std::uint32_t>(value + 0.0F)) * kPrime;
-    };
-    std::for_each(material.baseColor.begin(), material.baseColor.end(), add);
-    std::for_each(material.emissive.begin(), material.emissive.end(), add);
-    std::for_each(material.specular.begin(), material.specular.end(), add);
-    add(material.shininess);
-    return hash;
-}
-
 std::uint32_t lastOf(const auto& list) { return static_cast<std::uint32_t>(list.size() - 1); }
 
+template <class Object>
+std::size_t hashOfBytes(const Object& object) {
+    return static_cast<std::size_t>(
+        keyedHash({reinterpret_cast<const char*>(&object), sizeof object}));
+}
+
 } // namespace
+
+std::size_t MeshTableHash::operator()(const MeshKey& key) const {
+    static_assert(std::has_unique_object_representations_v<MeshKey>);
+    return hashOfBytes(key);
+}
+
+std::size_t MeshTableHash::operator()(const Material& material) const {
+    const auto& [r, g, b, a] = material.baseColor;
+    std::array values = {r,
+                         g,
+                         b,
+                         a,
+                         material.emissive[0],
+                         material.emissive[1],
+                         material.emissive[2],
+                         material.specular[0],
+                         material.specular[1],
+                         material.specular[2],
+                         material.shininess};
+    for (float& value : values) {
+        value += 0.0F; // Both zeros are equal.
+    }
+    return hashOfBytes(values);
+}
 
 MeshKey MeshKey::withoutMaterial() const {
     MeshKey key = *this;
@@ -46,7 +66,7 @@ const MeshTable::Found* MeshTable::findGeometry(const MeshKey& key) const {
 }
 
 std::uint32_t MeshTable::numberOf(const Material& material) {
-    const auto [known, isNew] = materials_.try_emplace({hashOf(material), material}, 0);
+    const auto [known, isNew] = materials_.try_emplace(material, 0);
     if (isNew) {
         model_.materials.push_back(material);
         known->second = lastOf(model_.materials);

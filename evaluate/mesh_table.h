@@ -5,18 +5,17 @@
 
 #include <array>
 #include <bit>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 namespace meshcast::evaluate {
 
-/// A number that stands for an object or an array of doubles, so that keys stay small and can be
-/// put in an order. 0 stands for none.
+/// A number that stands for an object or an array of doubles, so that keys stay small. 0 stands for
+/// none.
 using KeyPart = std::uintptr_t;
 
 inline KeyPart keyOf(const void* object) { return reinterpret_cast<KeyPart>(object); }
@@ -31,7 +30,13 @@ struct MeshKey {
     /// What the geometry depends on, where it holds no colours and is not parted.
     MeshKey withoutMaterial() const;
 
-    auto operator<=>(const MeshKey&) const = default;
+    bool operator==(const MeshKey&) const = default;
+};
+
+/// Hashes with a key that nobody knows: scenes that make keys collide cannot be written.
+struct MeshTableHash {
+    std::size_t operator()(const MeshKey& key) const;
+    std::size_t operator()(const Material& material) const;
 };
 
 /// Numbers arrays of doubles from 1, alike those that are equal bit by bit: not every double is
@@ -70,10 +75,9 @@ private:
     std::uint32_t numberOf(const Material& material);
 
     Model& model_;
-    std::map<MeshKey, Found> meshes_;
-    std::map<MeshKey, Found> geometries_;
-    /// By a hash first, which spares most comparisons of whole materials.
-    std::map<std::pair<std::uint64_t, Material>, std::uint32_t> materials_;
+    std::unordered_map<MeshKey, Found, MeshTableHash> meshes_;
+    std::unordered_map<MeshKey, Found, MeshTableHash> geometries_;
+    std::unordered_map<Material, std::uint32_t, MeshTableHash> materials_;
 };
 
 } // namespace meshcast::evaluate

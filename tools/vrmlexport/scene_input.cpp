@@ -9,10 +9,15 @@
 #include "vrml/scene.h"
 #include "vrml/scene_reader.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <fcntl.h>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 #include <variant>
@@ -27,25 +32,38 @@ namespace {
 
 using meshcast::Scene;
 
-/// The bytes of a text, which shows how far the reader has come.
+/// Passes bytes on, shows how far the reader has come, and notices a word among them.
 class WatchedSource final : public meshcast::ByteSource {
 public:
-    WatchedSource(std::string_view text, Progress& progress)
-        : source_(text, kPieceSize), size_(text.size()), progress_(progress) {}
+    WatchedSource(meshcast::ByteSource& source, std::uint64_t size, Progress& progress)
+        : source_(source), size_(size), progress_(progress) {}
 
     std::size_t read(char* buffer, std::size_t capacity) override {
-        const std::size_t count = source_.read(buffer, capacity);
+        const std::size_t count = source_.read(buffer, std::min(capacity, kPieceSize));
+        const std::string_view piece(buffer, count);
+        // The word may begin in the last piece.
+        const std::string seam = tail_ + std::string(piece.substr(0, kInline.size() - 1));
+        hasInlines_ = hasInlines_ || seam.find(kInline) != std::string::npos ||
+                      piece.find(kInline) != std::string_view::npos;
+        tail_ = seam.substr(seam.size() - std::min(seam.size(), kInline.size() - 1));
+        if (count >= kInline.size()) {
+            tail_ = piece.substr(count - kInline.size() + 1);
+        }
         taken_ += count;
         progress_.advance(taken_, size_);
         return count;
     }
+    bool hasInlines() const { return hasInlines_; }
 
 private:
     static constexpr std::size_t kPieceSize = std::size_t(1) << 20U;
+    static constexpr std::string_view kInline = "WWWInline";
 
-    meshcast::MemorySource source_;
-    std::size_t size_, taken_ = 0;
+    meshcast::ByteSource& source_;
+    std::uint64_t size_, taken_ = 0;
     Progress& progress_;
+    std::string tail_; ///< The last bytes of what has been read.
+    bool hasInlines_ = false;
 };
 
 /// Notices that there was a message.
@@ -57,20 +75,32 @@ public:
 };
 
 /// Reads a scene that needs no repair: there is no message, nothing after the root, and no node
-/// that the tidier would replace. False if it is none.
-bool readGoodScene(const std::string& text, bool withInlines, Scene& scene, Progress& progress) {
-    if (withInlines && text.find("WWWInline") != std::string::npos) {
-        return false;
-    }
+/// that the tidier would replace. Null if it is none.
+std::unique_ptr<Scene> readGoodScene(WatchedSource& source, bool withInlines) {
+    auto scene = std::make_unique<Scene>();
     AnyMessage messages;
-    WatchedSource source(text, progress);
-    meshcast::VrmlInput input(scene, source, messages);
-    if (!meshcast::readScene(input) || scene.root == nullptr || messages.isReported ||
-        scene.newestUnknownTable != nullptr) {
-        return false;
+    meshcast::VrmlInput input(*scene, source, messages);
+    if (!meshcast::readScene(input) || scene->root == nullptr || messages.isReported ||
+        scene->newestUnknownTable != nullptr) {
+        return nullptr;
     }
     char c = 0;
-    return !input.skipWhiteSpace() || !input.get(c);
+    const bool hasMore = input.skipWhiteSpace() && input.get(c);
+    return hasMore || (withInlines && source.hasInlines()) ? nullptr : std::move(scene);
+}
+
+/// The same straight from a file, so that its text takes no memory. What cannot be read twice is
+/// not looked at.
+std::unique_ptr<Scene> readGoodFile(const std::string& name, bool withInlines, Progress& progress) {
+    const meshcast::io::Descriptor file(
+        name == "-" ? -1 : ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return nullptr;
+    }
+    meshcast::DescriptorSource bytes(file.number());
+    WatchedSource source(bytes, static_cast<std::uint64_t>(status.st_size), progress);
+    return readGoodScene(source, withInlines);
 }
 
 /// Reads a scene with the messages of the filter; null if it cannot be read in full.
@@ -78,7 +108,8 @@ std::unique_ptr<Scene> readStrictly(const std::string& text, ExportReport& repor
                                     Progress& progress) {
     progress.begin("reading");
     auto scene = std::make_unique<Scene>();
-    WatchedSource source(text, progress);
+    meshcast::MemorySource bytes(text);
+    WatchedSource source(bytes, text.size(), progress);
     return meshcast::readScene(*scene, source, report.messages()) ? std::move(scene) : nullptr;
 }
 
@@ -115,6 +146,11 @@ std::unique_ptr<Scene> readInput(const CommandLine& line, ExportReport& report,
                                  Progress& progress) {
     const std::string shown = meshcast::shownName(line.scene);
     progress.begin("reading");
+    if (!line.isStrict) {
+        if (auto scene = readGoodFile(line.scene, !line.withoutInlines, progress)) {
+            return scene;
+        }
+    }
     auto bytes = meshcast::readSceneFile(line.scene);
     if (bytes.index() == 1) {
         report.fail(shown + ": " + std::get<1>(bytes));
@@ -122,11 +158,6 @@ std::unique_ptr<Scene> readInput(const CommandLine& line, ExportReport& report,
     }
     std::string text = std::get<0>(std::move(bytes));
     if (!line.isStrict) {
-        auto scene = std::make_unique<Scene>();
-        if (readGoodScene(text, !line.withoutInlines, *scene, progress)) {
-            return scene;
-        }
-        scene.reset();
         auto tidied = repaired(std::move(text), line, report, progress);
         if (!tidied) {
             return nullptr;
