@@ -10,13 +10,6 @@ namespace meshcast::evaluate {
 
 namespace {
 
-const MeshTable::Found*
-lookUp(const std::unordered_map<MeshKey, MeshTable::Found, MeshTableHash>& table,
-       const MeshKey& key) {
-    const auto found = table.find(key);
-    return found == table.end() ? nullptr : &found->second;
-}
-
 std::uint32_t lastOf(const auto& list) { return static_cast<std::uint32_t>(list.size() - 1); }
 
 template <class Object>
@@ -59,10 +52,29 @@ MeshKey MeshKey::withoutMaterial() const {
     return key;
 }
 
-const MeshTable::Found* MeshTable::find(const MeshKey& key) const { return lookUp(meshes_, key); }
+MeshTable::FirstUse& MeshTable::firstUse(const MeshKey& key) {
+    return firstUses_.try_emplace(key.shape, FirstUse{key, {}, {}}).first->second;
+}
 
-const MeshTable::Found* MeshTable::findGeometry(const MeshKey& key) const {
-    return lookUp(geometries_, key.withoutMaterial());
+std::optional<MeshTable::Found>& MeshTable::meshOf(const MeshKey& key) {
+    FirstUse& first = firstUse(key);
+    return first.key == key ? first.mesh : meshes_[key];
+}
+
+std::optional<MeshTable::Found>& MeshTable::geometryOf(const MeshKey& key) {
+    FirstUse& first = firstUse(key);
+    const MeshKey bare = key.withoutMaterial();
+    return first.key.withoutMaterial() == bare ? first.geometry : geometries_[bare];
+}
+
+const MeshTable::Found* MeshTable::find(const MeshKey& key) {
+    const std::optional<Found>& found = meshOf(key);
+    return found ? &*found : nullptr;
+}
+
+const MeshTable::Found* MeshTable::findGeometry(const MeshKey& key) {
+    const std::optional<Found>& found = geometryOf(key);
+    return found ? &*found : nullptr;
 }
 
 std::uint32_t MeshTable::numberOf(const Material& material) {
@@ -83,18 +95,21 @@ MeshTable::Found MeshTable::add(const MeshKey& key, const Found& geometry,
             {{{*geometry, 0, static_cast<std::uint32_t>(count), numberOf(material)}}});
         mesh = lastOf(model_.meshes);
     }
-    meshes_[key] = mesh;
+    meshOf(key) = mesh;
     return mesh;
 }
 
 MeshTable::Found MeshTable::add(const MeshKey& key, MeshDraft draft) {
     if (draft.parts.size() == 1 && draft.geometry.colors.empty()) {
-        const auto [known, isNew] = geometries_.try_emplace(key.withoutMaterial());
-        if (isNew && !draft.geometry.indices.empty()) {
-            model_.geometries.push_back(std::move(draft.geometry));
-            known->second = lastOf(model_.geometries);
+        std::optional<Found>& geometry = geometryOf(key);
+        if (!geometry) {
+            geometry.emplace();
+            if (!draft.geometry.indices.empty()) {
+                model_.geometries.push_back(std::move(draft.geometry));
+                *geometry = lastOf(model_.geometries);
+            }
         }
-        return add(key, known->second, draft.parts[0].material);
+        return add(key, *geometry, draft.parts[0].material);
     }
     Mesh mesh;
     for (const DraftPart& part : draft.parts) {
@@ -103,7 +118,7 @@ MeshTable::Found MeshTable::add(const MeshKey& key, MeshDraft draft) {
                                        part.firstIndex, part.indexCount, numberOf(part.material)});
         }
     }
-    Found& found = meshes_[key];
+    Found& found = meshOf(key).emplace();
     if (!mesh.primitives.empty()) {
         model_.geometries.push_back(std::move(draft.geometry));
         model_.meshes.push_back(std::move(mesh));

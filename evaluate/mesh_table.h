@@ -62,9 +62,9 @@ public:
     explicit MeshTable(Model& model) : model_(model) {}
 
     /// The mesh of a key; null when it has not been added yet.
-    const Found* find(const MeshKey& key) const;
+    const Found* find(const MeshKey& key);
     /// The geometry of a key without material, which has one part; null when there is none yet.
-    const Found* findGeometry(const MeshKey& key) const;
+    const Found* findGeometry(const MeshKey& key);
 
     /// Adds a mesh of one part by a geometry that findGeometry has found.
     Found add(const MeshKey& key, const Found& geometry, const Material& material);
@@ -74,9 +74,20 @@ public:
 private:
     std::uint32_t numberOf(const Material& material);
 
+    /// What a shape has become the first time. Most shapes are there once only, and one small
+    /// table for all of them is faster than two large ones.
+    struct FirstUse {
+        MeshKey key;
+        std::optional<Found> mesh, geometry;
+    };
+    FirstUse& firstUse(const MeshKey& key);
+    std::optional<Found>& meshOf(const MeshKey& key);
+    std::optional<Found>& geometryOf(const MeshKey& key);
+
     Model& model_;
-    std::unordered_map<MeshKey, Found, MeshTableHash> meshes_;
-    std::unordered_map<MeshKey, Found, MeshTableHash> geometries_;
+    std::unordered_map<KeyPart, FirstUse> firstUses_;
+    std::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> meshes_;
+    std::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> geometries_;
     std::unordered_map<Material, std::uint32_t, MeshTableHash> materials_;
 };
 

@@ -144,7 +144,11 @@ void writeCamera(JsonWriter& json, const Camera& camera) {
 
 std::string gltfJson(const Model& model, const GltfLayout& layout, const GltfNames& names,
                      bool isForReaders) {
+    // Growing a text of many megabytes would take longer than writing it.
+    constexpr std::size_t kUsualElement = 160;
     std::string text;
+    text.reserve(kUsualElement * (layout.accessors.size() + model.materials.size() +
+                                  model.meshes.size() + model.instances.size()));
     JsonWriter json(text);
     json.breakLinesTo(isForReaders ? 2 : 0);
     json.beginObject();

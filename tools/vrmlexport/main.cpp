@@ -34,7 +34,8 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
     options.root = rootOf(line);
     options.segments = line.segments;
     evaluate::Model model = evaluate::evaluateScene(*scene, options, report.messages());
-    scene.reset();
+    // Never taken apart: what it holds goes with the process.
+    (void)scene.release();
 
     progress.begin("writing");
     if (!line.report.empty()) {
