@@ -102,6 +102,9 @@ public:
     /// Reports a read error with the current line.
     [[gnu::format(printf, 2, 3)]] void readError(const char* format, ...) const;
 
+    /// True once an attempt to read past the last character has failed: not yet when the last
+    /// character has been read.
+    bool metEnd() const { return atEnd_; }
     /// False once the header check has failed.
     bool noErrorSoFar() const { return noErrorSoFar_; }
     /// The version that the header names, 0 when the header is not known.

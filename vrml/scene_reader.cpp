@@ -127,14 +127,17 @@ enum class Opened {
     return Opened::kBody;
 }
 
-/// Reports an input of which more is left than a scene without a node may have.
+/// Succeeds if the reader has met the end of an input that holds no node. Otherwise reports the
+/// next character. A byte 255 that ended the last token was not put back; when nothing follows it,
+/// kEndOfFile is reported in its place, which is the same byte.
 bool endsWithoutNode(VrmlInput& input) {
-    char c = 0;
-    if (input.get(c)) {
-        input.readError("Extra characters ('%c') found in input", c);
-        return false;
+    if (input.metEnd()) {
+        return true;
     }
-    return true;
+    char c = 0;
+    input.get(c);
+    input.readError("Extra characters ('%c') found in input", c);
+    return false;
 }
 
 } // namespace
