@@ -5,6 +5,7 @@
 #include "vrml/scene.h"
 
 #include <string>
+#include <string_view>
 
 // readNode and the nodes' readBody and readChildren call one another, once for each level of
 // nesting. What a level needs only before or after its body is kept out of their frames, so that a
@@ -30,26 +31,33 @@ bool readBrace(VrmlInput& input, char brace) {
     return true;
 }
 
-/// Reads the name behind USE and finds its node.
-bool readReference(VrmlInput& input, QvNode*& node) {
+/// Reads the name of a node. It may hold any character, but ends at its first zero byte, as it does
+/// in messages.
+bool readNodeName(VrmlInput& input, InternedName& name) {
     std::string text;
-    if (!input.readString(text)) {
+    const bool isRead = input.readString(text);
+    name = input.scene().intern(std::string_view(text).substr(0, text.find('\0')));
+    return isRead;
+}
+
+/// Reads the name after USE and finds its node.
+bool readReference(VrmlInput& input, QvNode*& node) {
+    InternedName name;
+    if (!readNodeName(input, name)) {
         input.readError("Premature end of file after USE");
         return false;
     }
-    node = input.scene().references()[input.scene().intern(text)];
+    node = input.scene().references()[name];
     if (node == nullptr) {
-        input.readError("Unknown reference \"%s\"", text.c_str());
+        input.readError("Unknown reference \"%s\"", name.c_str());
     }
     return node != nullptr;
 }
 
-/// Reads the name behind DEF and the class name behind that.
+/// Reads the name after DEF and the class name after that.
 bool readDefinition(VrmlInput& input, InternedName& name, InternedName& className) {
     bool ok = true;
-    std::string text;
-    const bool named = input.readString(text);
-    name = input.scene().intern(text);
+    const bool named = readNodeName(input, name);
     className = InternedName();
     if (!named || !input.readName(className)) {
         input.readError("Premature end of file after DEF");
