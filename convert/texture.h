@@ -25,9 +25,10 @@ std::string convertedName(const std::string& folder, std::string_view source);
 /// shell.
 std::string shellWord(const std::string& text);
 
-/// Texture coordinates for points (3 floats each) that have none: S runs along the longest side of
-/// their bounding box, T along the next, both measured in the length of the longest.
-/// Yields 2 floats per point.
+/// Texture coordinates for points (3 floats each) that have none. S runs along the longest side of
+/// their bounding box: of equal ones along Z, or along X where Z is shorter. T runs along the
+/// middle side; where sides are equal, along X, or along Y if S takes X. Both are divided by the
+/// length of the side that S takes. Returns 2 floats per point.
 std::vector<float> projectedCoordinates(std::span<const float> points);
 
 /// Passes texture coordinates (2 floats each) through the texture transforms in force, newest

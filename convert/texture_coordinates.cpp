@@ -76,9 +76,9 @@ std::pair<std::size_t, std::size_t> projectionAxes(const std::array<float, 3>& s
     } else if ((dx > dz && dz > dy) || (dy > dz && dz > dx)) {
         t = 2;
     }
-    // Between sides of equal size the choice is made once and for all.
-    return s == t || size[s] == size[t] ? std::pair<std::size_t, std::size_t>(0, 1)
-                                        : std::pair(s, t);
+    // A square in the XY plane has S along X. Other sides of equal size keep the order above.
+    const bool isFlatSquare = dx == dy && dx > dz;
+    return s == t || isFlatSquare ? std::pair<std::size_t, std::size_t>(0, 1) : std::pair(s, t);
 }
 
 } // namespace

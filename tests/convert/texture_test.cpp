@@ -209,8 +209,16 @@ TEST_F(Textures, FaceSetsProjectTheirPoints) {
     EXPECT_EQ(faceUvs("0 0 0, 2 4 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // y > x > z
     EXPECT_EQ(faceUvs("0 0 0, 1 2 4, 1 2 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > y > x
     EXPECT_EQ(faceUvs("0 0 0, 2 1 4, 2 1 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > x > y
-    EXPECT_EQ(faceUvs("0 0 0, 2 2 0, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {1, 0}})); // Equal: X and Y.
-    EXPECT_EQ(faceUvs("0 0 0, 2 0 0, 0 0 0"), (Uvs{{0, 0}, {1, 0}, {0, 0}})); // Equal: X and Y.
+    // Sides of equal size: x = y > z and x > y = z take X and Y,
+    EXPECT_EQ(faceUvs("0 0 0, 2 2 1, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 2 1 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
+    // x = z > y, y = z > x, z > x = y and a cube Z and X,
+    EXPECT_EQ(faceUvs("0 0 0, 2 1 2, 0 1 2"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 1 2 2, 0 1 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 1 1 2, 0 1 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 2 2 2, 0 1 2"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
+    // and y > x = z Y and X.
+    EXPECT_EQ(faceUvs("0 0 0, 1 2 1, 0 2 1"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
     EXPECT_EQ(faceUvs("").size(), 0U);
     const std::string given = "TextureCoordinate2 { point [ 0.25 0.5, 1 0 ] } ";
     EXPECT_EQ(faceUvs("0 0 0, 1 0 0, 1 1 0", given,
