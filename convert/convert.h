@@ -56,6 +56,12 @@ struct ConvertOptions {
     std::string programTag = "MESHCAST"; ///< The name of an image whose scene gives it none.
 };
 
+/// The options that the environment asks for: version and verification as
+/// GEOMenvironment_settings() says, RGBTMP for the folder of the images, and RGBCONV, GIFCONV and
+/// JPGCONV for the converters. Of these four, an empty value counts as not set: no folder and no
+/// command has an empty name.
+ConvertOptions environmentOptions();
+
 /// Converts every shape of a scene, in the order of one walk, into GEOM objects. Each is handed to
 /// `sink` when it is complete and destroyed after that. Conversions may run at once in several
 /// threads, each with a sink and diagnostics of its own.

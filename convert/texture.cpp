@@ -6,7 +6,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
+#include <sys/types.h>
+#include <unistd.h>
 #include <utility>
 
 namespace meshcast {
@@ -70,13 +73,28 @@ std::array<std::uint8_t, 4> pixelAt(const QvSFImage& image, std::size_t row, std
             byteAt(0), byteAt(green), byteAt(2 * green)};
 }
 
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileOwner = std::unique_ptr<std::FILE, CloseFile>;
+
+/// Opens a file to be written anew; null on errors. The name is fixed and the folder often shared,
+/// so a symbolic link there may be someone else's and is not followed.
+FileOwner openForWriting(const std::string& path) {
+    constexpr mode_t kReadWriteForAll = 0666; // Less the process's umask, as std::fopen has it.
+    const int descriptor = ::open(
+        path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kReadWriteForAll);
+    FileOwner file(descriptor < 0 ? nullptr : ::fdopen(descriptor, "w"));
+    if (file == nullptr && descriptor >= 0) {
+        ::close(descriptor);
+    }
+    return file;
+}
+
 /// Writes the raw file of an inline image: 8 bytes that hold width and height, big-endian, then the
 /// pixels, the last row first. False when the file cannot be opened.
 bool writeRawImage(const std::string& path, const QvSFImage& image) {
-    struct Close {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-    const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "w"));
+    const FileOwner file = openForWriting(path);
     if (file == nullptr) {
         return false;
     }

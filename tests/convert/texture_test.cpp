@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -83,6 +84,23 @@ TEST_F(Textures, ConvertersRunOnImageFiles) {
     EXPECT_EQ(calls("p.jpg"), "rgb2kra|-o|./p.jpg|" + folder_ + "/p.x|");
 }
 
+TEST(ImageEnvironment, EmptyVariablesCountAsNotSet) {
+    const auto images = [](const char* value) {
+        for (const char* const name : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
+            setenv(name, value, 1);
+        }
+        const ImageConversion found = environmentOptions().images;
+        for (const char* const name : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
+            unsetenv(name);
+        }
+        return found;
+    };
+    EXPECT_EQ(images("x").folder, "x");
+    EXPECT_EQ(images("x").converters, (std::array<std::string, 3>{"x", "x", "x"}));
+    EXPECT_EQ(images("").folder, "/tmp");
+    EXPECT_EQ(images("").converters, (std::array<std::string, 3>{"rgb2kra", "gif2kra", "jpg2kra"}));
+}
+
 TEST_F(Textures, UnknownTypesSwitchTexturesOff) {
     const Conversion scene = convert(
         "Group { " + kTexture + "Texture2 { filename a.png } " + kTexture + "Cube { } }", options_);
@@ -128,6 +146,12 @@ TEST_F(Textures, InlineImagesBecomeRawFiles) {
     ASSERT_TRUE(written.has_value());
     EXPECT_EQ(written->name, folder_ + "/MESHCAST.x");
     EXPECT_TRUE(!written->clampS && written->clampT);
+    std::filesystem::rename(folder_ + "/MESHCAST.x", folder_ + "/target");
+    std::filesystem::create_symlink("target", folder_ + "/MESHCAST.x");
+    const std::string target = file("target");
+    EXPECT_FALSE(use().has_value());
+    convert("Texture2 { image 3 3 1 }", options_);
+    EXPECT_EQ(file("target"), target); // Links are not followed.
     options_.images.folder = "/nowhere/at/all";
     EXPECT_FALSE(use().has_value());
 }
