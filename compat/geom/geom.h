@@ -255,5 +255,6 @@ int GEOMcheck_obj(const GEOMobj* obj, int options, GEOMreporter reporter);
 // Writes the object as one record to `fd`. Bits 0x1 and 0x2 of `flags` drop the normals and colours
 // bits from the record's header, not the arrays from its body. Write errors cut the record short
 // and are not reported. The version, whether the object is checked first, and the trace are as
-// settings.h says; findings do not stop the write.
+// settings.h says; findings do not stop the write. Without memory for the stream the object is left
+// out without a message.
 void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags);

@@ -212,7 +212,7 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
 GEOMstream* geom::create_stream(int fd) {
     void* const memory = geom::try_allocate(sizeof(GEOMstream));
     if (memory == nullptr)
-        GEOMfatal_error("out of memory");
+        return nullptr;
     // Member by member: clearing the buffers would cost as much as writing a small object.
     auto* const stream = new (memory) GEOMstream;
     stream->fd = fd;

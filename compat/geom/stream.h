@@ -42,8 +42,7 @@ std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_
 
 namespace geom {
 
-// Opens a stream on `fd`, with the sink GEOMstream_write(). Ends through GEOMfatal_error() when
-// there is no memory for it: an object left out without a word would be lost.
+// Opens a stream on `fd`, with the sink GEOMstream_write(). Null when there is no memory for it.
 GEOMstream* create_stream(int fd);
 
 // Writes what is buffered, seeks the descriptor back over what was read ahead, frees the stream.

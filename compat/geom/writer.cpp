@@ -307,9 +307,11 @@ void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags) {
         std::printf("GEOMwrite_obj (obj=0x%" PRIx32 ", fd=%d, flags=%d)\n", low_word(obj), fd,
                     flags);
     }
-    GEOMstream* const stream = geom::create_stream(fd);
-    GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::record_version());
-    geom::close_stream(stream);
+    // Kept: an object for which there is no stream is left out, and the program goes on.
+    if (GEOMstream* const stream = geom::create_stream(fd)) {
+        GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::record_version());
+        geom::close_stream(stream);
+    }
     if (trace)
         std::printf("return from GEOMwrite_obj\n\n");
 }
