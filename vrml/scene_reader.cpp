@@ -8,8 +8,9 @@
 #include <string_view>
 
 // readNode and the nodes' readBody and readChildren call one another, once for each level of
-// nesting. What a level needs only before or after its body is kept out of their frames, so that a
-// scene of the greatest depth fits a small stack, in a sanitizer build too.
+// nesting. What is needed only before or after a body is kept in functions of its own, so that
+// these frames stay small and a scene of the greatest depth fits the stack, even in a sanitizer
+// build.
 
 namespace meshcast {
 
@@ -74,8 +75,8 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
     return ok;
 }
 
-/// Makes the node of a class. Outside the catalogue a class is known by the word "fields" at the
-/// start of its body, which is left to be read again. Reports a class that is not known.
+/// Makes a node of a class. A class outside the catalogue must begin its body with the word
+/// "fields", which is put back. Reports any other unknown class.
 QvNode* createFromInput(VrmlInput& input, InternedName className) {
     if (const ClassInfo* const known = findClass(className)) {
         return known->create(input.scene());
@@ -91,12 +92,12 @@ QvNode* createFromInput(VrmlInput& input, InternedName className) {
 
 enum class Opened {
     kBody,           ///< A node was made, and its body follows.
-    kUnreadableBody, ///< A body follows for which there is no node.
+    kUnreadableBody, ///< No node was made for the body that follows.
     kNoBody,         ///< USE named a node, or no node follows.
     kFailed,
 };
 
-/// Reads a node up to the opening brace of its body, if it has one.
+/// Reads a node up to and including the opening brace of its body, if it has one.
 [[gnu::noinline]] Opened openNode(VrmlInput& input, QvNode*& node) {
     static const InternedName kNull = catalogueName("NULL");
     static const InternedName kUse = catalogueName("USE");
