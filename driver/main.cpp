@@ -12,14 +12,13 @@ int main() {
     using namespace meshcast;
 
     std::set_new_handler([] { GEOMfatal_error("out of memory"); });
-    // POSIX makes no difference between text and binary descriptors, so no byte of the stream is
-    // translated on its way out.
+    // POSIX does not distinguish text and binary descriptors, so no byte of the stream is changed.
     DescriptorSource source(STDIN_FILENO);
     DescriptorSink stream(STDOUT_FILENO);
     StandardErrorDiagnostics messages;
-    // Never taken apart: what it holds goes with the process.
+    // Never destroyed: the process ends anyway, and destroying a large scene takes time.
     static Scene& scene = *new Scene;
-    // A scene that cannot be read has been reported, and the exit status is 0 all the same.
+    // A scene that cannot be read is reported, but the exit status is still 0.
     readScene(scene, source, messages);
     convertScene(scene, stream, messages, environmentOptions());
     return 0;
