@@ -42,7 +42,7 @@ public:
         return size;
     }
 
-    /// Why the file could not be opened or not be read to its end, if so.
+    /// The error of opening or reading the file, if there was one.
     const std::error_code& error() const { return error_; }
 
 private:
@@ -53,8 +53,8 @@ private:
     std::error_code error_;
 };
 
-/// Lists objects until the stream ends or breaks, or until `out`, where the listing goes, takes no
-/// more. Memory follows the largest object.
+/// Lists objects until the end of the stream, its first error, or a failed write to `out`. Memory
+/// grows with the largest object only.
 Totals listObjects(RecordReader& reader, Listing& listing, const std::ostream& out) {
     Totals totals;
     while (const std::optional<geom_stream::Object> object = reader.next()) {
