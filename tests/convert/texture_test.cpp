@@ -89,7 +89,7 @@ TEST(ImageEnvironment, EmptyVariablesCountAsNotSet) {
         for (const char* const name : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
             setenv(name, value, 1);
         }
-        const ImageConversion found = environmentOptions().images;
+        ImageConversion found = environmentOptions().images;
         for (const char* const name : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
             unsetenv(name);
         }
