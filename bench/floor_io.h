@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    // More than the longest indentation with the longest word behind it.
+    // More than the longest indentation and the longest word after it.
     static constexpr std::ptrdiff_t kLookAhead = 128;
 
     template <typename IsSkipped>

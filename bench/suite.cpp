@@ -27,7 +27,7 @@ namespace {
 
 using namespace meshcast;
 
-/// `piece` again and again behind a header line and `opening`, about 1 MB of it.
+/// A header line, `opening`, and then `piece` repeated to about 1 MB.
 std::string repeated(std::string_view piece, std::string_view opening = "") {
     std::string text("#VRML V1.0 ascii\n");
     text += opening;

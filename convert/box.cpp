@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// Cubes, and the boxes that stand in for inlined scenes.
+// Cubes, and the boxes that replace inlined scenes.
 
 namespace meshcast {
 
@@ -32,7 +32,7 @@ constexpr std::array<std::int32_t, 31> kPolygons = {4, 1, 2, 6, 5, //
                                                     4, 5, 6, 7, 8, //
                                                     0};
 
-/// With a texture every face has four vertices of its own: at these corners, counted from 0.
+/// With a texture, every face has four vertices of its own, at these corners (counted from 0).
 constexpr std::array<std::size_t, 24> kTexturedCorners = {0, 1, 5, 4, //
                                                           1, 2, 6, 5, //
                                                           2, 3, 7, 6, //
@@ -71,8 +71,8 @@ void Converter::visit(const QvCube& shape, const QvState& state) {
     writePolyhedron(vertices, kTexturedPolygons, Normals::kFacet, uvs);
 }
 
-// An inlined scene is never fetched, nor are the node's children visited: a box of its declared
-// bounds stands in for it. Bounds that are small in every direction say nothing, and give nothing.
+// An inlined scene is not fetched, and the node's children are not visited. A box of the declared
+// bounds replaces it. Without bounds, or if they are tiny in every direction, nothing is written.
 void Converter::visit(const QvWWWInline& shape, const QvState& state) {
     constexpr double kLeastSize = 0.1;
 

@@ -16,7 +16,7 @@ std::array<float, 3> normalised(const std::array<float, 3>& v) {
     constexpr double kTooShort = 1e-10;
     const float lengthSquared = v[0] * v[0] + v[1] * v[1] + v[2] * v[2];
     if (static_cast<double>(lengthSquared) < kTooShort) {
-        // A rotation about no axis turns about the diagonal, rather than being an error.
+        // Kept: a rotation without an axis turns about the diagonal instead of being an error.
         const auto component = static_cast<float>(std::sqrt(3.0) / 3.0);
         return {component, component, component};
     }
@@ -48,8 +48,8 @@ Matrix4 translation(const QvSFVec3f& offset, float sign = 1) {
     return {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {sign * x, sign * y, sign * z, 1}}};
 }
 
-// The transpose of the matrix that the textbooks give for column vectors (Foley et al., "Computer
-// Graphics: Principles and Practice", rotation about an arbitrary axis).
+// The transpose of the usual matrix for column vectors (Foley et al., "Computer Graphics:
+// Principles and Practice", rotation about an arbitrary axis).
 Matrix4 rotation(const QvSFRotation& field, float sign = 1) {
     const auto& value = field.value;
     const auto angle = static_cast<double>(sign * value[3]);

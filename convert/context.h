@@ -17,8 +17,8 @@ struct TransformRecord {
     TransformRecord* next = nullptr;
 };
 
-/// The transform stack of the shape being converted. Nothing is transformed by it: the stream holds
-/// every shape in its own local space.
+/// The transform stack of the shape being converted. It is not applied: the stream holds every
+/// shape in its own local space.
 class ShapeContext {
 public:
     /// `state` must outlive the context.
@@ -27,10 +27,10 @@ public:
     ShapeContext& operator=(const ShapeContext&) = delete;
     ~ShapeContext();
 
-    /// The last record of the stack, into whose matrix every transform in force has been folded,
-    /// newest first: the innermost transform acts on a point first. Null when there was no memory
-    /// for it. Made when it is first asked for: a scene may put any number of transforms before
-    /// each of its shapes, and no shape asks yet.
+    /// The last record of the stack. Its matrix is the product of all transforms in force, newest
+    /// first: the innermost transform acts on a point first. Null when memory runs out. The product
+    /// is computed on the first call only, since a scene may put any number of transforms before
+    /// each shape and no shape needs it yet.
     TransformRecord* top();
 
 private:

@@ -12,22 +12,22 @@ class ByteSource;
 class Diagnostics;
 class Scene;
 
-/// Receives the objects of a conversion, one by one.
+/// Receives the objects of a conversion one by one.
 class ObjectSink {
 public:
     virtual ~ObjectSink() = default;
 
-    /// Takes an object, which is destroyed after the call. While it runs, GEOMwrite_obj() writes
-    /// records as the conversion's options ask for.
+    /// Takes an object, which is destroyed after the call. During the call, GEOMwrite_obj() uses
+    /// the version and verification of the conversion's options.
     virtual void write(const GEOMobj& object) = 0;
 
-    /// Takes text that is meant for standard output: textures bring some along.
+    /// Takes text that is meant for standard output. Only textures produce such text.
     virtual void print(std::string_view text) = 0;
 };
 
-/// Writes every object to a descriptor, as one record, and text to the buffered standard output of
-/// the C library: it lands after the records that are being written. Kept, readers of such streams
-/// know it there.
+/// Writes every object to a descriptor as one record, and text to the standard output of the C
+/// library. That is buffered, so the text usually appears after the records. Kept: readers of such
+/// streams expect it there.
 class DescriptorSink final : public ObjectSink {
 public:
     explicit DescriptorSink(int descriptor) : descriptor_(descriptor) {}
@@ -38,16 +38,16 @@ private:
     int descriptor_;
 };
 
-/// How the images of textures are converted, by programs of their own.
+/// How external programs convert the images of textures.
 struct ImageConversion {
     std::string folder = "/tmp"; ///< Where the converted copies go.
     /// The commands that convert RGB, GIF and JPEG images.
     std::array<std::string, 3> converters = {"rgb2kra", "gif2kra", "jpg2kra"};
 };
 
-/// What may be chosen of a conversion. The defaults are the filter's.
+/// The options of a conversion. The defaults are those of the filter.
 struct ConvertOptions {
-    int version = GEOM_VERSION_XDR; ///< Of the records that a sink writes; below it, version 7.
+    int version = GEOM_VERSION_XDR; ///< Of the records; any lower version means 7.
     bool verify = false;            ///< Objects are checked when they are written and destroyed.
     bool text = false;              ///< Text becomes labels. Nothing turns it on yet.
     bool textures = false;          ///< Shapes carry texture coordinates and images are prepared.
@@ -56,14 +56,19 @@ struct ConvertOptions {
     std::string programTag = "MESHCAST"; ///< The name of an image whose scene gives it none.
 };
 
-/// Converts every shape of a scene, in the order of one walk, into GEOM objects. Each is handed to
-/// `sink` when it is complete and destroyed after that. Conversions may run at once in several
-/// threads, each with a sink and diagnostics of its own.
+/// The options that the environment sets: version and verification as in
+/// GEOMenvironment_settings(), RGBTMP for the folder of the images, and RGBCONV, GIFCONV and
+/// JPGCONV for the converters. Each of these four counts as not set when it is empty.
+ConvertOptions environmentOptions();
+
+/// Converts every shape of a scene, in the order of one walk, into GEOM objects. Each object is
+/// passed to `sink` and then destroyed. Several threads may convert at the same time, each with its
+/// own sink and diagnostics.
 void convertScene(const Scene& scene, ObjectSink& sink, Diagnostics& diagnostics,
                   const ConvertOptions& options = {});
 
-/// Reads a scene and converts it. A scene that cannot be read to its end gives no objects: that has
-/// been reported, and the result is false.
+/// Reads a scene and converts it. If the scene cannot be read, reports that, writes no objects and
+/// returns false.
 bool convertScene(ByteSource& source, ObjectSink& sink, Diagnostics& diagnostics,
                   const ConvertOptions& options = {});
 

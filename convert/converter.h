@@ -25,12 +25,12 @@ using ObjectOwner = std::unique_ptr<GEOMobj, DestroyObject>;
 /// Whether and how a polyhedron gets normals.
 enum class Normals : std::int8_t { kNone, kSmooth, kFacet };
 
-/// Half a length: multiplied in double, then rounded.
+/// Half a length, computed in double and rounded to float.
 inline float half(float length) { return static_cast<float>(static_cast<double>(length) * 0.5); }
 
-/// The visitor that turns shapes into GEOM objects: one for each conversion. How a shape is
-/// converted stands in the file named after it; box.cpp holds cubes and inlined scenes,
-/// primitives.cpp cones, cylinders and spheres.
+/// The visitor that converts shapes into GEOM objects, one visitor per conversion. Each shape is
+/// converted in the file named after it; cubes and inlined scenes are in box.cpp, cones, cylinders
+/// and spheres in primitives.cpp.
 class Converter final : public ShapeVisitor {
 public:
     Converter(ObjectSink& sink, Diagnostics& diagnostics, const ConvertOptions& options)
@@ -46,10 +46,10 @@ public:
     void visit(const QvSphere& shape, const QvState& state) override;
     void visit(const QvWWWInline& shape, const QvState& state) override;
 
-    /// Prepares the image of a texture, so that a converted copy lies under its convertedName:
-    /// writes an inline image to a raw file, which names the texture from then on, or runs the
-    /// converter on the image file. An image of an unknown type is reported in the sink's text and
-    /// turns textures off.
+    /// Prepares the image of a texture as the file that convertedName names. An inline image is
+    /// written as a raw file, whose name the texture has from then on; for an image file the
+    /// converter is run. An image of an unknown type is reported through the sink's print and turns
+    /// textures off.
     void prepareTexture(const QvTexture2& texture) override;
 
     /// The texture in force; none when textures are off or no Texture2 node names an image.
@@ -72,7 +72,7 @@ private:
     const ConvertOptions& options_;
     bool textures_;
     bool sinesPrinted_ = false;
-    std::set<const QvTexture2*> writtenImages_; ///< Textures that are named by their raw file.
+    std::set<const QvTexture2*> writtenImages_; ///< Textures whose image is a raw file.
 };
 
 } // namespace meshcast

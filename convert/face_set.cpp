@@ -10,11 +10,11 @@
 #include <span>
 #include <vector>
 
-// An indexed face set becomes one polyhedron: all points of the coordinates in force are its
-// vertices, each face is a polygon. Normals, colours and texture coordinates are per vertex: where
-// the scene binds them to faces or lists of indices, they are spread over the vertices that these
-// name, later ones over earlier ones. Entries that nothing names stay zero; a pair of indices of
-// which either lies outside its list is passed over.
+// An indexed face set becomes one polyhedron. All points of the coordinates in force become
+// vertices, and each face becomes a polygon. Normals, colours and texture coordinates are per
+// vertex. Where the scene binds them to faces or indices, they are copied to the vertices that
+// these name; later values overwrite earlier ones. Vertices without a value keep zero. A pair of
+// indices is ignored if either is out of range.
 
 namespace meshcast {
 
@@ -26,11 +26,11 @@ std::span<const std::int32_t> entries(const QvMFLong& field) {
     return {field.values, static_cast<std::size_t>(field.num)};
 }
 
-/// Whether `index` lies in a list of `count` values.
+/// Whether `index` is in range for a list of `count` values.
 bool isInside(std::int32_t index, std::int32_t count) { return index >= 0 && index < count; }
 
-/// `Width` floats per point, spread from the values of a field by pairs of indices: the entry j of
-/// `index` names the value of the point that entry j of `coordIndex` names.
+/// `Width` floats per point: for each j, the value number index[j] goes to the point number
+/// coordIndex[j].
 template <std::size_t Width>
 std::vector<float> spreadIndexed(const QvMFieldOf<float, Width>& values,
                                  std::span<const std::int32_t> index,
@@ -50,16 +50,16 @@ std::vector<float> spreadIndexed(const QvMFieldOf<float, Width>& values,
 std::uint8_t colorByte(float component) {
     const double scaled = std::min(static_cast<double>(component), 1.0) * 255.0;
     constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
-    // There is no clamp from below: the low byte of a negative integer wraps. That of the lowest,
-    // for which everything below it stands, is 0.
+    // Kept: negative values are not clamped to 0, so the low byte wraps. Values below the lowest
+    // integer are clamped to it; its low byte is 0.
     if (!(scaled > kLowest)) {
         return 0;
     }
     return static_cast<std::uint8_t>(static_cast<std::uint32_t>(static_cast<std::int32_t>(scaled)));
 }
 
-/// The colours of the vertices; none where the shape has none: a binding and more than one diffuse
-/// colour make them. An array for no points has one entry, so that it counts as given.
+/// The colours of the vertices. Empty unless there are a material binding and more than one diffuse
+/// colour. For a shape without points the array has one entry, so that it is not empty.
 std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexedFaceSet& shape,
                                            std::int32_t points) {
     const auto* const binding = state.materialBinding();
@@ -71,8 +71,8 @@ std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexed
     const QvMFColor& diffuse = material->diffuseColor;
     std::vector<GEOMpacked_color> colors(
         std::max<std::size_t>(static_cast<std::size_t>(points), 1));
-    // Gives a vertex the colour of that number, counted round and round the list. What lies outside
-    // after that, as most negative numbers do, gives nothing.
+    // Gives a vertex the colour of a number modulo the length of the list. Does nothing if the
+    // remainder is out of range, as it is for most negative numbers.
     const auto set = [&diffuse, points, packed = colors.data()](std::int32_t vertex,
                                                                 std::int32_t color) {
         const std::int32_t wrapped = color % diffuse.num;
@@ -81,7 +81,7 @@ std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexed
             packed[vertex] = {0, colorByte(rgb[0]), colorByte(rgb[1]), colorByte(rgb[2])};
         }
     };
-    // `colorOf` tells the number of an entry's colour by its place in the list and by its face.
+    // `colorOf` returns the colour number of an entry, given its position in the list and its face.
     const auto setAll = [set, coordIndex = entries(shape.coordIndex)](auto colorOf) {
         std::size_t face = 0;
         for (std::size_t i = 0; i < coordIndex.size(); ++i) {
@@ -92,7 +92,7 @@ std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexed
             }
         }
     };
-    // One entry, as every shape has by default, is no list to index by: all vertices stay black.
+    // A single entry, the default of every shape, is not used as an index: all vertices stay black.
     const auto list = entries(shape.materialIndex);
     const auto listed = [list, size = list.size() >= 2 ? list.size() : 0](std::size_t i) {
         return i < size ? list[i] : -1;
@@ -118,9 +118,9 @@ std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexed
 
 } // namespace
 
-/// Faces as GEOMadd_polygons takes them: each its count and its vertex numbers, which start at 1;
-/// a count of 0 ends the list. Each face stands where it stands in `coordIndex`, its count one
-/// entry ahead. Reports the indices that name no point.
+/// Faces in the format of GEOMadd_polygons: for each its count and its vertex numbers from 1, and a
+/// count of 0 at the end. The count of a face is at the position where the face begins in
+/// `coordIndex`, and its vertices follow. Reports indices out of range.
 std::vector<std::int32_t> Converter::polygonList(std::span<const std::int32_t> coordIndex,
                                                  std::int32_t points) {
     std::vector<std::int32_t> list(coordIndex.size() + 2);
@@ -129,7 +129,7 @@ std::vector<std::int32_t> Converter::polygonList(std::span<const std::int32_t> c
     const auto closeFace = [&] {
         list[faceStart] = static_cast<std::int32_t>(count);
         for (std::size_t i = faceStart; i < faceStart + count; ++i) {
-            // Wraps: an index that names no point may be the largest integer.
+            // Unsigned, since an index out of range may be the largest integer.
             list[i + 1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(coordIndex[i]) + 1U);
         }
     };
@@ -142,8 +142,8 @@ std::vector<std::int32_t> Converter::polygonList(std::span<const std::int32_t> c
         } else if (isInside(index, points)) {
             ++count;
         } else {
-            // Only not counted: the face keeps its first entries, this one among them if it is not
-            // the last. Kept, the stream's readers know such faces.
+            // Kept: a bad index is not counted but stays in place, so the face loses its last entry
+            // instead of this one. Readers of the stream know such faces.
             reportBadIndex("IndexedFaceSet", index);
         }
     }
@@ -153,7 +153,7 @@ std::vector<std::int32_t> Converter::polygonList(std::span<const std::int32_t> c
     return list;
 }
 
-/// Two floats per point, or nothing where the shape has no texture.
+/// Two floats per point, or nothing if the shape has no texture.
 std::vector<float> Converter::textureCoordinates(const QvState& state,
                                                  const QvIndexedFaceSet& shape,
                                                  const QvMFVec3f& points) const {
@@ -178,7 +178,7 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    // The messages about bad indices come before any that building the object may print.
+    // First, so that messages about bad indices come before any from building the object.
     std::vector<std::int32_t> polygons = polygonList(entries(shape.coordIndex), points.num);
 
     const auto* const normal = state.normal();
@@ -193,12 +193,12 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
                shape.normalIndex.num >= 2) {
         spreadNormals = spreadIndexed(normal->vector, entries(shape.normalIndex),
                                       entries(shape.coordIndex), points.num);
-        // An array made for no points is still one that was given.
+        // Even without points, normals count as given.
         spreadNormals.reserve(1);
         normals = spreadNormals.data();
     } else {
-        // Unlike every other binding that gives no normals, an explicit DEFAULT generates none
-        // either: kept, the stream's readers rely on it.
+        // Kept: with an explicit DEFAULT no normals are generated, unlike with the other bindings.
+        // Readers of the stream rely on it.
         generate = mode != Binding::DEFAULT;
     }
     const std::vector<GEOMpacked_color> colors = vertexColors(state, shape, points.num);
@@ -208,7 +208,7 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
     GEOMadd_vertices_with_data(object.get(), points.values, normals,
                                colors.empty() ? nullptr : colors.data(), points.num, GEOM_COPY);
     GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
-    // As large as the index list, and not needed while the normals are made.
+    // Freed early: it is as large as the index list.
     polygons = {};
     if (generate) {
         GEOMgen_normals(object.get(), 0);

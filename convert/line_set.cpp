@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-// An indexed line set becomes one polytriangle with a polyline for each run of indices between the
-// entries of -1. Colours are floats, one per vertex, unlike the bytes of face sets.
+// An indexed line set becomes one polytriangle. Each run of indices between entries of -1 becomes a
+// polyline. Unlike in face sets, colours are stored as floats.
 
 namespace meshcast {
 
@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::int32_t kEndOfRun = -1;
 
-/// Colours, and the list whose entries name one for each position of a run.
+/// Colours, and a list of indices into them, one for each position of a run.
 struct LineColors {
     const QvMFColor* values;
     const QvMFLong* indices;
@@ -40,8 +40,8 @@ std::optional<LineColors> lineColors(const QvState& state, const QvIndexedLineSe
     return std::nullopt;
 }
 
-/// Copies the value that entry `position` of `indices` names; zeros when there is no such entry or
-/// no such value.
+/// Copies the value number indices[position], or zeros if `position` or that number is out of
+/// range.
 void copyNamed(const QvMFieldOf<float, 3>& values, const QvMFLong& indices, std::int32_t position,
                float* target) {
     const std::int32_t index = position < indices.num ? indices.values[position] : -1;
@@ -75,12 +75,12 @@ void Converter::visit(const QvIndexedLineSet& shape, const QvState& state) {
             if (index >= 0 && index < points.num) {
                 ++length;
             } else {
-                // Only not counted, so that the run's end is cut rather than this entry: kept.
+                // Kept: a bad index is not counted, so the run loses its last entry instead of it.
                 reportBadIndex("IndexedLineSet", index);
             }
             continue;
         }
-        // The last entry counts whatever it names, unless it is one of the two that end lists.
+        // Kept: the last entry counts even if it is out of range, unless it is -1 or -2.
         if (index != kEndOfRun && index != -2) {
             ++length;
         }

@@ -9,8 +9,8 @@
 
 namespace meshcast {
 
-// A point set becomes a set of small spheres. The default number of points, -1, gives nothing
-// rather than all points: kept.
+// A point set becomes a set of small spheres. Kept: the default number of points, -1, writes
+// nothing instead of all points.
 void Converter::visit(const QvPointSet& shape, const QvState& state) {
     constexpr float kPointRadius = 0.01F;
 
@@ -20,7 +20,7 @@ void Converter::visit(const QvPointSet& shape, const QvState& state) {
         return;
     }
     const QvMFVec3f& points = coordinates->point;
-    // The part of [first, last) for which there are points.
+    // The part of [first, last) that is in range.
     const std::int64_t first = shape.startIndex.value;
     const std::int64_t last = first + shape.numPoints.value;
     const std::int64_t begin = std::clamp<std::int64_t>(first, 0, points.num);

@@ -12,32 +12,32 @@
 #include <vector>
 
 // Cones, cylinders and spheres, each tessellated at a fixed resolution around the origin. A shape
-// with a texture has more vertices, so that every corner of the image has its own: caps and sides
-// meet in rings of their own, and a ring's last point repeats its first.
+// with a texture has more vertices, since vertices with different texture coordinates cannot be
+// shared: caps and sides have rings of their own, and the last point of a ring repeats its first.
 //
-// The parts fields of cones and cylinders are not looked at: all parts are written. Kept, like the
-// constants below: the stream's readers know these vertices.
+// Kept, since readers of the stream expect these vertices: the parts fields of cones and cylinders
+// are ignored, so all parts are written; and the constants below.
 
 namespace meshcast {
 
 namespace {
 
 constexpr std::int32_t kSegments = 12;
-/// Points of a ring that ends where it began.
+/// Points of a ring whose last point repeats its first.
 constexpr std::int32_t kClosedRing = kSegments + 1;
 
 // ---- polygon lists
 
-/// A corner of the polygons around an axis, one polygon for each segment: a vertex that they share,
-/// or the point of a ring at the start or the end of the segment.
+/// A corner of the polygons around an axis, of which there is one per segment. The corner is either
+/// a vertex that all of them share, or the point of a ring at the start or the end of the segment.
 struct Corner {
     enum Kind : std::int8_t { kCenter, kStart, kEnd };
     Kind kind;
     std::int32_t vertex; ///< The centre, or the ring's first point.
 };
 
-/// A polygon of these corners for each segment. Rings of kSegments points are closed by their first
-/// point, those of kClosedRing by their last.
+/// A polygon with these corners for each segment. The last segment ends at the first point of a
+/// ring of kSegments points, or at the last point of a ring of kClosedRing.
 template <std::int32_t Count>
 constexpr auto around(std::int32_t ringPoints, const Corner (&corners)[Count]) {
     std::array<std::int32_t, std::size_t{kSegments} * (Count + 1)> list{};
@@ -52,7 +52,7 @@ constexpr auto around(std::int32_t ringPoints, const Corner (&corners)[Count]) {
     return list;
 }
 
-/// Triangles from a centre over a ring, and the same turned the other way.
+/// Triangles from a centre to a ring, and the same with opposite winding.
 constexpr auto fan(std::int32_t ringPoints, std::int32_t center, std::int32_t ring) {
     return around(ringPoints,
                   {{Corner::kCenter, center}, {Corner::kStart, ring}, {Corner::kEnd, ring}});
@@ -70,7 +70,7 @@ constexpr auto band(std::int32_t ringPoints, std::int32_t lower, std::int32_t up
                                {Corner::kEnd, lower}});
 }
 
-/// Polygons one after another, with the closing 0.
+/// Concatenates polygons and adds the final 0.
 template <std::size_t... Sizes>
 constexpr auto polygonList(const std::array<std::int32_t, Sizes>&... parts) {
     std::array<std::int32_t, (Sizes + ... + 1)> list{};
@@ -98,7 +98,7 @@ struct Direction {
 
 const std::array<Direction, kClosedRing>& ringDirections() {
     static const std::array<Direction, kClosedRing> directions = [] {
-        // Not 2 pi: a digit is off, and has to stay so.
+        // Kept: not exactly 2 pi, one digit is wrong.
         constexpr double kFullTurn = 6.283185305179586;
         std::array<Direction, kClosedRing> computed{};
         for (std::size_t i = 0; i < computed.size(); ++i) {
@@ -110,15 +110,14 @@ const std::array<Direction, kClosedRing>& ringDirections() {
     return directions;
 }
 
-/// Collects the vertices of a shape with an upright axis and, for those that have any, their
-/// texture coordinates.
+/// Collects the vertices of a shape around the y axis, and any texture coordinates.
 class AxialShape {
 public:
     /// `count` vertices will be added.
     AxialShape(float radius, std::size_t count) : radius_(radius) { vertices_.reserve(3 * count); }
 
     void addCenter(float y) { addVertex(0, y, 0); }
-    /// A centre in the middle of the image's width.
+    /// A centre, at the middle of the image's width.
     void addCenter(float y, float v) {
         addCenter(y);
         addUv(0.5, static_cast<double>(v));
@@ -131,7 +130,8 @@ public:
         }
     }
 
-    /// A cap's ring: a circle in the image; `turn` is -1 where the cap is seen from the other side.
+    /// The ring of a cap, mapped to a circle in the image. `turn` is -1 for a cap that is seen from
+    /// the other side.
     void addCap(float y, double turn) {
         for (const auto& [sine, cosine] : ringDirections()) {
             addTexturedVertex(sine, y, cosine);
@@ -139,7 +139,7 @@ public:
         }
     }
 
-    /// A side's ring: a line across the image.
+    /// The ring of a side, mapped to a line across the image.
     void addSide(float y, double v) {
         for (double column = 0; const auto& [sine, cosine] : ringDirections()) {
             addTexturedVertex(sine, y, cosine);
@@ -178,7 +178,7 @@ void Converter::visit(const QvCone& shape, const QvState& state) {
     const ShapeContext context(state);
     const float top = half(shape.height.value);
     if (textureInForce(state)) {
-        printSine(sink_, std::sin(1.0)); // In the stream, among the objects: kept.
+        printSine(sink_, std::sin(1.0)); // Kept: the text goes to standard output.
         AxialShape cone(shape.bottomRadius.value, 28);
         cone.addCenter(-top, 0.5F);
         cone.addCap(-top, 1);
@@ -222,9 +222,9 @@ void Converter::visit(const QvCylinder& shape, const QvState& state) {
 void Converter::visit(const QvSphere& shape, const QvState& state) {
     constexpr std::size_t kColumns = 21;
     constexpr std::size_t kRows = 11;
-    // Not pi / 10: a digit is off, and has to stay so.
+    // Kept: not exactly pi / 10, one digit is wrong.
     constexpr double kStep = 0.3141592652589793;
-    // It says nothing, but it is given.
+    // Kept: an extent of zeros, which still marks the object as having an extent.
     constexpr std::array<float, 6> kExtent{};
 
     const ShapeContext context(state);
@@ -242,7 +242,7 @@ void Converter::visit(const QvSphere& shape, const QvState& state) {
         const auto angle = static_cast<float>(static_cast<double>(i) * kStep);
         sine[i] = static_cast<float>(std::sin(static_cast<double>(angle)));
         cosine[i] = static_cast<float>(std::cos(static_cast<double>(angle)));
-        // In the stream, among the objects, once, and of single precision: kept.
+        // Kept: the text goes to standard output, only for the first sphere, in single precision.
         if (!sinesPrinted_) {
             printSine(sink_, static_cast<double>(std::sin(angle)));
         }

@@ -6,7 +6,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
+#include <sys/types.h>
+#include <unistd.h>
 #include <utility>
 
 namespace meshcast {
@@ -17,10 +20,10 @@ namespace {
 constexpr std::array<std::pair<std::string_view, std::size_t>, 5> kExtensions = {
     {{"rgb", 0}, {"sgi", 0}, {"gif", 1}, {"jpg", 2}, {"jpeg", 2}}};
 
-/// A file name shorter than this names no file.
+/// A shorter file name counts as missing.
 constexpr std::size_t kShortestName = 2;
 
-/// The scene may come from anywhere: its relative names start here.
+/// Relative names start here, since the path of a scene on standard input is not known.
 constexpr std::string_view kSceneDirectory = "./";
 
 std::string_view afterLastSlash(std::string_view path) {
@@ -37,7 +40,7 @@ std::string sourcePath(std::string_view name) {
     return std::string(kSceneDirectory).append(isAddress(name) ? afterLastSlash(name) : name);
 }
 
-/// The number of the converter for an image; none when its type is unknown.
+/// The index of the converter for an image; none if its type is unknown.
 std::optional<std::size_t> converterFor(std::string_view path) {
     const std::size_t point = path.rfind('.');
     for (const auto& [extension, converter] : kExtensions) {
@@ -56,8 +59,8 @@ std::array<std::uint8_t, 4> pixelAt(const QvSFImage& image, std::size_t row, std
     if (components < 1 || components > 4) {
         return {};
     }
-    // Rows are a height apart, not a width: kept, the files' readers undo it. Where that leads out
-    // of the image, bytes are zero.
+    // Kept: the distance of rows is the height, not the width; readers of the files rely on it.
+    // Bytes outside the image are zero.
     const std::size_t first = (row * static_cast<std::size_t>(image.height) + column) * components;
     const auto byteAt = [first, bytes = image.bytes()](std::size_t component) {
         const std::size_t index = first + component;
@@ -70,13 +73,28 @@ std::array<std::uint8_t, 4> pixelAt(const QvSFImage& image, std::size_t row, std
             byteAt(0), byteAt(green), byteAt(2 * green)};
 }
 
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileOwner = std::unique_ptr<std::FILE, CloseFile>;
+
+/// Opens a file for writing and empties it; null on errors. The name is fixed and the folder often
+/// shared, so a symbolic link of that name may be an attack and is not followed.
+FileOwner openForWriting(const std::string& path) {
+    constexpr mode_t kReadWriteForAll = 0666; // As for std::fopen; the umask applies.
+    const int descriptor = ::open(
+        path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kReadWriteForAll);
+    FileOwner file(descriptor < 0 ? nullptr : ::fdopen(descriptor, "w"));
+    if (file == nullptr && descriptor >= 0) {
+        ::close(descriptor);
+    }
+    return file;
+}
+
 /// Writes the raw file of an inline image: 8 bytes that hold width and height, big-endian, then the
 /// pixels, the last row first. False when the file cannot be opened.
 bool writeRawImage(const std::string& path, const QvSFImage& image) {
-    struct Close {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-    const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "w"));
+    const FileOwner file = openForWriting(path);
     if (file == nullptr) {
         return false;
     }
@@ -122,7 +140,7 @@ std::string shellWord(const std::string& text) {
     return quoted += '\'';
 }
 
-/// The texture's file name as the platform sees it: up to a zero byte.
+/// The texture's file name up to its first zero byte, as the system takes it.
 std::string_view Converter::fileName(const QvTexture2& texture) const {
     return writtenImages_.contains(&texture) ? std::string_view(options_.programTag)
                                              : texture.filename.value.c_str();
@@ -148,7 +166,7 @@ void Converter::prepareTexture(const QvTexture2& texture) {
     }
     const std::string command = images.converters[*converter] + " " + shellWord(sourcePath(name)) +
                                 " " + shellWord(convertedName(images.folder, name));
-    // Whether the converter has done its work shows in the copy, not in its exit status.
+    // Kept: the exit status of the converter is ignored.
     [[maybe_unused]] const int status = std::system(command.c_str());
 }
 

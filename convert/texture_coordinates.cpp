@@ -41,7 +41,7 @@ Matrix3 gather(const QvState& state) {
         const auto [cx, cy] = node.center.value;
         const auto [sx, sy] = node.scaleFactor.value;
         const auto [tx, ty] = node.translation.value;
-        // The scale is not taken about the centre: kept, it is what the stream's readers see.
+        // Kept: the scale is not about the centre. Readers of the stream expect it so.
         for (const Matrix3& factor :
              {translation(-cx, -cy), rotation(node.rotation.value), translation(cx, cy),
               Matrix3{{{sx, 0, 0}, {0, sy, 0}, {0, 0, 1}}}, translation(tx, ty)}) {
@@ -63,7 +63,7 @@ float wrapped(float value, bool clamp) {
     return std::fmod(period, 2.0F) != 0 ? 1 - rest : rest;
 }
 
-/// The axes along which S and T run, by the size of the bounding box.
+/// The axes of S and T for the size of a bounding box.
 std::pair<std::size_t, std::size_t> projectionAxes(const std::array<float, 3>& size) {
     const auto [dx, dy, dz] = size;
     std::size_t s = 2;
@@ -76,9 +76,9 @@ std::pair<std::size_t, std::size_t> projectionAxes(const std::array<float, 3>& s
     } else if ((dx > dz && dz > dy) || (dy > dz && dz > dx)) {
         t = 2;
     }
-    // Between sides of equal size the choice is made once and for all.
-    return s == t || size[s] == size[t] ? std::pair<std::size_t, std::size_t>(0, 1)
-                                        : std::pair(s, t);
+    // A square in the XY plane takes S = X and T = Y, as does a box for which S and T are the same.
+    const bool isFlatSquare = dx == dy && dx > dz;
+    return s == t || isFlatSquare ? std::pair<std::size_t, std::size_t>(0, 1) : std::pair(s, t);
 }
 
 } // namespace
@@ -99,7 +99,7 @@ std::vector<float> projectedCoordinates(std::span<const float> points) {
     const auto [s, t] = projectionAxes(size);
     uvs.reserve(points.size() / 3 * 2);
     for (std::size_t i = 0; i < points.size(); i += 3) {
-        // Points that all coincide have no coordinates: the quotients are no numbers.
+        // When all points coincide, the coordinates are NaN.
         uvs.push_back((points[i + s] - minimum[s]) / size[s]);
         uvs.push_back((points[i + t] - minimum[t]) / size[s]);
     }

@@ -78,7 +78,7 @@ public:
 private:
     // ---- values
 
-    /// The fuzzer chooses the first values of an array, and none of those behind.
+    /// The fuzzer chooses only the first values of an array.
     static constexpr int kChosen = 64;
 
     bool maybe() { return choices_.ConsumeBool(); }
@@ -127,7 +127,7 @@ private:
 
     // ---- additions, each checked
 
-    /// Calls add(array, flag), and checks that the list holds the result behind what it held. An
+    /// Calls add(array, flag), and checks that the list holds the result after what it held. An
     /// object without such a list refuses the array.
     template <class Given, class T, int N, class Add>
     void add(const GEOMlist<T, N>* list, const std::vector<Given>& given,

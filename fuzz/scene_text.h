@@ -42,7 +42,7 @@ public:
     const std::vector<Stretch>& lists() const { return lists_; }
     const std::vector<Stretch>& numbers() const { return numbers_; }
     const std::vector<Stretch>& tokens() const { return tokens_; }
-    /// The names behind DEF.
+    /// The names after DEF.
     const std::vector<Stretch>& definedNames() const { return definedNames_; }
 
     /// The field with its value, where the node's own body sets it; else an empty stretch where it

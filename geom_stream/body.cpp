@@ -11,18 +11,17 @@
 namespace geom_stream {
 namespace {
 
-// One function per production of docs/stream-format.md, in its order. The reader keeps the first
-// error and from then on yields zeros and empty arrays, so the functions read like the grammar;
-// only loops over a count from the stream, and what a message needs, ask whether the reader is
-// well.
+// One function per production of docs/stream-format.md, in the same order. The reader keeps the
+// first error and then returns zeros and empty arrays, so these functions need no error handling,
+// except in loops over a count from the stream and where a message is built.
 
-/// What may stand beside the vertices of a kind, and how many primitives they form.
+/// The optional arrays of a kind, and how many primitives its vertices form.
 struct ArrayPlan {
     std::uint32_t allowed;
     std::int64_t primitives;
 };
 
-/// What stands beside the vertices, in the order that all kinds share.
+/// Reads the optional arrays, in the order that all kinds share.
 void readAttributes(ItemReader& in, std::uint32_t flags, ArrayPlan plan, std::int64_t count,
                     VertexArrays& into) {
     const auto has = [present = flags & plan.allowed](std::uint32_t bit) {
@@ -65,7 +64,7 @@ Mesh readMesh(ItemReader& in, std::uint32_t flags) {
     return mesh;
 }
 
-/// Walks the list and reports the first word that contradicts P or I, by its place in the stream.
+/// Checks the list and reports the first word that contradicts P or I, with its offset.
 void checkPolygonList(ItemReader& in, const Polyhedron& polyhedron, std::uint64_t start) {
     const std::vector<std::int64_t>& words = polyhedron.polygonList;
     const auto failAt = [&](std::size_t word, const std::string& message) {
@@ -88,7 +87,7 @@ void checkPolygonList(ItemReader& in, const Polyhedron& polyhedron, std::uint64_
         failAt(last,
                "expected the 0 that ends the polygon list, found " + std::to_string(words[last]));
     }
-    // A list that ends early may hold less than P and I state, never more.
+    // A list may end early and hold less than P and I say, but not more.
     const std::int64_t indices = static_cast<std::int64_t>(place) - polygons;
     const bool agrees =
         place == last ? polygons == polyhedron.polygonCount
@@ -114,7 +113,7 @@ void readPolygonList(ItemReader& in, Polyhedron& polyhedron) {
         checkPolygonList(in, polyhedron, start);
         return;
     }
-    // The message tells the sum only of counts that are possible, each by itself.
+    // The message shows the sum only if each count is possible by itself.
     constexpr std::uint64_t kTooMany = std::numeric_limits<std::int64_t>::max();
     const std::uint64_t most = in.leftFrom(start) / sizeof(std::int64_t);
     in.failArray(start, std::max(polygons, indices) > most ? kTooMany : words, "polygon list words",

@@ -5,7 +5,7 @@
 
 namespace geom_stream {
 
-/// Reads a body of that kind into the object, whose flags say which arrays it has.
+/// Reads a body of the given kind into the object, whose flags tell which arrays it has.
 void readBody(ItemReader& in, Kind kind, Object& object);
 
 } // namespace geom_stream

@@ -7,8 +7,8 @@
 namespace geom_stream {
 namespace {
 
-/// The arithmetic of `bytecount`, in unsigned numbers because a grid of no vertices may have any
-/// width.
+/// The arithmetic of `bytecount`. Unsigned, because a grid without vertices may have any width, so
+/// that results may overflow.
 class ByteCount {
 public:
     explicit ByteCount(std::uint32_t flags) : flags_(flags) {}

@@ -5,10 +5,10 @@
 
 namespace geom_stream {
 
-/// Where and how a stream departs from the format.
+/// The first error of a stream.
 struct Error {
-    std::uint64_t offset = 0; ///< in the stream, bytes; of the item that is missing or wrong
-    std::string message;      ///< what was expected there and what was found
+    std::uint64_t offset = 0; ///< of the missing or wrong item, in bytes from the stream's start
+    std::string message;      ///< what was expected and what was found
 };
 
 } // namespace geom_stream

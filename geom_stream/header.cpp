@@ -37,7 +37,7 @@ void readMagic(ItemReader& in, Object& object) {
 std::uint32_t readFlags(ItemReader& in) {
     const std::uint64_t start = in.offset();
     const std::uint32_t flags = in.word("data");
-    // An unknown bit may stand for an array of unknown length: nothing after it could be placed.
+    // An unknown bit may mean an array of unknown length, after which nothing can be decoded.
     if ((flags & ~kKnownFlags) != 0) {
         in.fail(start, "expected data with bits 0x1 to 0x100 only, found " + std::to_string(flags));
     }
@@ -80,7 +80,7 @@ std::string readString(ItemReader& in, std::string_view what) {
     return in.run<std::string>(length, what);
 }
 
-/// Text that ends with the first NUL and takes no more than `limit` bytes with it.
+/// Text up to its first NUL, of at most `limit` bytes including the NUL.
 std::string readTerminated(ItemReader& in, std::uint64_t limit, std::string_view what) {
     std::string text;
     for (std::uint64_t i = 0; i < limit && in.ok(); ++i) {

@@ -6,7 +6,7 @@
 namespace geom_stream {
 
 /// Reads the header of a record into the object, and sets the reader to the record's byte order.
-/// Returns the kind of the body, which means something only if the reader is well afterwards.
+/// Returns the kind of the body, which is valid only if the reader has no error then.
 Kind readHeader(ItemReader& in, Object& object);
 
 } // namespace geom_stream

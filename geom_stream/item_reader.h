@@ -59,8 +59,8 @@ void loadElement(const std::byte* from, std::array<float, N>& element) {
     }
 }
 
-/// Takes the primitives of the format out of a stream, one after another, in the byte order of the
-/// record at hand. The first error stays; after it everything read is zero or empty.
+/// Reads the primitives of the format from a stream, in the byte order of the current record. Keeps
+/// the first error; everything read after it is zero or empty.
 ///
 /// `what` names the item in the message of an error.
 class ItemReader {
@@ -76,12 +76,12 @@ public:
 
     void fail(std::uint64_t offset, std::string message);
 
-    /// How many bytes the stream has from `start` on, a place passed or reached. Finding out takes
-    /// the reader to the end of the stream: only an error asks for it.
+    /// The number of bytes from `start`, which must not be after the current offset, to the end of
+    /// the stream. Skips to that end, so it is used for errors only.
     std::uint64_t leftFrom(std::uint64_t start) { return input_.skipToEnd() - start; }
 
-    /// The next `size` bytes, at most Input::kCapacity, or none with an error when fewer are left.
-    /// They stay where they are until more is read.
+    /// The next `size` bytes, at most Input::kCapacity; empty, with an error, if fewer are left.
+    /// Valid until the next read.
     std::span<const std::byte> take(std::size_t size, std::string_view what);
 
     template <class Element>
@@ -97,7 +97,7 @@ public:
         return static_cast<std::uint32_t>(scalar<std::int32_t>(what));
     }
 
-    /// A number of things: an error when it is below `least`.
+    /// A count. An error if it is below `least`.
     template <class Integer = std::int64_t>
     Integer count(std::string_view what, Integer least = 0) {
         const std::uint64_t start = offset();
@@ -109,7 +109,7 @@ public:
         return ok() ? value : 0;
     }
 
-    /// An integer that stands for a truth value.
+    /// An integer that is 0 or 1.
     template <class Integer>
     bool truth(std::string_view what) {
         const std::uint64_t start = offset();
@@ -153,9 +153,9 @@ public:
         return bytes;
     }
 
-    /// Reads elements until the container, empty at first, holds `length`. Returns false when the
-    /// stream ends before, with the container empty. What it allocates follows the bytes that have
-    /// arrived and not `length`, which may be any number.
+    /// Reads `length` elements into a container, which must be empty. If the stream ends before,
+    /// empties it and returns false. Allocates in proportion to the bytes that have arrived, since
+    /// `length` may be any number.
     template <class Container>
     bool fill(Container& elements, std::uint64_t length) {
         using Element = typename Container::value_type;
@@ -180,7 +180,7 @@ public:
         return true;
     }
 
-    /// Reports that an array from `start` on is not there as a whole.
+    /// Reports that the array at `start` is incomplete.
     void failArray(std::uint64_t start, std::uint64_t length, std::string_view what,
                    std::size_t elementSize);
 

@@ -13,7 +13,7 @@ std::string_view kindName(Kind kind) {
 
 std::vector<std::vector<std::int64_t>> Polyhedron::polygons() const {
     std::vector<std::vector<std::int64_t>> polygons;
-    // A decoded list has been checked: corner counts are positive and fit, and the last word is 0.
+    // The decoder has checked that corner counts are positive and fit, and that the last word is 0.
     auto word = polygonList.begin();
     while (word != polygonList.end() && *word != 0) {
         const auto first = word + 1;

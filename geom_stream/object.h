@@ -8,8 +8,8 @@
 #include <variant>
 #include <vector>
 
-/// The objects of a GEOM stream, as docs/stream-format.md describes them. The words of the stream
-/// are kept as they stand.
+/// The objects of a GEOM stream, as docs/stream-format.md describes them. Values are as in the
+/// stream.
 namespace geom_stream {
 
 using Vec2 = std::array<float, 2>;
@@ -52,7 +52,7 @@ inline constexpr std::array<FlagName, 9> kFlagNames{{
     {flag::kVertexTrans, "vertex-trans"},
 }};
 
-/// All of them. Nothing is known of records that have other bits.
+/// All of them. Records with other bits cannot be decoded.
 inline constexpr std::uint32_t kKnownFlags = [] {
     std::uint32_t bits = 0;
     for (const FlagName& entry : kFlagNames) {
@@ -68,8 +68,8 @@ struct Property {
     std::vector<std::byte> bytes;
 };
 
-/// The arrays that a set of vertices may carry. Those whose flag is clear, and those that the
-/// object's kind does not have, are empty. All but `primitiveData` have one element per vertex.
+/// The arrays of a set of vertices. An array is empty if its flag is clear or if the object's kind
+/// does not have it. All but `primitiveData` have one element per vertex.
 struct VertexArrays {
     std::vector<Vec3> vertices;
     std::vector<Vec3> normals;
@@ -90,10 +90,10 @@ struct Mesh : VertexArrays {
 struct Polyhedron : VertexArrays {
     std::int64_t polygonCount = 0;         ///< P, as the stream states it
     std::int64_t indexCount = 0;           ///< I, as the stream states it
-    std::vector<std::int64_t> polygonList; ///< the P + I + 1 words as they stand
+    std::vector<std::int64_t> polygonList; ///< the P + I + 1 words
 
-    /// The 1-based vertex numbers of each polygon, up to the first 0 count of the list; fewer than
-    /// `polygonCount` when that 0 comes early.
+    /// The 1-based vertex numbers of each polygon, up to the first 0 count of the list. If that 0
+    /// comes early, these are fewer than `polygonCount` polygons.
     std::vector<std::vector<std::int64_t>> polygons() const;
 };
 
@@ -108,8 +108,8 @@ struct Sphere : VertexArrays {
     std::vector<float> radii; ///< one per centre, or none
 };
 
-/// A set of text labels; every array has one element per label but `colours` and `data`, which may
-/// be empty.
+/// A set of text labels. Every array has one element per label; `colours` and `data` may also be
+/// empty.
 struct Label {
     std::uint32_t labelFlags = 0;
     std::vector<std::string> texts; ///< without their NUL
@@ -127,7 +127,7 @@ struct Object {
     int version = 0;               ///< 10 (big-endian) or 7 (little-endian)
     std::uint32_t headerSize = 0;  ///< the `hdrsize` word
     std::uint32_t flags = 0;       ///< the `data` word
-    std::array<float, 6> extent{}; ///< minimum x, y, z, maximum x, y, z; as written, valid or not
+    std::array<float, 6> extent{}; ///< minimum x, y, z, maximum x, y, z; not checked
     bool hasExtent = false;
     std::int64_t byteCount = 0; ///< the `bytecount` word
     std::vector<Property> properties;
@@ -138,8 +138,7 @@ struct Object {
     Kind kind() const { return static_cast<Kind>(body.index() + 1); }
     bool has(std::uint32_t flagBit) const { return (flags & flagBit) != 0; }
 
-    /// The body of an object that is known to be of that kind; throws std::bad_variant_access for
-    /// another.
+    /// The body of an object of that kind; throws std::bad_variant_access for other kinds.
     const Mesh& mesh() const { return std::get<Mesh>(body); }
     const Polyhedron& polyhedron() const { return std::get<Polyhedron>(body); }
     const Polytriangle& polytriangle() const { return std::get<Polytriangle>(body); }
@@ -147,8 +146,8 @@ struct Object {
     const Label& label() const { return std::get<Label>(body); }
 };
 
-/// The value that `bytecount` has in a faithful record of this object, modulo 2^64. The decoder
-/// itself needs no `bytecount` and does not compare it.
+/// The correct `bytecount` of a record of this object, modulo 2^64. The decoder does not compare it
+/// with the one in the stream.
 std::int64_t expectedByteCount(const Object& object);
 
 } // namespace geom_stream

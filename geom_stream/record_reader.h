@@ -14,26 +14,26 @@
 /// Decoder of GEOM streams, written from docs/stream-format.md alone. It shares nothing with the
 /// writer, so that each checks the other.
 ///
-/// It accepts any bytes. A departure from the format is an error with its offset; vertex numbers
-/// and `bytecount` are handed on as they stand.
+/// It accepts any bytes. Bytes that violate the format are an error with an offset. Vertex numbers
+/// and `bytecount` are not checked.
 namespace geom_stream {
 
-/// Decodes a stream object by object. Memory follows the largest record, as far as its bytes really
-/// arrive: neither the length of the stream nor a count in it takes any.
+/// Decodes a stream object by object. Memory is proportional to the bytes of the largest record
+/// that have arrived, not to the length of the stream nor to a count in it.
 class RecordReader {
 public:
-    /// Reads from the stream's first byte on, in blocks.
+    /// Reads a stream in blocks from its first byte.
     explicit RecordReader(ReadBytes read) : input_(std::move(read)) {}
 
-    /// The next object; none at the end of the stream, or after an error, which stays. What
-    /// `read` throws passes through, and so does std::bad_alloc.
+    /// The next object; none at the end of the stream and after an error. Throws what `read`
+    /// throws, and std::bad_alloc.
     std::optional<Object> next();
 
-    /// What ended the stream early, if anything did.
+    /// The error that ended decoding, if there was one.
     const std::optional<Error>& error() const { return error_; }
 
-    /// Reads the rest of the stream, whatever it holds, and returns the size of the whole in bytes.
-    /// No object comes after that.
+    /// Skips the rest of the stream and returns the size of the whole stream in bytes. There are no
+    /// objects after that.
     std::uint64_t skipToEnd() { return input_.skipToEnd(); }
 
 private:
@@ -42,7 +42,7 @@ private:
 };
 
 struct DecodeResult {
-    std::vector<Object> objects; ///< in stream order; those before the error, if there is one
+    std::vector<Object> objects; ///< in stream order, up to the error if there is one
     std::optional<Error> error;
 };
 

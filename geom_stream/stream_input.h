@@ -19,11 +19,11 @@ public:
 
     explicit Input(ReadBytes read);
 
-    /// How many bytes of the stream have been skipped: the place of the next one.
+    /// The offset of the next byte in the stream.
     std::uint64_t offset() const { return offset_; }
 
-    /// The next bytes, `least` of them or more; fewer only when the stream ends before. `least` is
-    /// kCapacity at most. The bytes stay where they are until the next call.
+    /// The next bytes: at least `least` of them, which is at most kCapacity, or fewer at the end of
+    /// the stream. Valid until the next call.
     std::span<const std::byte> ahead(std::size_t least) {
         if (end_ - next_ < least) {
             fill(least);
@@ -31,13 +31,13 @@ public:
         return {buffer_.get() + next_, end_ - next_};
     }
 
-    /// Moves on by `size` bytes, no more than ahead() has yielded.
+    /// Skips `size` bytes, at most as many as ahead() has returned.
     void skip(std::size_t size) {
         next_ += size;
         offset_ += size;
     }
 
-    /// Moves on to the end of the stream and returns the size of the whole, in bytes.
+    /// Skips to the end of the stream and returns the size of the stream in bytes.
     std::uint64_t skipToEnd();
 
 private:
@@ -45,7 +45,7 @@ private:
 
     ReadBytes read_;
     std::unique_ptr<std::byte[]> buffer_;
-    std::size_t next_ = 0; ///< the bytes that are ahead are buffer_[next_] to buffer_[end_ - 1]
+    std::size_t next_ = 0; ///< the unread bytes are buffer_[next_] to buffer_[end_ - 1]
     std::size_t end_ = 0;
     std::uint64_t offset_ = 0;
     bool atEnd_ = false;

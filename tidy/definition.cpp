@@ -10,6 +10,11 @@ namespace meshcast::tidy {
 
 namespace {
 
+/// Whether a string gives a node a name. To the reader, names end at their first zero byte.
+bool isNodeName(const StringToken& name) {
+    return !name.inner().empty() && name.inner().front() != '\0';
+}
+
 /// True for a name that needs no quotes, to the filter and to other programs.
 bool isPlainName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
@@ -82,7 +87,7 @@ void mendDefinition(Parse& parse, Beginning beginning, const StringToken& name) 
     const char* const end = name.end();
     const char* const next = lexer.skipSpace(end);
     const bool isClass = findClassInAnyCase(name.text) != nullptr;
-    const bool isName = name.isClosed && !name.inner().empty();
+    const bool isName = name.isClosed && isNodeName(name);
     if (lexer.at(next) == '{' && !isClass && isName) {
         const std::size_t count = parse.edits.edits().size();
         writeName(parse, beginning, name);
@@ -178,7 +183,7 @@ void parseDef(Parse& parse) {
     const StringToken name = nameAt(parse, place, true);
     const char* const next = lexer.skipSpace(name.end());
     const std::string_view className = lexer.name(next);
-    if (name.inner().empty() || className.empty() || !parse.isBraceAfter(next + className.size())) {
+    if (!isNodeName(name) || className.empty() || !parse.isBraceAfter(next + className.size())) {
         mendDefinition(parse, std::move(beginning), lexer.stringBeforeBrace(place));
         return;
     }

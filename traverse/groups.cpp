@@ -11,7 +11,7 @@ namespace {
 void traverseAll(const QvGroup& group, QvState& state) {
     const std::int32_t count = group.getNumChildren();
     for (std::int32_t i = 0; i < count; ++i) {
-        // Nodes that USE brings together lie anywhere in memory.
+        // Children that USE names may lie anywhere in memory.
         if (i + 1 < count) {
             __builtin_prefetch(group.getChild(i + 1));
         }
@@ -56,7 +56,7 @@ void QvSwitch::traverse(QvState& state) const {
     state.leave(*this);
 }
 
-// Whatever the viewer's distance would be: the stream holds the highest level of detail.
+// The stream always holds the highest level of detail: there is no viewer to measure a distance to.
 void QvLevelOfDetail::traverse(QvState& state) const {
     if (state.enter(*this, GroupScope::kNothing)) {
         if (getNumChildren() > 0) {
@@ -74,14 +74,14 @@ void QvTransformSeparator::traverse(QvState& state) const {
                      std::make_unique<QvElement>(this, QvElementType::NoOpTransform));
     const std::int32_t marked = state.count(QvElementKind::Transformation);
     traverseAll(*this, state);
-    // The marker stays: it transforms nothing, and goes with the level that it stands on.
+    // The marker stays until its level is closed. It has no effect on transformations.
     while (state.count(QvElementKind::Transformation) > marked) {
         state.popElement(QvElementKind::Transformation);
     }
     state.leave(*this);
 }
 
-// What an unknown class means is unknown: neither shapes nor properties inside it take effect.
+// Since the meaning of an unknown class is unknown, shapes and properties inside it have no effect.
 void QvUnknownNode::traverse(QvState& state) const { state.shapes().passUnknown(*this); }
 
 } // namespace meshcast

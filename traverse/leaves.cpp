@@ -5,8 +5,8 @@
 #include <memory>
 
 // Nodes without children. A property puts an element that refers to it on the stack of its kind,
-// through which shapes read its fields. A shape hands itself to the visitor of the walk: that is
-// the place to look for what becomes of it.
+// through which shapes read its fields. A shape passes itself to the visitor of the walk, which
+// decides what to do with it.
 
 namespace meshcast {
 

@@ -15,7 +15,7 @@ class Diagnostics;
 class ShapeVisitor;
 enum class GroupScope : std::uint8_t;
 
-/// What a property applies to: each kind has a stack of its own in the state.
+/// The kinds of properties. Each has a stack of its own in the state.
 enum class QvElementKind : std::uint8_t {
     Camera = 0,
     Coordinate3 = 1,
@@ -33,7 +33,7 @@ enum class QvElementKind : std::uint8_t {
 };
 inline constexpr std::size_t kElementKinds = 13;
 
-/// Which node class pushed an element. Only cameras, lights and transforms say so.
+/// The class of the node that pushed an element; Unknown except for cameras, lights and transforms.
 enum class QvElementType : std::int32_t {
     Unknown = 0,
     OrthographicCamera = 1,
@@ -47,10 +47,10 @@ enum class QvElementType : std::int32_t {
     Scale = 9,
     Transform = 10,
     Translation = 11,
-    FontStyle = 12, ///< Named but set by no node: font styles stay Unknown.
+    FontStyle = 12, ///< Never set: font styles are Unknown.
 };
 
-/// A property in force: refers to the node that holds the values and copies none of them.
+/// A property in force. Refers to the node that holds the values.
 class QvElement {
 public:
     explicit QvElement(const QvNode* node = nullptr,
@@ -69,17 +69,18 @@ public:
     QvElementType type;
 };
 
-/// One walk: the properties in force where it stands, the groups that it has open, and the visitor
-/// that it is for. Any number of walks may go through a scene at once, each with a state.
+/// The state of one walk: the properties in force, the groups that are open, and the visitor. Any
+/// number of walks may go through a scene at the same time, each with its own state.
 ///
 /// For each kind of property there is a stack whose top is the most recent element. Elements are
 /// stamped with the depth at which they were added, so that leaving a level drops those of all
-/// kinds at once. A scene of a few lines can add properties without end on one level, by groups
-/// that are used again and again. On a stack of kMaxElements or more an element replaces the one
-/// that the same level added before it: of all kinds but transforms only the last one counts.
+/// kinds at once. A short scene can add any number of properties on one level, by using a group
+/// many times. To bound memory, on a stack of kMaxElements or more a new element replaces the last
+/// one of the same level. This changes nothing but transforms, since of all other kinds only the
+/// last element counts.
 class QvState {
 public:
-    /// The shapes go to `shapes`, what is wrong to `diagnostics`. Both must outlive the state.
+    /// Shapes go to `shapes`, messages to `diagnostics`. Both must outlive the state.
     QvState(ShapeVisitor& shapes, Diagnostics& diagnostics)
         : shapes_(shapes), diagnostics_(diagnostics) {}
     QvState(const QvState&) = delete;
@@ -122,10 +123,9 @@ public:
         return top<QvTextureCoordinate2>(QvElementKind::TextureCoordinate2);
     }
 
-    /// Opens a group for the time of its walk. False when it must be left out, since it is open
-    /// already (a node may USE the name it bears) or since groups are nested by USE deeper than any
-    /// text nests them. That is reported once for each group. False too when the visitor leaves it
-    /// out.
+    /// Opens a group. False when it must be left out: because it is already open (a group may USE
+    /// itself), because USE nests groups deeper than kMaxNestingDepth, or because the visitor
+    /// leaves it out. The first two are reported, once for each group.
     bool enter(const QvGroup& group, GroupScope scope);
     /// Closes the group that was opened last.
     void leave(const QvGroup& group);

@@ -5,8 +5,8 @@
 
 namespace meshcast {
 
-/// Hands every transform in force to `use`, as the class that it is, the newest first: that is the
-/// one nearest to the shape. The marker of a TransformSeparator transforms nothing and is left out.
+/// Calls `use` with every transform in force, as a node of its class, the newest first: that is the
+/// one nearest to the shape. Leaves out the markers of TransformSeparators, which do not transform.
 template <class Use>
 void forEachTransform(const QvState& state, Use use) {
     for (const QvElement* element = state.getTopElement(QvElementKind::Transformation);
@@ -34,7 +34,7 @@ void forEachTransform(const QvState& state, Use use) {
     }
 }
 
-/// The same for the transforms of texture coordinates.
+/// The same for texture transforms.
 template <class Use>
 void forEachTextureTransform(const QvState& state, Use use) {
     for (const QvElement* element = state.getTopElement(QvElementKind::Texture2Transformation);

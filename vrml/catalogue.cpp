@@ -40,7 +40,7 @@ constexpr std::string_view kGrammar[] = {"DEF", "USE", "NULL", "fields"};
 
 const NameTable& internNames() {
     NameTable& names = *new NameTable;
-    // First of all, so that number i + 1 is the name of class i.
+    // Classes come first, so that number i + 1 is the name of class i.
     for (const ClassInfo& nodeClass : kClasses) {
         names.intern(nodeClass.name);
     }

@@ -15,12 +15,12 @@ class Scene;
 struct ClassInfo {
     std::string_view name; ///< As the scene language spells it.
     NodeKind kind;
-    bool isGroup; ///< Children may stand in its body.
+    bool isGroup; ///< Its body may hold child nodes.
     std::span<const FieldInfo> fields;
     QvNode* (*create)(Scene& scene);
 };
 
-/// All classes that a scene may name, in the order in which they are looked for.
+/// All classes that a scene may name, in the order in which they are searched.
 std::span<const ClassInfo> nodeClasses();
 
 /// The class of that name, or null.

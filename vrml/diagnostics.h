@@ -9,9 +9,9 @@ namespace meshcast {
 
 /// What a message is about. It decides the words around the text.
 enum class DiagnosticKind : std::uint8_t {
-    kReadError,    ///< The text of the scene cannot be read on; comes with its line.
-    kSceneError,   ///< An error that belongs to no line: "OPERATION(): MESSAGE".
-    kShapeError,   ///< A shape names something that is not there; the shape is converted.
+    kReadError,    ///< The scene cannot be read any further; has a line number.
+    kSceneError,   ///< An error without a line number: "OPERATION(): MESSAGE".
+    kShapeError,   ///< A shape has an index out of range; the shape is still converted.
     kGeomError,    ///< The GEOM library refuses a request.
     kCheckFinding, ///< Verification finds a fault in an object.
 };
@@ -23,7 +23,7 @@ struct Diagnostic {
     std::string_view text; ///< Without the words that its kind puts around it.
 };
 
-/// Receives the messages about one scene, in the order in which things happen.
+/// Receives the messages about one scene, in order.
 class Diagnostics {
 public:
     virtual ~Diagnostics() = default;
@@ -31,8 +31,8 @@ public:
     virtual void report(const Diagnostic& diagnostic) = 0;
 };
 
-/// Reports a text that is formatted as by `printf`, at any length up to 2 GiB. The text ends at
-/// its first zero byte: readers of the messages rely on it.
+/// Reports a text formatted as by `printf`, of any length up to 2 GiB. The text ends at its first
+/// zero byte; readers of the messages rely on that.
 [[gnu::format(printf, 4, 5)]] void report(Diagnostics& diagnostics, DiagnosticKind kind,
                                           std::int32_t line, const char* format, ...);
 [[gnu::format(printf, 4, 0)]] void report(Diagnostics& diagnostics, DiagnosticKind kind,

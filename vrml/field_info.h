@@ -61,12 +61,12 @@ enum class FieldType : std::uint8_t {
     kSFVec3f,
 };
 
-/// What the nodes of a class do in the walk.
+/// What the nodes of a class do when the scene is walked.
 enum class NodeKind : std::uint8_t {
     kShape,    ///< Is geometry.
-    kProperty, ///< Is in force for the shapes after it.
+    kProperty, ///< Applies to the shapes after it.
     kGroup,    ///< Holds children.
-    kInfo,     ///< Nothing: text for readers of the file.
+    kInfo,     ///< Text for people who read the file.
 };
 
 /// One field of a class of the catalogue.
@@ -91,7 +91,7 @@ constexpr FieldInfo field(std::string_view name, const Enumeration* words = null
     return {name, FieldOf<Member>::kType, words, FieldOf<Member>::of};
 }
 
-/// What a class of the catalogue says of itself.
+/// The declaration of a class of the catalogue.
 template <std::size_t Count>
 struct ClassDeclaration {
     std::string_view name;

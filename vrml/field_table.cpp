@@ -8,7 +8,7 @@ namespace meshcast {
 
 namespace {
 
-/// Tables of more fields than this are looked up by hash: a scene may declare a million.
+/// Tables with more fields than this are searched by hash, since a scene may declare a million.
 constexpr std::size_t kLongestSearched = 16;
 
 } // namespace

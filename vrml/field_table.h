@@ -12,8 +12,8 @@
 
 namespace meshcast {
 
-/// The fields of one node class by name, shared by its nodes; for a class that a scene declares,
-/// those of the declaring node.
+/// The fields of one node class by name, shared by all its nodes. A node that declares its own
+/// fields has a table of its own.
 class FieldTable {
 public:
     struct FieldEntry {
@@ -48,8 +48,8 @@ private:
 
     std::string_view className_;
     std::vector<FieldEntry> fields_;
-    /// Places in a table too long to be searched, by the number of the name. The catalogue has no
-    /// such table.
+    /// Indices of the fields by the number of their name, for long tables. No class of the
+    /// catalogue needs this.
     std::unique_ptr<std::unordered_map<std::size_t, std::size_t>> places_;
 };
 

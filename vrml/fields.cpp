@@ -13,8 +13,8 @@ namespace meshcast {
 
 namespace {
 
-/// Ends the process after an exhausted allocation. The installed new-handler has the word, as it
-/// has when `new` fails; without one the process aborts.
+/// Ends the process after a failed allocation, as `new` does: through the installed new-handler, or
+/// by abort if there is none.
 [[noreturn]] void outOfMemory() {
     if (const std::new_handler handler = std::get_new_handler()) {
         handler();
@@ -145,7 +145,7 @@ bool QvSFBool::readValue(VrmlInput& input) {
         value = word.view() == "TRUE" ? 1 : 0;
         return true;
     }
-    // The message names the words that fit, not the word that was read: kept, people search for it.
+    // Kept: the message names the accepted words, not the word that was read.
     input.readError("Unknown value (\"%s\") for QvSFBool ", "(must be TRUE or FALSE)");
     return false;
 }
@@ -197,7 +197,7 @@ bool QvSFBitMask::readValue(VrmlInput& input) {
             return true;
         }
         if (c != '|') {
-            // The arguments are shifted by one, and the character found is not told: kept.
+            // Kept: the arguments are shifted by one, and the character found is not named.
             input.readError("Expected '%c' or '%c', got '%c' ", 'i', '|', ')');
             return false;
         }
@@ -212,7 +212,7 @@ bool QvSFImage::readValue(VrmlInput& input) {
     if (width < 0 || height < 0 || components < 0) {
         return false;
     }
-    // The size is only what the scene claims: memory goes to the pixels that are there.
+    // The scene may claim any size, so memory is taken only for pixels that have been read.
     const std::int64_t pixels = std::int64_t(width) * height;
     const int stored = std::min(components, 4);
     for (std::int64_t pixel = 0; pixel < pixels; ++pixel) {
@@ -281,8 +281,8 @@ bool QvMFieldOf<Scalar, Width>::readOneValue(VrmlInput& input, std::int32_t inde
                        [&input](Scalar& scalar) { return readScalar(input, scalar); });
 }
 
-// The array grows by one value for each value read. This is kept: nothing is held in reserve, and
-// the allocator knows best how to extend its own block.
+// The array grows by one value for each value read, so it never holds unused room. The allocator
+// extends a block in place where it can.
 template <class Scalar, std::size_t Width>
 bool QvMFieldOf<Scalar, Width>::readAll(VrmlInput& input) {
     if (!skipTo(input, '[')) {

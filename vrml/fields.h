@@ -16,8 +16,8 @@ namespace meshcast {
 
 class QvNode;
 
-/// The base of all fields: a typed value of a node, with a default. Every class below that a node
-/// can have says by kType which type it is.
+/// The base of all fields: a typed value of a node, with a default. The kType of each field class
+/// below names its type.
 class QvField {
 public:
     QvField() = default;
@@ -35,7 +35,7 @@ public:
     bool ignored() const { return (flags_ & kIgnored) != 0; }
     void setIgnored(bool on) { setFlag(kIgnored, on); }
 
-    /// The node that owns a field which its input declares; null for the fields of the catalogue.
+    /// The node that owns a field which a scene declares; null for the fields of the catalogue.
     QvNode* container = nullptr;
 
 private:
@@ -50,7 +50,7 @@ private:
     std::uint32_t flags_ = kIsDefault;
 };
 
-/// Reads a field whose name has been read: its value, and `~` in its place or behind it, which
+/// Reads a field whose name has been read: its value, and a `~` instead of it or after it, which
 /// marks the field as ignored. Reports a value that cannot be read.
 bool readField(VrmlInput& input, QvField& field, InternedName name);
 
@@ -64,8 +64,8 @@ std::unique_ptr<QvField> createField(FieldType type);
 /// A field of one value.
 class QvSField : public QvField {
 public:
-    /// Reads the value. What it reports itself is said where the type is defined; its caller
-    /// reports that the field could not be read.
+    /// Reads the value. The comment of each type lists the errors that it reports. On failure the
+    /// caller reports that the field could not be read.
     virtual bool readValue(VrmlInput& input) = 0;
 };
 
@@ -127,7 +127,7 @@ protected:
     bool findWord(InternedName word, std::int32_t& found) const;
 
 private:
-    /// The words that fit; null for a field that an input declares: none does.
+    /// The accepted words; null for a field that a scene declares, which accepts none.
     const Enumeration* words_ = nullptr;
 };
 
@@ -149,8 +149,8 @@ public:
 
     bool readValue(VrmlInput& input) override;
 
-    /// The bytes of the pixels in input order, `components` of each. Of a wider pixel than the four
-    /// bytes that a number has, these four: the ones before them would be zero.
+    /// The bytes of the pixels in input order: `components` bytes per pixel, but at most the four
+    /// that a number has.
     std::span<const std::uint8_t> bytes() const { return bytes_; }
 
     std::int16_t width = 0;
@@ -175,11 +175,11 @@ public:
 class QvMField : public QvField {
 public:
     QvMField() { setFlag(kIsList, true); }
-    /// Reads the values. Reports a value of a list that cannot be read and a bad separator.
+    /// Reads the values. Reports a list value that cannot be read and a bad separator.
     virtual bool readAll(VrmlInput& input) = 0;
     /// Makes the field hold `count` values, keeping the leading ones.
     virtual void setCount(std::int32_t count) = 0;
-    /// Gives the array room for exactly `count` values, the leading ones kept; none frees it.
+    /// Resizes the array to exactly `count` values, keeping the leading ones. 0 frees it.
     virtual void reallocate(std::int32_t count) = 0;
     /// Reads one value into a slot that exists.
     virtual bool readOneValue(VrmlInput& input, std::int32_t index) = 0;
@@ -210,14 +210,14 @@ public:
 private:
     void release();
 
-    /// The value that the list starts with: most lists are never given another.
+    /// The initial value. It is stored in place because most lists keep it.
     std::array<Scalar, Width> initial_{};
 
 public:
     Scalar* values = nullptr;
 };
 
-/// A field of one of the types that differ in their names only.
+/// A field type that differs from others in its name only.
 template <class Base, FieldType Type>
 class TypedField final : public Base {
 public:

@@ -34,8 +34,8 @@ public:
         return getChildList()[static_cast<std::size_t>(index)];
     }
 
-    /// The group's place among all groups of its scene, from 0: a walk notes by it what it has to
-    /// know of the group.
+    /// The index of the group among all groups of its scene, from 0. Walks use it to keep data
+    /// about groups.
     std::uint32_t groupNumber() const { return groupNumber_; }
 
 private:
@@ -50,8 +50,8 @@ class QvUnknownNode final : public QvGroup {
 public:
     QvUnknownNode(Scene& scene, InternedName className);
 
-    /// The table of the scene's newest unknown node, whichever node is asked. Kept: a node's fields
-    /// are all read before a nested node can replace the table.
+    /// The table of the scene's newest unknown node, whichever node is asked. Kept: this does no
+    /// harm, since all fields of a node are read before a nested node can replace the table.
     const FieldTable& getFieldTable() const override;
     void traverse(QvState& state) const override;
 

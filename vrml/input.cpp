@@ -10,17 +10,17 @@
 #include <cstdarg>
 #include <cstring>
 
-// Tokens are scanned where they lie in the block. The zero behind the block ends every token, so
-// the scanning loops need no test for the block's end; a token that runs into it may go on in the
-// next block and is read once more, character by character. So is a token in front of a byte 255,
-// which is the one character that cannot be put back.
+// Tokens are scanned in place in the block. A zero byte after the block ends every token, so the
+// scanning loops need no test for the end of the block. A token that reaches this zero may continue
+// in the next block and is read again, character by character. So is a token that is followed by a
+// byte 255, the one character that cannot be put back.
 
 namespace meshcast {
 
 namespace {
 
 constexpr std::string_view kHeader = "#VRML V1.0 ascii";
-/// Lines are collected up to this length, beyond which none can match.
+/// The header line is collected up to this length; no longer line can match.
 constexpr std::size_t kMaxHeaderLength = 256;
 
 } // namespace
@@ -42,7 +42,7 @@ void VrmlInput::attach(ByteSource& source) {
     line_ = 1;
 }
 
-/// Brings at least one more character to hand.
+/// Makes at least one more character available; false at the end of the input.
 bool VrmlInput::advance() {
     if (readingWord_) {
         readingWord_ = false;
@@ -96,7 +96,7 @@ bool VrmlInput::rejectHeader() {
 }
 
 void VrmlInput::putBackWord(std::string_view word) {
-    // A word that was just read is still there to be stepped back over.
+    // A word that was just read is still in the block: step back over it.
     if (!readingWord_ && static_cast<std::size_t>(next_ - block_.get()) >= word.size() &&
         std::string_view(next_ - word.size(), word.size()) == word) {
         next_ -= word.size();
@@ -132,7 +132,7 @@ bool VrmlInput::skipLongWhiteSpace() {
         const char* p = next_;
         for (; isSpace(*p); ++p) {
             line_ += *p == '\n' ? 1 : 0;
-            while (p[1] == ' ') { // Indentation: what most white space is.
+            while (p[1] == ' ') { // Most white space is indentation.
                 ++p;
             }
         }
@@ -216,7 +216,7 @@ bool VrmlInput::readString(std::string& text) {
             return true;
         }
         line_ += c == '\n' ? 1 : 0;
-        // Of all escapes only the quote's is one; any other backslash stands for itself.
+        // Only \" is an escape; any other backslash stands for itself.
         if (c == '\\' && readExpected('"')) {
             c = '"';
         }
@@ -258,7 +258,7 @@ void VrmlInput::collectReal(std::string& text) {
     if (collectOne(text, '.')) {
         collectDigits(text, isDigit);
     }
-    // A marker without digits before it is not read: the number has failed already.
+    // Without digits before it, an exponent marker is not read: the number is already invalid.
     if (scanReal(text.c_str()).ok && (collectOne(text, 'e') || collectOne(text, 'E'))) {
         collectSign(text);
         collectDigits(text, isDigit);

@@ -16,23 +16,24 @@ class Diagnostics;
 class Scene;
 
 /// The reader's only source of characters: checks the header line, counts lines, skips white space
-/// and comments, reads the tokens on which fields and nodes are built, and reports read errors. It
-/// knows nothing of nodes beyond the scene that they go to.
+/// and comments, reads the tokens that fields and nodes consist of, and reports read errors. It
+/// knows the scene that nodes are added to, but not the nodes.
 ///
 /// Operations return false when they fail. At the end of the input every token reader fails
-/// without a message: the caller knows what it expected.
+/// without a message: the caller reports what it expected.
 class VrmlInput {
 public:
     /// What `get` stores when there is no character. A byte of this value in the input is read but
     /// never put back.
     static constexpr char kEndOfFile = static_cast<char>(255);
-    /// Names are cut, not split, after this many characters.
+    /// Further characters of a name are read but dropped.
     static constexpr std::size_t kMaxNameLength = 255;
 
     /// Reads from `source` into `scene`. All three must outlive the input.
     VrmlInput(Scene& scene, ByteSource& source, Diagnostics& diagnostics);
 
-    /// Turns to another source, at its line 1. Whether the header has been read stays as it is.
+    /// Continues with another source, at line 1. Does not check its header line if one has been
+    /// read already.
     void attach(ByteSource& source);
 
     /// Yields the next character; the header line is checked before the first.
@@ -58,7 +59,7 @@ public:
 
     /// Skips white space and comments. Fails only when the header check does.
     bool skipWhiteSpace() {
-        // Nearly always a token is ahead, or a blank and a token.
+        // Nearly always the next character starts a token, or a blank and then a token follow.
         const char* const ahead = next_ + (*next_ == ' ' ? 1 : 0);
         if (isTokenStart(*ahead)) {
             next_ = ahead;
@@ -67,7 +68,7 @@ public:
         return skipLongWhiteSpace();
     }
 
-    /// Reads one character and fails, with the character put back, when it is not `expected`.
+    /// Reads one character. When it is not `expected`, puts it back and fails.
     bool readExpected(char expected) {
         if (next_ == end_ && !advance()) {
             return false;
@@ -102,6 +103,9 @@ public:
     /// Reports a read error with the current line.
     [[gnu::format(printf, 2, 3)]] void readError(const char* format, ...) const;
 
+    /// True once an attempt to read past the last character has failed: not yet when the last
+    /// character has been read.
+    bool metEnd() const { return atEnd_; }
     /// False once the header check has failed.
     bool noErrorSoFar() const { return noErrorSoFar_; }
     /// The version that the header names, 0 when the header is not known.
@@ -116,11 +120,12 @@ public:
 private:
     static constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
 
-    /// Whether a token scanned up to `last` has been seen whole, so that reading may go on there.
+    /// Whether a token that was scanned up to `last` is complete, so that reading can continue
+    /// there.
     bool isWhole(const char* last) const { return last != end_ && *last != kEndOfFile; }
 
-    /// True for what surely is a character of the input that no white space or comment holds:
-    /// printable ones, so neither the zero at the end nor a byte 255.
+    /// True for printable characters that start no comment. The zero byte that ends a block and a
+    /// byte 255 are not printable.
     static bool isTokenStart(char c) { return c > ' ' && c < '\x7f' && c != '#'; }
 
     bool advance();
@@ -129,14 +134,14 @@ private:
     bool rejectHeader();
     bool skipLongWhiteSpace();
     bool skipComment();
-    // Read parts of a number, character by character, into a text.
+    // Append parts of a number to a text, character by character.
     bool collectOne(std::string& text, char expected);
     void collectSign(std::string& text);
     void collectDigits(std::string& text, bool (*taken)(char));
     void collectMagnitude(std::string& text);
     void collectReal(std::string& text);
-    // Numbers that the block's end cuts, collected and scanned. Apart from the functions that read
-    // whole ones: the string here would cost each of those a checked frame.
+    // Collect and scan a number that crosses the end of the block. Kept out of line: their local
+    // string would add a stack check to every number that is read.
     [[gnu::noinline]] ScannedInteger scanCutInteger();
     [[gnu::noinline]] ScannedMagnitude scanCutMagnitude();
     [[gnu::noinline]] ScannedReal scanCutReal();
@@ -144,11 +149,11 @@ private:
     Scene& scene_;
     ByteSource* source_;
     Diagnostics& diagnostics_;
-    // The characters at hand: those of the block, or of the word that was put back. Behind `end_`
-    // stands a zero.
+    // The characters to read next: those of the block, or of the word that was put back. A zero
+    // byte follows at `end_`.
     const char* next_;
     const char* end_;
-    // Where the block goes on while a word that was put back is read.
+    // Where reading the block continues after the word that was put back.
     const char* blockNext_ = nullptr;
     const char* blockEnd_ = nullptr;
     bool readingWord_ = false;

@@ -13,8 +13,8 @@ namespace {
 
 using Key = std::array<unsigned char, crypto_shorthash_KEYBYTES>;
 
-/// Random bytes of the kernel's. Early in a machine's life there may be none; then the time and
-/// the place of the program in memory have to do, rather than that a filter waits.
+/// Random bytes from the kernel. Early after boot there may be none; then the time and the address
+/// of the program in memory are used, so that the filter need not wait.
 Key drawKey() {
     Key key{};
     if (::getrandom(key.data(), key.size(), GRND_NONBLOCK) != static_cast<ssize_t>(key.size())) {
@@ -29,7 +29,7 @@ Key drawKey() {
 } // namespace
 
 std::uint64_t keyedHash(std::string_view text) {
-    // The one for all scenes of the process: a key costs a call of the system.
+    // One key for all scenes of the process, because drawing a key takes a system call.
     static const Key key = drawKey();
     std::array<unsigned char, crypto_shorthash_BYTES> bytes{};
     crypto_shorthash(bytes.data(), reinterpret_cast<const unsigned char*>(text.data()), text.size(),

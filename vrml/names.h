@@ -14,8 +14,8 @@ namespace meshcast {
 
 class QvNode;
 
-/// Appends to a list that grows as all lists of pointers in the reader do: room for 4, then
-/// doubled.
+/// Appends to a list whose capacity starts at 4 and doubles, as for all lists of pointers in the
+/// reader.
 template <class T>
 void appendDoubling(std::vector<T>& list, T value) {
     if (list.size() == list.capacity()) {
@@ -47,9 +47,8 @@ public:
     const char* c_str() const { return entry_->text; }
     std::string_view view() const { return {entry_->text, entry_->length}; }
     bool empty() const { return entry_->length == 0; }
-    /// Unique to the name within a scene. What is kept by name is kept in arrays by this number:
-    /// the names of a scene come one after another, where the buckets of a hash table lie anywhere
-    /// in memory.
+    /// Unique to the name within a scene. Tables by name are arrays indexed by this number, because
+    /// names that are used together then lie close together in memory.
     std::size_t number() const { return entry_->number; }
 
     friend bool operator==(InternedName a, InternedName b) { return a.entry_ == b.entry_; }
@@ -58,14 +57,13 @@ private:
     const NameEntry* entry_;
 };
 
-/// Names by their texts, each stored once. Searched along neighbouring slots that hold the hashes,
-/// so that a new name, whatever the number of names, costs one look into memory that is not at
-/// hand.
+/// A hash table of names by their texts, each stored once. Open addressing with linear probing: a
+/// lookup touches neighbouring slots only.
 class NameTable {
 public:
-    /// A table for the names that `shared` does not hold: the handles of those are its own. Names
-    /// of a table without a shared one are those of the program itself; others may be chosen to
-    /// collide, and are hashed with a key.
+    /// A table for the names that `shared` does not hold; names in `shared` keep the handles they
+    /// have there. Names of a scene may be chosen to collide, so a table with a `shared` one hashes
+    /// them with a key. A table without one holds only the program's own names.
     explicit NameTable(const NameTable* shared = nullptr);
 
     /// The handle of a text, valid as long as the table; the first use of a text copies it.
@@ -111,14 +109,14 @@ public:
     /// Appends a node to the list of a name.
     void add(InternedName name, QvNode* node);
 
-    /// Takes a node off the list of a name; false when it is not on it.
+    /// Removes a node from the list of a name; false when it is not in the list.
     bool remove(InternedName name, const QvNode* node);
 
     /// The nodes under a name, in the order in which they were added. Valid until the next call.
     std::span<QvNode* const> nodes(InternedName name);
 
 private:
-    /// Nearly every name has one node, for which no list is needed.
+    /// Nearly every name has one node and needs no list.
     struct Bearers {
         QvNode* only = nullptr;
         std::unique_ptr<std::vector<QvNode*>> several;
@@ -130,8 +128,8 @@ private:
 /// control character, quote, backslash, brace or plus sign. The empty text may not.
 bool isLegalNodeName(std::string_view text);
 
-/// Any other text rewritten as a legal one: a `_` for every such character and one in front of a
-/// bad start.
+/// Makes any other text legal: replaces each such character by `_`, and puts a `_` before the text
+/// if it does not start with a letter or `_`.
 std::string madeLegal(std::string_view text);
 
 } // namespace meshcast

@@ -41,7 +41,7 @@ bool QvNode::readFields(VrmlInput& input, UnknownWord policy) {
 }
 
 bool QvNode::readFieldsDeclaration(VrmlInput& input) {
-    // Few bodies begin with an f: a look ahead spares the others a word that is read twice.
+    // Few bodies begin with an f. Looking ahead avoids reading the first word of all others twice.
     char c = 0;
     if (!input.skipWhiteSpace() || !input.get(c)) {
         return input.noErrorSoFar();
@@ -63,7 +63,7 @@ bool QvNode::readFieldsDeclaration(VrmlInput& input) {
 }
 
 bool QvNode::readDeclarations(VrmlInput& input) {
-    // Whatever character opens the list is accepted: kept, scenes with other brackets pass.
+    // Kept: any character is accepted as the opening bracket.
     char c = 0;
     if (!input.skipWhiteSpace() || !input.get(c) || !input.skipWhiteSpace()) {
         return false;
@@ -71,7 +71,7 @@ bool QvNode::readDeclarations(VrmlInput& input) {
     if (input.readExpected(']')) {
         return true;
     }
-    // A class of the catalogue ignores what is declared. Only unknown nodes are of no such class.
+    // A class of the catalogue ignores declarations. All other nodes are unknown nodes.
     auto* const adopter = !isBuiltIn() && getFieldTable().fields().empty()
                               ? static_cast<QvUnknownNode*>(this)
                               : nullptr;

@@ -24,7 +24,7 @@ public:
     virtual const FieldTable& getFieldTable() const = 0;
     /// What the node does in the walk.
     virtual void traverse(QvState& state) const = 0;
-    /// Reads what stands between the node's braces.
+    /// Reads what is between the node's braces.
     virtual bool readBody(VrmlInput& input);
 
     /// The name given by DEF, made legal; empty without one.
@@ -40,7 +40,7 @@ protected:
         kIsError,
         kEndsFields, ///< The word is put back: it begins the first child.
     };
-    /// Reads fields as long as their names follow.
+    /// Reads fields as long as names of fields follow.
     bool readFields(VrmlInput& input, UnknownWord policy);
 
     /// Reads a declaration of fields if the word "fields" follows, and reports a malformed one.
@@ -57,12 +57,12 @@ private:
     QvNode* nextInPool_ = nullptr;
 
 protected:
-    // Last, so that the first members of a derived class share its word.
+    // Last, so that the first members of a derived class can use its padding.
     bool isBuiltIn_ = true;
 };
 
-/// What every class of the catalogue derives from: one FieldTable for all nodes of the class, which
-/// declares itself in kClass.
+/// The base of every class of the catalogue: gives all nodes of the class one FieldTable, built
+/// from the class's declaration kClass.
 template <class Self, class Base = QvNode>
 class BuiltIn : public Base {
 public:
@@ -75,8 +75,8 @@ protected:
     using This = Self;
 };
 
-/// The owner of nodes. The tree has only plain pointers, since a node may stand under several
-/// parents; destroying the pool destroys every node made in it.
+/// The owner of nodes. The tree has only plain pointers, since a node may have several parents.
+/// Destroying the pool destroys every node made in it.
 class NodePool {
 public:
     NodePool() = default;
@@ -84,8 +84,8 @@ public:
     NodePool& operator=(const NodePool&) = delete;
     ~NodePool();
 
-    /// Makes a node. Nodes lie one after another in the order in which they are made, which is that
-    /// of the walk.
+    /// Makes a node. Nodes lie in memory in the order in which they are made, which is the order in
+    /// which they are walked.
     template <class Node, class... Arguments>
     Node* make(Arguments&&... arguments) {
         void* const place = memory_.allocate(sizeof(Node), alignof(Node));

@@ -9,10 +9,10 @@
 #include <cstdint>
 #include <string_view>
 
-// The node classes of the scene language: their fields in their order with their defaults, and
-// their enumerations. To add a class, declare it here, enter it in the catalogue, and define its
-// traverse. The sections say what a class does in the walk: shapes are geometry, properties are in
-// force for the shapes after them, groups hold children.
+// The node classes of the scene language: their fields, in order, with their defaults, and their
+// enumerations. To add a class, declare it here, add it to the catalogue, and define its traverse.
+// The sections follow what a class does in the walk: shapes are geometry, properties apply to the
+// shapes after them, groups hold children.
 
 namespace meshcast {
 
@@ -141,7 +141,7 @@ public:
     void traverse(QvState& state) const override;
 };
 
-/// How the values of a property are spread over a shape.
+/// How the values of a property are assigned to the parts of a shape.
 struct Binding {
     enum Value : std::int32_t {
         DEFAULT = 0,
@@ -212,7 +212,7 @@ public:
 class QvMaterial final : public BuiltIn<QvMaterial> {
 public:
     QvMFColor ambientColor{{0.2F, 0.2F, 0.2F}};
-    // As dark as the ambient colour: kept, scenes are looked at with this default.
+    // Kept: as dark as the ambient colour. Scenes are made with this default.
     QvMFColor diffuseColor{{0.2F, 0.2F, 0.2F}}, specularColor{{0, 0, 0}}, emissiveColor{{0, 0, 0}};
     QvMFFloat shininess{{0.2F}}, transparency{{0}};
     static constexpr auto kClass = declare(
@@ -488,7 +488,7 @@ public:
 
 // ---- others
 
-/// Text for readers of the file; nothing to the walk.
+/// Text for people who read the file; the walk ignores it.
 class QvInfo final : public BuiltIn<QvInfo> {
 public:
     QvSFString string{"<Undefined info>"};

@@ -20,7 +20,7 @@ constexpr std::array<double, 23> kExactPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1
                                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kMaxExactPower = static_cast<int>(kExactPowers.size()) - 1;
 constexpr std::uint64_t kMaxExactInteger = std::uint64_t(1) << 53;
-/// As many decimal digits always fit 64 bits.
+/// This many decimal digits always fit 64 bits.
 constexpr std::ptrdiff_t kMaxSafeDigits = 19;
 /// Exponents are cut here: far beyond any double, far from overflowing the sums they enter.
 constexpr std::int64_t kMaxExponent = std::int64_t(1) << 40;
@@ -32,8 +32,8 @@ constexpr unsigned digitValue(char c) {
     return static_cast<unsigned>((c | 0x20) - 'a') + 10U;
 }
 
-/// Takes digits of the base into the magnitude while `taken` accepts them. As many as `SafeDigits`
-/// always fit 64 bits; the rare longer number is gone over again, saturating.
+/// Converts the characters that `taken` accepts. `SafeDigits` digits of the base always fit 64
+/// bits; a longer number is converted again with saturation.
 template <unsigned Base, std::ptrdiff_t SafeDigits, class Taken>
 ScannedMagnitude accumulate(const char* first, Taken taken) {
     const char* end = first;
@@ -52,7 +52,7 @@ ScannedMagnitude accumulate(const char* first, Taken taken) {
     return {end, magnitude, end != first};
 }
 
-/// The value of a decimal (no sign) that the short way does not settle.
+/// The value of a decimal without sign to which the fast path of scanReal does not apply.
 double nearestDouble(const char* first, const char* last, std::uint64_t mantissa,
                      std::int64_t exponent, std::int64_t digits) {
     double value = 0;
@@ -60,8 +60,8 @@ double nearestDouble(const char* first, const char* last, std::uint64_t mantissa
     if (error != std::errc::result_out_of_range) {
         return value;
     }
-    // from_chars keeps quiet about the side on which it left the range. A decimal whose leading
-    // digit lies before the point is too large, any other too small.
+    // from_chars does not tell an overflow from an underflow. A decimal whose leading digit is
+    // before the point is too large, any other too small.
     if (digits > kMaxSafeDigits) {
         const char* lead = first;
         while (*lead == '0' || *lead == '.') {
@@ -116,7 +116,7 @@ ScannedInteger scanInteger(const char* first) {
 // so gives the nearest double (W. Clinger, "How to read floating point numbers accurately", 1990).
 // Everything else goes to std::from_chars.
 ScannedReal scanReal(const char* first) {
-    std::uint64_t mantissa = 0; // Wraps beyond kMaxSafeDigits, and is not used then.
+    std::uint64_t mantissa = 0; // Overflows beyond kMaxSafeDigits digits, and is not used then.
     const RealParts parts = walkReal(
         first, [&mantissa](char c) { mantissa = mantissa * 10 + static_cast<unsigned>(c - '0'); });
     if (!parts.ok) {

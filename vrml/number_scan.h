@@ -19,12 +19,12 @@ constexpr bool isHexDigit(char c) {
 struct ScannedMagnitude {
     const char* end;         ///< The first character that was not taken.
     std::uint64_t magnitude; ///< Saturated at the largest 64-bit number.
-    bool ok;                 ///< At least one digit was there.
+    bool ok;                 ///< There was at least one digit.
 };
 
 /// Scans decimal digits, octal digits after a leading `0`, or hexadecimal digits after `0x`
-/// (lower-case x only), with the value that `strtoul` gives in base 0: the digits 8 and 9 behind a
-/// leading `0` are taken but end the conversion.
+/// (lower-case x only), with the value that `strtoul` gives in base 0: after a leading `0`, the
+/// digits 8 and 9 are taken but end the conversion.
 ScannedMagnitude scanMagnitude(const char* first);
 
 /// The low 32 bits of what a 64-bit `strtoul` gives for the digits.
@@ -35,7 +35,7 @@ inline std::uint32_t narrowUnsigned(const ScannedMagnitude& scanned) {
 struct ScannedInteger {
     const char* end;    ///< The first character that was not taken.
     std::int32_t value; ///< The low 32 bits of what a 64-bit `strtol` gives in base 0.
-    bool ok;            ///< At least one digit was there.
+    bool ok;            ///< There was at least one digit.
 };
 
 /// Scans an optional sign and digits as scanMagnitude does.
@@ -44,15 +44,15 @@ ScannedInteger scanInteger(const char* first);
 struct ScannedReal {
     const char* end; ///< The first character that was not taken.
     double value;
-    bool ok; ///< Digits stood before or after the point, and behind an exponent marker.
+    bool ok; ///< There were digits before or after the point, and after any exponent marker.
 };
 
 /// Scans an optional sign, digits with an optional point, and an optional exponent. The value is
-/// the double nearest to the decimal, as `strtod` gives it in the C locale: beyond the largest
-/// double infinity, below the smallest zero, a minus sign kept.
+/// the double nearest to the decimal, as `strtod` gives it in the C locale: infinity beyond the
+/// largest double, zero below the smallest, each with the sign of the number.
 ScannedReal scanReal(const char* first);
 
-/// The places of a real number that the grammar tells apart.
+/// The parts of a real number.
 struct RealParts {
     const char* end;      ///< The first character that was not taken.
     const char* digits;   ///< After the sign.
@@ -63,8 +63,8 @@ struct RealParts {
     bool ok;                    ///< As in ScannedReal.
 };
 
-/// Walks over a real number without its value, by the one grammar of reals: scanReal is built on
-/// it. `digit` is told each digit before the exponent.
+/// Finds the parts of a real number without computing its value. Calls `digit` with each digit
+/// before the exponent. All readers of reals use this grammar.
 template <class OnDigit>
 inline RealParts walkReal(const char* first, OnDigit digit) {
     const char* p = first + (*first == '-' || *first == '+' ? 1 : 0);
@@ -95,13 +95,13 @@ inline RealParts walkReal(const char* first, OnDigit digit) {
     return parts;
 }
 
-/// The end of the real number at `first`, or null where there is none.
+/// The end of the real number at `first`, or null if there is none.
 inline const char* endOfReal(const char* first) {
     const RealParts parts = walkReal(first, [](char) {});
     return parts.ok ? parts.end : nullptr;
 }
 
-/// The end of the integer at `first`, or null where there is none.
+/// The end of the integer at `first`, or null if there is none.
 inline const char* endOfInteger(const char* first) {
     const char* const digits = first + (*first == '-' || *first == '+' ? 1 : 0);
     if (*digits == '0') { // Octal or hexadecimal.

@@ -15,7 +15,7 @@ namespace meshcast {
 class Diagnostics;
 
 /// A scene in memory: owns its nodes, its names, the table of its definitions, and its root.
-/// Scenes share nothing that changes, so each may be read and walked by a thread of its own.
+/// Scenes share no mutable state, so each may be read and walked by a thread of its own.
 class Scene {
 public:
     Scene() : names_(&catalogueNames()) {}
@@ -37,13 +37,13 @@ public:
 
     /// Names a node, and enters it in the dictionary under the legal form of the name.
     void setName(QvNode& node, InternedName name, Diagnostics& diagnostics);
-    /// Takes a node's name off the dictionary; reports a node that is not there under its name.
+    /// Removes a node's name from the dictionary; reports a node that is not there under its name.
     void removeName(const QvNode& node, Diagnostics& diagnostics);
 
     ReferenceTable& references() { return references_; }
     NameDictionary& dictionary() { return dictionary_; }
 
-    /// What stands at the top; null as long as no node has been read there.
+    /// The top-level node; null until one has been read.
     QvNode* root = nullptr;
     /// What QvUnknownNode::getFieldTable reports; null without an unknown node.
     FieldTable* newestUnknownTable = nullptr;

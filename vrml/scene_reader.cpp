@@ -5,10 +5,12 @@
 #include "vrml/scene.h"
 
 #include <string>
+#include <string_view>
 
 // readNode and the nodes' readBody and readChildren call one another, once for each level of
-// nesting. What a level needs only before or after its body is kept out of their frames, so that a
-// scene of the greatest depth fits a small stack, in a sanitizer build too.
+// nesting. What is needed only before or after a body is kept in functions of its own, so that
+// these frames stay small and a scene of the greatest depth fits the stack, even in a sanitizer
+// build.
 
 namespace meshcast {
 
@@ -30,26 +32,33 @@ bool readBrace(VrmlInput& input, char brace) {
     return true;
 }
 
-/// Reads the name behind USE and finds its node.
-bool readReference(VrmlInput& input, QvNode*& node) {
+/// Reads the name of a node. It may hold any character, but ends at its first zero byte, as it does
+/// in messages.
+bool readNodeName(VrmlInput& input, InternedName& name) {
     std::string text;
-    if (!input.readString(text)) {
+    const bool isRead = input.readString(text);
+    name = input.scene().intern(std::string_view(text).substr(0, text.find('\0')));
+    return isRead;
+}
+
+/// Reads the name after USE and finds its node.
+bool readReference(VrmlInput& input, QvNode*& node) {
+    InternedName name;
+    if (!readNodeName(input, name)) {
         input.readError("Premature end of file after USE");
         return false;
     }
-    node = input.scene().references()[input.scene().intern(text)];
+    node = input.scene().references()[name];
     if (node == nullptr) {
-        input.readError("Unknown reference \"%s\"", text.c_str());
+        input.readError("Unknown reference \"%s\"", name.c_str());
     }
     return node != nullptr;
 }
 
-/// Reads the name behind DEF and the class name behind that.
+/// Reads the name after DEF and the class name after that.
 bool readDefinition(VrmlInput& input, InternedName& name, InternedName& className) {
     bool ok = true;
-    std::string text;
-    const bool named = input.readString(text);
-    name = input.scene().intern(text);
+    const bool named = readNodeName(input, name);
     className = InternedName();
     if (!named || !input.readName(className)) {
         input.readError("Premature end of file after DEF");
@@ -66,8 +75,8 @@ bool readDefinition(VrmlInput& input, InternedName& name, InternedName& classNam
     return ok;
 }
 
-/// Makes the node of a class. Outside the catalogue a class is known by the word "fields" at the
-/// start of its body, which is left to be read again. Reports a class that is not known.
+/// Makes a node of a class. A class outside the catalogue must begin its body with the word
+/// "fields", which is put back. Reports any other unknown class.
 QvNode* createFromInput(VrmlInput& input, InternedName className) {
     if (const ClassInfo* const known = findClass(className)) {
         return known->create(input.scene());
@@ -83,12 +92,12 @@ QvNode* createFromInput(VrmlInput& input, InternedName className) {
 
 enum class Opened {
     kBody,           ///< A node was made, and its body follows.
-    kUnreadableBody, ///< A body follows for which there is no node.
+    kUnreadableBody, ///< No node was made for the body that follows.
     kNoBody,         ///< USE named a node, or no node follows.
     kFailed,
 };
 
-/// Reads a node up to the opening brace of its body, if it has one.
+/// Reads a node up to and including the opening brace of its body, if it has one.
 [[gnu::noinline]] Opened openNode(VrmlInput& input, QvNode*& node) {
     static const InternedName kNull = catalogueName("NULL");
     static const InternedName kUse = catalogueName("USE");
@@ -127,14 +136,17 @@ enum class Opened {
     return Opened::kBody;
 }
 
-/// Reports an input of which more is left than a scene without a node may have.
+/// Succeeds if the reader has met the end of an input that holds no node. Otherwise reports the
+/// next character. A byte 255 that ended the last token was not put back; when nothing follows it,
+/// kEndOfFile is reported in its place, which is the same byte.
 bool endsWithoutNode(VrmlInput& input) {
-    char c = 0;
-    if (input.get(c)) {
-        input.readError("Extra characters ('%c') found in input", c);
-        return false;
+    if (input.metEnd()) {
+        return true;
     }
-    return true;
+    char c = 0;
+    input.get(c);
+    input.readError("Extra characters ('%c') found in input", c);
+    return false;
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 
 namespace {
 
-using Count = std::uint64_t; // wraps where a hostile object's numbers do not fit
+using Count = std::uint64_t; // unsigned: the counts of a malformed object may overflow
 
 // 1 when the bit is set, else 0.
 Count has(std::uint32_t flags, std::uint32_t bit) { return (flags & bit) != 0 ? 1 : 0; }
@@ -22,7 +22,7 @@ Count values_per_vertex(std::uint32_t flags) {
 std::int64_t geom::bytecount(const GEOMmesh& mesh, std::uint32_t flags) {
     const auto u = static_cast<Count>(mesh.u);
     const auto v = static_cast<Count>(mesh.v);
-    // Kept for an empty grid too, which has no cells: readers compare this count.
+    // Kept: also counted for an empty grid, which has no cells. Readers compare this count.
     const Count cells = (u - 1) * (v - 1);
     return static_cast<std::int64_t>(
         4 * (u * v * values_per_vertex(flags) + cells * has(flags, GEOM_HAS_PRIMITIVE_DATA)));

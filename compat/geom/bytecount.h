@@ -4,19 +4,19 @@
 
 #include <cstdint>
 
-// The header's `bytecount` for each kind, with the object's flags. The formulas differ in their
-// units and are not the sizes of the bodies. They are kept as they are: readers compare the number.
+// The header's `bytecount` for each kind, given the object's flags. Kept, since readers compare the
+// number: the formulas use different units, and none gives the size of the body.
 
 namespace geom {
 
-// Bytes, all of them.
+// All bytes.
 std::int64_t bytecount(const GEOMmesh& mesh, std::uint32_t flags);
 
-// Bytes, with the entries of the polygon list counted at 4 though they are written as 8.
+// Bytes, but 4 for each entry of the polygon list, which is written as 8.
 std::int64_t bytecount(const GEOMpolyhedron& solid, std::uint32_t flags);
 
-// Bytes, with the counts of strips and polylines taken at 4 and those of the object left out. The
-// primitive data of a polyline of m vertices counts as 4m - 1, that of a strip of k as 4k - 8.
+// Bytes, but 4 for the count of each strip and polyline, and nothing for the counts of the object.
+// The primitive data counts as 4m - 1 for a polyline of m vertices and 4k - 8 for a strip of k.
 std::int64_t bytecount(const GEOMpolytriangle& all, std::uint32_t flags);
 
 // Values, not bytes, without vertex data and vertex trans.

@@ -1,5 +1,5 @@
-// Verification of one object. Every check returns false at its first failure, which ends the whole;
-// values out of range are reported without failing, so that one finding does not hide the others.
+// Verification of one object. Every check returns false at its first failure, which ends the
+// verification. Values out of range are reported but do not fail, so that all of them are reported.
 
 #include "compat/geom/geom.h"
 #include "compat/geom/list.h"
@@ -20,10 +20,10 @@ namespace {
 // The largest sensible radius and text height.
 constexpr double kLargestSize = 1e24;
 
-// Longer than any finding: they are made of fixed words and at most three numbers.
+// Longer than any finding, since findings consist of fixed words and at most three numbers.
 constexpr std::size_t kFindingBytes = 2048;
 
-// Prints one finding, and is false: what the check that found it returns.
+// Reports one finding. Always returns false, for the check that found it to return.
 class Findings {
 public:
     explicit Findings(GEOMreporter reporter) : m_reporter(reporter) {}
@@ -45,10 +45,10 @@ private:
     GEOMreporter m_reporter;
 };
 
-// Counts are printed as ints, as they always were; larger ones show their low 32 bits.
+// Kept: counts are printed as ints, of larger ones the low 32 bits.
 int as_int(std::int64_t count) { return static_cast<int>(count); }
 
-// The values of a list, if it is there.
+// The values of a list; none if it is missing.
 template <int N>
 std::span<const float> values_of(const GEOMlist<float, N>* list) {
     if (list == nullptr || list->data == nullptr || list->used <= 0)
@@ -84,11 +84,12 @@ bool is_in_range(const Findings& findings, const char* name, const GEOMlist<floa
     return true;
 }
 
-// The list must hold `expected` elements; `name` and `measure` are the words for it.
+// The list must hold `expected` elements. The message calls them `name` and their number `measure`.
 template <class T, int N>
 bool has_count(const Findings& findings, const char* name, const GEOMlist<T, N>* list,
                const char* measure, std::int64_t expected) {
-    // No elements need no list: coloured line sets have no list of segment colours, for one.
+    // Without elements the list may be missing. Coloured line sets have no segment colours, for
+    // example.
     const bool missing = expected > 0 && (list == nullptr || list->data == nullptr);
     const std::int64_t used = geom::used_of(list);
     return (!missing && used == expected) ||
@@ -96,7 +97,7 @@ bool has_count(const Findings& findings, const char* name, const GEOMlist<T, N>*
                          as_int(expected));
 }
 
-// The list must not be there, since no flag bit tells of it.
+// The list must not be there, since its flag bit is not set.
 template <class T, int N>
 bool is_absent(const Findings& findings, const char* words, const GEOMlist<T, N>* list) {
     return list == nullptr || (list->used == 0 && list->data == nullptr) ||
@@ -118,7 +119,7 @@ bool check_uvs(const Findings& findings, std::uint32_t flags, const GEOMscalar_l
     if ((flags & GEOM_HAS_UVWS) != 0)
         return has_count(findings, "uvws", uvs, "number of 3*verts",
                          geom::multiply_counts(vertices, 3));
-    // An array added without coordinates sets no flag, yet leaves its block: only a count tells.
+    // Adding an array of no coordinates sets no flag but allocates a block, so compare the count.
     return geom::used_of(uvs) == 0 ||
            findings.fail("object has uv information but flag is not set");
 }
@@ -199,8 +200,8 @@ bool check_polytriangle(const Findings& findings, const GEOMobj& obj) {
         if (!check_part(findings, obj.flags & geom::kLineFlags, line, n, n - 1))
             return false;
     }
-    // Kept: the primitive data of the segments was never looked at. The flag may stand for the
-    // strips and lines alone, so the segments are checked as if there were neither data nor flag.
+    // Kept: the primitive data of segments is not checked. The flag may have been set for strips
+    // and polylines only.
     geom::ConstPart segments = geom::segments_of(all);
     segments.primitive_data = nullptr;
     constexpr std::uint32_t segment_flags = geom::kLineFlags & ~GEOM_HAS_PRIMITIVE_DATA;

@@ -1,4 +1,4 @@
-// Objects from creation to destruction, and what is added to them per vertex.
+// Creates and destroys objects, and adds data per vertex.
 
 #include "compat/geom/create_sites.h"
 #include "compat/geom/geom.h"
@@ -24,7 +24,7 @@ void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, int flag,
     geom::append(list, source, n, extension_for(n), flag, growth);
 }
 
-// Vertex data and vertex trans differ in their type, their flag bit and their words only.
+// Vertex data and vertex trans differ only in type, flag bit and messages.
 template <class T>
 void add_extra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t n, int flag,
                std::uint32_t bit, const geom::GrowthSites& growth,
@@ -37,7 +37,8 @@ void add_extra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t
         geom::refuse("Don't support primitive data for labels", source, flag);
         return;
     }
-    // The bit is set for null arrays and unknown kinds too: readers of such objects count on it.
+    // Kept: the bit is set for null arrays and unknown kinds too. Readers of such objects rely on
+    // it.
     obj.flags |= bit;
     if (list != nullptr)
         append(*list, source, n, flag, growth);
@@ -45,7 +46,7 @@ void add_extra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t
         geom::drop(source, flag);
 }
 
-// Vertices of a polytriangle make a strip; every other kind has one list for them.
+// In a polytriangle, vertices form a new strip; every other kind has one list for them.
 bool add_vertices(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
     if (obj.type == GEOM_POLYTRIANGLE) {
         geom::add_strip(obj, vertices, n, flag);

@@ -3,8 +3,8 @@
 #include "compat/geom/list.h"
 #include "compat/geom/memory.h"
 
-// Where the objects' memory is asked for. The messages and line numbers are what users find in old
-// logs and look for: they are fixed here and do not follow the source, wherever the code moves.
+// The places that allocate memory for objects. Users search for these messages and line numbers in
+// old logs, so they are fixed here and do not change when the code moves.
 
 namespace geom::create_sites {
 
@@ -41,7 +41,7 @@ inline constexpr GrowthSites kLineVertexData{{kModule, 928, "alloc fails on pl v
 inline constexpr GrowthSites kLinePrimitiveData{{kModule, 930, "alloc fails on pl pp list"},
                                                 {kModule, 921, "realloc fails on pl pdata list"}};
 
-// The arrays of one list per strip: nobody looks for fixed lines, so the lines of this table do.
+// The arrays of one list per strip. These have no lines to keep, so they show those of this table.
 inline constexpr GrowthSites kStripVertices{{kModule, __LINE__, "alloc fails on ptri v list"},
                                             {kModule, __LINE__, "realloc fails on ptri vert list"}};
 inline constexpr GrowthSites kStripNormals{
@@ -57,7 +57,7 @@ inline constexpr GrowthSites kStripVertexData{
 inline constexpr GrowthSites kStripPrimitiveData{
     {kModule, __LINE__, "alloc fails on ptri pd list"},
     {kModule, __LINE__, "realloc fails on ptri pdata list"}};
-// First strips share the words of the texture coordinates here: both are "vt".
+// Kept: for the first strip the message is that of the texture coordinates, "vt".
 inline constexpr GrowthSites kStripVertexTrans{
     {kModule, __LINE__, "alloc fails on ptri vt list"},
     {kModule, __LINE__, "realloc fails on ptri vtrans list"}};

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// The numbers that the GEOM stream, its writer and its readers agree on. Nothing else belongs here,
-// so that a reader can include this header without the object library.
+// The numbers that define the GEOM stream. Nothing else belongs here, so that a reader can include
+// this header without the object library.
 
 // The first word of every record: "GM64" in a big-endian stream, "46MG" in a little-endian one.
 inline constexpr std::uint32_t GEOM_MAGIC = 0x474D3634;
@@ -42,7 +42,7 @@ enum GEOMflag : std::uint32_t {
     GEOM_HAS_VERTEX_TRANS = 0x100   // one float per vertex
 };
 
-// Property records: three words (kind, length of the bytes behind them, value), then the bytes.
+// Property records: three words (kind, length of the bytes that follow, value), then the bytes.
 inline constexpr std::uint32_t GEOM_PROPERTY_BYTES = 12;
 // The kind whose value holds polygon flags, and the bits of those flags that it keeps.
 inline constexpr std::uint32_t GEOM_PROPERTY_POLYGON_FLAGS = 6;

@@ -4,21 +4,22 @@
 
 #include <cstdint>
 
-// The geometry object library: objects of five kinds, built by add functions, written one by one
-// to a descriptor as self-contained records.
+// The geometry object library. Objects are of five kinds. Add functions fill them, and each is
+// written to a descriptor as one self-contained record.
 //
 // Conventions of every function here
 // - Counts are elements, not bytes or floats: n vertices are 3n floats, n texture coordinates are
 //   2n floats. A count below 0 adds nothing.
 // - The last argument of the add functions is the take-over flag. GEOM_COPY: the caller keeps its
-//   array, which is only read. Any other value (GEOM_TAKE): the array, which must come from
-//   std::malloc and be non-const at its origin, belongs to the library from the call on; it is
-//   adopted as storage or freed, also when the request is refused.
-// - A request that an object of that kind cannot take is reported through GEOMerror() and leaves
-//   the object as it was. A failed allocation prints its source path, line and size and ends the
+//   array, which is only read. Any other value (GEOM_TAKE): the library owns the array, which must
+//   come from std::malloc and not be const; it becomes storage or is freed, also when the request
+//   is refused.
+// - A request that does not fit the kind of the object is reported through GEOMerror() and leaves
+//   the object unchanged. A failed allocation prints its source path, line and size and ends the
 //   process through GEOMfatal_error(). No function throws.
-// - Objects are not null unless a function says so. Threads may work at the same time, each on
-//   objects of its own; settings.h says what they can choose.
+// - Objects must not be null unless a function allows it. Threads may work at the same time, each
+// on
+//   its own objects and with its own settings (settings.h).
 
 inline constexpr int GEOM_COPY = 0;
 inline constexpr int GEOM_TAKE = 1;
@@ -36,7 +37,8 @@ using GEOMscalar_list = GEOMlist<float, 1>; // texture coordinates, radii, heigh
 using GEOMint_list = GEOMlist<std::int32_t, 1>;
 using GEOMtext_list = GEOMlist<char*, 1>; // owned, NUL-terminated strings
 
-// Polygons behind one another: each its vertex count, then its 1-based vertex indices; a final 0.
+// Polygons, one after another: for each its vertex count and its 1-based vertex indices. A 0 ends
+// the list.
 struct GEOMpolygon_list {
     std::int64_t capacity; // entries that fit
     std::int64_t polygons;
@@ -118,7 +120,7 @@ struct GEOMobj {
     std::uint32_t nvals; // property records
     unsigned char* vals; // the records, packed and owned
     std::int32_t refs;   // references; 1 at creation
-    union {              // the part of the object's own kind
+    union {              // the member of the object's kind
         GEOMmesh mesh;
         GEOMpolyhedron polyhedron;
         GEOMpolytriangle polytriangle;
@@ -126,7 +128,7 @@ struct GEOMobj {
         GEOMlabels label;
     };
 };
-// The size shows in the memory line of a failed creation: readers of those lines know 280.
+// The message about a failed creation shows the size. Kept: users search logs for 280.
 static_assert(sizeof(void*) != 8 || sizeof(GEOMobj) == 280);
 
 // A colour of one byte per component, as the callers pack them.
@@ -157,8 +159,8 @@ GEOMobj* GEOMcreate_sphere(const float* extent, const float* centers, const floa
 // A label object without labels. `label_flags` is a word of GEOMlabel_flags().
 GEOMobj* GEOMcreate_label(const float* extent, std::uint32_t label_flags);
 
-// Drops one reference. Frees the object with everything that it owns and returns 0 when that was
-// the last one; returns 1 otherwise, or when `obj` is null.
+// Drops one reference. If it was the last one, frees the object with all it owns and returns 0.
+// Returns 1 otherwise, or when `obj` is null.
 int GEOMdestroy_obj(GEOMobj* obj);
 
 // ---- Per-vertex data
@@ -167,7 +169,7 @@ int GEOMdestroy_obj(GEOMobj* obj);
 // triangle strip, refused when the object already carries normals or polyline colours.
 void GEOMadd_vertices(GEOMobj* obj, const float* vertices, std::int64_t n, int flag);
 
-// Vertices, then normals and colours (one per vertex) where not null and where the kind has them.
+// Adds vertices, then normals and colours (one per vertex) if not null and if the kind has them.
 void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float* normals,
                                 const GEOMpacked_color* colors, std::int64_t n, int flag);
 
@@ -193,7 +195,7 @@ void GEOMadd_vertex_trans(GEOMobj* obj, const float* trans, std::int64_t n, int 
 
 // Appends polygons to a polyhedron. `list` holds for each polygon its vertex count and that many
 // 1-based indices, and ends with a count of 0 (or less); the indices themselves may be anything.
-// A call on an object without polygons may leave polygon flags (0x2, 0x4) behind as a property.
+// A call on an object without polygons stores polygon flags (0x2, 0x4), if given, as a property.
 void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t polygon_flags,
                       int flag);
 
@@ -216,9 +218,9 @@ std::uint32_t GEOMlabel_flags(int font, int title, int drop_shadow, int stroke,
 
 // Computes normals for an object that has none. Mode 0: one per vertex, the mean direction of the
 // polygons around it. Mode 1: one per polygon; the polyhedron's corners become vertices of their
-// own, numbered in list order. Meshes always get mode 0, and none when they hold fewer than u * v
-// vertices; other kinds are left alone. A polygon that names a vertex which is not there takes part
-// in no normal; in mode 1 such a corner becomes a vertex of zeros.
+// own, numbered in list order. Meshes always use mode 0, and get no normals if they hold fewer than
+// u * v vertices. Other kinds are left unchanged. A polygon with an index out of range contributes
+// to no normal; in mode 1 such a corner becomes a vertex of zeros.
 void GEOMgen_normals(GEOMobj* obj, int mode);
 
 // ---- Properties, fonts, messages
@@ -235,9 +237,8 @@ unsigned char* GEOMadd_property(GEOMobj* obj, std::uint32_t kind, std::uint32_t 
 int GEOMfont_number(const char* family, int bold, int italic);
 
 // Print "GEOM error: ...\n" and "GEOM fatal error: ...\n" to standard error with a text formatted
-// as by printf, whatever its length. The first goes to the receiver of a GEOMscope instead, if it
-// has one. The second ends the process with status 1; nothing of a record that is being written is
-// flushed.
+// as by printf, of any length. If a GEOMscope has a receiver, the first goes there instead. The
+// second ends the process with status 1 and does not flush a record that is being written.
 [[gnu::format(printf, 1, 2)]] void GEOMerror(const char* format, ...);
 [[noreturn, gnu::format(printf, 1, 2)]] void GEOMfatal_error(const char* format, ...);
 
@@ -247,13 +248,14 @@ int GEOMfont_number(const char* family, int bold, int italic);
 using GEOMreporter = void (*)(const char* text);
 
 // Checks counts, flags, NaN and ranges; returns 1 when the object passes, 0 at the first failure.
-// Values out of range are reported but pass. Findings go to `reporter`, or, when it is null, where
-// GEOMerror() sends its messages, as "GEOMcheck_obj error: ...\n". `obj` may be null (a finding);
-// `options` is not looked at and should be 0.
+// Values out of range are reported but pass. Findings go to `reporter`. If that is null, they go
+// where messages of GEOMerror() go, as "GEOMcheck_obj error: ...\n". `obj` may be null, which is a
+// finding. `options` is ignored and should be 0.
 int GEOMcheck_obj(const GEOMobj* obj, int options, GEOMreporter reporter);
 
 // Writes the object as one record to `fd`. Bits 0x1 and 0x2 of `flags` drop the normals and colours
 // bits from the record's header, not the arrays from its body. Write errors cut the record short
-// and are not reported. The version, whether the object is checked first, and the trace are as
-// settings.h says; findings do not stop the write.
+// and are not reported. settings.h describes the version, the check before writing, and the trace;
+// findings do not stop the write. If there is no memory for the stream, nothing is written and
+// nothing is reported.
 void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags);

@@ -9,11 +9,11 @@
 #include <cstring>
 #include <limits>
 
-// How a GEOMlist grows, adopts and ends.
+// How a GEOMlist grows, adopts an array, and is freed.
 
 namespace geom {
 
-// Single elements tend to come one after another: room is made for that many of them at once.
+// Single elements tend to be added repeatedly, so room is made for this many at once.
 inline constexpr std::int64_t kHeadroom = 100;
 
 // The allocation sites of one kind of list: its first block, and its growth.
@@ -42,8 +42,8 @@ constexpr std::int64_t multiply_counts(std::int64_t a, std::int64_t b) {
     return a > largest / b ? largest : a * b;
 }
 
-// Makes room for n more elements behind the used ones: at least max(extension, n) at first, that
-// many more than the used ones when the list is full. Elements are not counted as used yet.
+// Makes room for n more elements after the used ones. A list that must grow gets room for
+// max(extension, n) more. Does not change the number of used elements.
 template <class T, int N>
 void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
                const GrowthSites& sites) {
@@ -59,7 +59,7 @@ void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
     }
 }
 
-// Copies n elements behind the used ones, for which there must be room.
+// Appends n elements, for which there must be room.
 template <class T, int N>
 void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     // memcpy must not see the null pointer of an empty array, not even for 0 bytes
@@ -78,13 +78,13 @@ void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     list.capacity = n;
 }
 
-// Frees an array that was handed over and is not kept.
+// Frees an array that was passed with GEOM_TAKE but is not used.
 inline void drop(const void* array, int flag) {
     if (flag != GEOM_COPY)
         release(array);
 }
 
-// Reports why an array is not taken, and drops it.
+// Reports why an array is refused, and drops it.
 inline void refuse(const char* message, const void* array, int flag) {
     GEOMerror("%s", message);
     drop(array, flag);
@@ -109,7 +109,7 @@ void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t 
 // Frees the storage and leaves the empty list.
 template <class T, int N>
 void clear(GEOMlist<T, N>& list) {
-    // By pointer and not by capacity: a list of capacity 0 may still own a block.
+    // Always: even a list of capacity 0 may own a block.
     release(list.data);
     list = {};
 }

@@ -13,19 +13,19 @@
 namespace geom {
 namespace {
 
-// Even an array without elements owns a block, so that a null pointer always means "not given".
+// Even an array without elements gets a block, so that a null pointer always means "not given".
 constexpr std::int64_t kEmptyBlock = 8;
 
-// Small blocks are cleared here: std::calloc passes by the C library's store of freed small blocks,
-// which makes it, and the freeing, several times as slow. Large ones come cleared from the system.
+// Small blocks are cleared here, because std::calloc bypasses the C library's cache of freed small
+// blocks and is several times as slow. The system clears large blocks itself.
 constexpr std::size_t kSmallBlock = 1024;
 
-// Apart from its caller, or the compiler makes one call of std::calloc of the two.
+// Not inlined, or the compiler replaces malloc and memset by calloc.
 [[gnu::noinline]] void* clear_block(void* block, std::size_t bytes) {
     return block == nullptr ? nullptr : std::memset(block, 0, bytes);
 }
 
-// A size that does not fit is one that no allocator can serve.
+// Stands for a size that does not fit. No allocation of it can succeed.
 constexpr std::int64_t kTooLarge = std::numeric_limits<std::int64_t>::max();
 
 std::int64_t block_bytes(std::int64_t count, std::size_t size) {
@@ -46,12 +46,12 @@ std::int64_t block_bytes(std::int64_t count, std::size_t size) {
     GEOMfatal_error("%s", site.message);
 }
 
-// What `obtain` gives for the bytes of `count` elements; does not return without a block.
+// Calls `obtain` for the bytes of `count` elements. Ends the process if that returns null.
 template <class Obtain>
 void* block_for(std::int64_t count, std::size_t size, const void* old, const AllocationSite& site,
                 Obtain obtain) {
     const std::int64_t bytes = block_bytes(count, size);
-    // A 32-bit machine has no block of the sizes that it can count.
+    // On a 32-bit machine the size may not fit std::size_t.
     const bool may_fit = bytes < std::numeric_limits<std::ptrdiff_t>::max();
     void* block = may_fit ? obtain(static_cast<std::size_t>(bytes)) : nullptr;
     if (block == nullptr)

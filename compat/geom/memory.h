@@ -3,12 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 
-// All memory of the library comes from here: std::malloc blocks, because adopted arrays come from
-// the callers' own std::malloc.
+// All memory of the library. Blocks come from std::malloc, because adopted arrays do.
 
 namespace geom {
 
-// Where an allocation stands, for the memory line of its failure, and the words of the fatal error.
+// The source line of an allocation and the message if it fails.
 struct AllocationSite {
     const char* module;
     int line;
@@ -26,10 +25,10 @@ void* allocate_zeroed(std::int64_t count, std::size_t size, const AllocationSite
 // Grows or moves `old`; the memory line ends in ", old ptr 0x<low 32 bits>".
 void* reallocate(void* old, std::int64_t count, std::size_t size, const AllocationSite& site);
 
-// A block, or null: for the stream, whose failure has no memory line.
+// A block, or null on failure, which is not reported. For the output stream.
 void* try_allocate(std::size_t bytes);
 
-// Frees a block; null is fine. Takes what was adopted through a pointer to const as well.
+// Frees a block or null. Takes pointers to const too, since adopted arrays come as such.
 void release(const void* block);
 
 } // namespace geom

@@ -1,5 +1,5 @@
-// Normal generation. All vectors are floats, operation by operation, in the order written here:
-// the stream is compared byte for byte.
+// Normal generation. All operations are in float and in the order written here, because streams
+// are compared byte for byte.
 //
 // A polygon's normal is the sum of the cross products at consecutive triples of its corners. Smooth
 // normals add it to all the polygon's vertices and normalise the sums; facet normals first give
@@ -20,7 +20,7 @@ namespace {
 
 using geom::AllocationSite;
 
-// A facet normal all of whose components are smaller belongs to a degenerate polygon.
+// A polygon is degenerate if all components of its facet normal are smaller.
 constexpr double kDegenerate = 1e-15;
 
 // A vertex normal of this length or less has no direction.
@@ -74,7 +74,7 @@ bool is_within(float component, double tolerance) {
     return -tolerance < component && component < tolerance;
 }
 
-// The vector of length 1, or the zero vector of a zero vector.
+// The vector scaled to length 1. A zero vector stays zero.
 Vec3 normalized(const Vec3& v) {
     const double l = length(v);
     return l == 0 ? v : divide(v, l);
@@ -108,14 +108,13 @@ bool names_vertex(std::int64_t index, std::int64_t vertices) {
     return index >= 1 && index <= vertices;
 }
 
-// A polygon with a corner that is not there takes part in no normal, not with its other corners
-// either.
+// A polygon with an index out of range contributes to no normal, not even at its other corners.
 bool is_sound(const Polygon& polygon, std::int64_t vertices) {
     return std::all_of(polygon.corners, polygon.corners + polygon.count,
                        [=](std::int64_t index) { return names_vertex(index, vertices); });
 }
 
-// The unit normal of a sound polygon; zero when it is degenerate or has fewer than three corners.
+// The unit normal of a polygon; zero if it is degenerate or has fewer than three corners.
 Vec3 facet_normal(const Polygon& polygon, const GEOMvector_list& vertices, double tolerance) {
     const auto corner = [&](std::int64_t j) {
         return load(vertices.data + (polygon.corners[j] - 1) * 3);
@@ -158,8 +157,8 @@ void smooth_normals(GEOMobj& obj, double tolerance) {
     attach_normals(obj, normals, n);
 }
 
-// A new array with one element of a per-vertex list per polygon corner: that of the vertex which
-// the corner names, or zero when there is no such vertex or the list ends before it.
+// A new array with one element per polygon corner: the element that a list holds for the corner's
+// vertex, or zero if the index is out of range.
 template <class T, int N>
 T* spread(const GEOMlist<T, N>& list, const GEOMpolyhedron& solid, const AllocationSite& site) {
     const GEOMpolygon_list& polygons = solid.polygons;
@@ -193,7 +192,7 @@ void number_corners(GEOMpolygon_list& polygons) {
 void facet_normals(GEOMobj& obj, double tolerance) {
     GEOMpolyhedron& solid = obj.polyhedron;
     const std::int64_t corners = solid.polygons.indices;
-    // All arrays are made from the lists as they are, before the first list is replaced.
+    // Build all arrays before replacing any list, since they are built from the lists.
     const auto spread_if = [&](std::uint32_t bit, const auto& list, const AllocationSite& site) {
         return (obj.flags & bit) != 0 ? spread(list, solid, site) : nullptr;
     };
@@ -210,7 +209,8 @@ void facet_normals(GEOMobj& obj, double tolerance) {
         const Vec3 facet = is_sound(polygon, solid.vertices.used)
                                ? facet_normal(polygon, solid.vertices, tolerance)
                                : Vec3{0, 0, 0};
-        // What normalize_object() would do to each of the corners, which all have this normal.
+        // All corners share this normal, so normalise it once instead of calling
+        // normalize_object().
         const Vec3 normal = normalized(facet);
         for (std::int64_t j = 0; j < polygon.count; ++j, out += 3)
             store(out, normal);

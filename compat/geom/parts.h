@@ -6,13 +6,13 @@
 #include <cstdint>
 #include <type_traits>
 
-// One view of the arrays that the kinds have in common, so that adding, checking and writing need
-// no code per kind.
+// A uniform view of the arrays that the kinds share, so that adding, checking and writing need no
+// code per kind.
 
 namespace geom {
 
-// The arrays of one object, strip, polyline or segment set. A null pointer: that part has no such
-// list (or, in a strip or polyline, none was made).
+// The arrays of one object, strip, polyline or segment set. A null pointer means that the part has
+// no such list.
 template <bool IsConst>
 struct BasicPart {
     template <class List>
@@ -29,7 +29,7 @@ struct BasicPart {
 using Part = BasicPart<false>;
 using ConstPart = BasicPart<true>;
 
-// The flag bits that can mean something in a part which has only some of the lists.
+// The flag bits that apply to parts which have only some of the lists.
 inline constexpr std::uint32_t kSphereFlags =
     GEOM_HAS_NORMALS | GEOM_HAS_COLORS | GEOM_HAS_VERTEX_DATA | GEOM_HAS_VERTEX_TRANS;
 inline constexpr std::uint32_t kLineFlags =

@@ -31,7 +31,7 @@ GEOMpolygon_list widen(const std::int32_t* list) {
     const std::int64_t last = wide.capacity - 1;
     for (std::int64_t i = 0; i < last; ++i)
         wide.data[i] = list[i];
-    wide.data[last] = 0; // whatever ended the caller's list
+    wide.data[last] = 0; // the caller's list may end with a negative count
     return wide;
 }
 
@@ -60,7 +60,7 @@ void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t poly
         polygons = added;
         return;
     }
-    // The added list starts where the final 0 stood and brings its own.
+    // The added list overwrites the final 0 and ends with its own.
     const std::int64_t end = entries(polygons) - 1;
     polygons.capacity = end + added.capacity;
     polygons.data = static_cast<std::int64_t*>(geom::reallocate(

@@ -1,5 +1,5 @@
 // Polytriangles: triangle strips and polylines. Each strip and each polyline has lists of its own;
-// the object holds arrays of such lists, one array per sort of data that its flags promise.
+// the object holds arrays of such lists, one array per sort of data that its flags name.
 
 #include "compat/geom/polytri.h"
 
@@ -12,8 +12,8 @@ namespace {
 
 namespace sites = geom::create_sites;
 
-// Grows an array of `count` lists by one empty list. An array that was not there before gets lists
-// for the older strips too: they came before the object had that sort of data.
+// Grows an array of `count` lists by one empty list. A new array gets empty lists for the earlier
+// strips too, which were added before the object had that sort of data.
 template <class List>
 void grow_lists(List*& lists, std::int64_t count, const geom::GrowthSites& growth) {
     const bool first = lists == nullptr;
@@ -29,7 +29,7 @@ void store_fresh(GEOMvector_list& list, const float* source, std::int64_t n, int
     geom::append(list, source, n, n, flag, fresh);
 }
 
-// The same for an array that is there only when the object's flags promise that sort of data.
+// The same for an array that exists only if the object's flags name that sort of data.
 template <class List>
 void grow_promised(std::uint32_t promise, List*& lists, std::int64_t count,
                    const geom::GrowthSites& growth) {

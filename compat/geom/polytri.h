@@ -6,8 +6,8 @@
 
 namespace geom {
 
-// Adds n vertices as one triangle strip; nothing when n is 0. Refused, with its message, when the
-// object's flags promise normals or colours, which this strip does not bring.
+// Adds n vertices as one triangle strip; nothing when n is 0. Reports and refuses the strip if the
+// object's flags name normals or colours, since the strip has none.
 void add_strip(GEOMobj& obj, const float* vertices, std::int64_t n, int flag);
 
 // Frees every strip, polyline and segment list, and the arrays of lists.

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The record lines are fixed, as those of create_sites.h are.
+// The line numbers are fixed, like those in create_sites.h.
 constexpr geom::AllocationSite kFirstRecord{"compat/geom/prop", 97,
                                             "malloc fails allocating a geom val"};
 constexpr geom::AllocationSite kNextRecord{"compat/geom/prop", 88,
@@ -18,8 +18,8 @@ constexpr geom::AllocationSite kNextRecord{"compat/geom/prop", 88,
 constexpr std::array kFamilies = {"Courier", "Helvetica", "New Century", "Times",      "Charter",
                                   "Symbol",  "Roman",     "Script",      "Mathematics"};
 
-// Bits of a font number. The lowest one means upright: it is set for text that is *not* italic,
-// and readers of labels rely on that.
+// Bits of a font number. Kept: the lowest one means upright and is set for text that is *not*
+// italic. Readers of labels rely on it.
 constexpr int kFontBase = 128;
 constexpr int kFontPerFamily = 4;
 constexpr int kFontBold = 2;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// The property records of an object. They lie packed behind one another, so they are copied out and
+// The property records of an object. They are packed without alignment, so they are copied out and
 // never read in place.
 
 namespace geom {

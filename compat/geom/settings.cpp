@@ -23,8 +23,8 @@ bool environment_verifies() {
 
 bool has_receiver() { return in_force != nullptr && in_force->receiver != nullptr; }
 
-// Printed piece by piece: no buffer, so no message is cut and none needs memory when there is none.
-// The lock keeps the pieces together when threads print at the same time.
+// Prints piece by piece, without a buffer, so that a message of any length needs no memory. The
+// lock keeps the pieces together when threads print at the same time.
 [[gnu::format(printf, 2, 0)]] void print_message(const char* prefix, const char* format,
                                                  std::va_list arguments) {
     flockfile(stderr);

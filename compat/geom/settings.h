@@ -2,15 +2,15 @@
 
 #include "compat/geom/format.h"
 
-// What the library's functions do beyond their arguments: the version that they write, whether they
-// verify, and where their messages go. No function has an argument for it, so each thread that
-// wants something else than the environment says so with a GEOMscope.
+// Settings of the library's functions: the version that they write, whether they verify objects,
+// and where their messages go. The environment sets them. The functions have no arguments for them,
+// so a thread that needs other settings opens a GEOMscope.
 //
-// This is the only place where the project's libraries keep state of the process that changes: for
-// each thread a pointer to the settings of its innermost scope, and for the process what the
-// environment said about KRA_GEOM_VERIFY and KRA_GEOM_DEBUG when that was first asked.
+// This is the only mutable global state of the project's libraries: for each thread, a pointer to
+// the settings of its innermost scope; for the process, whether KRA_GEOM_VERIFY and KRA_GEOM_DEBUG
+// were set when they were first read.
 
-// What a message is: that of GEOMerror(), or a finding of GEOMcheck_obj() without a reporter.
+// The source of a message: GEOMerror(), or GEOMcheck_obj() without a reporter.
 enum class GEOMmessage { error, finding };
 
 // Receives the text of one message, without prefix and newline and valid during the call; must not
@@ -24,9 +24,9 @@ struct GEOMsettings {
     void* context = nullptr;         // handed to the receiver
 };
 
-// Puts a copy of the settings in force on the calling thread, until the scope ends there. Scopes
-// nest: the innermost one decides. Without any, the environment does, asked anew for the version of
-// every record. The trace, and what ends the process, do not depend on scopes.
+// Applies a copy of the settings to the calling thread until the end of the scope. In nested scopes
+// the innermost applies. Without a scope the environment applies, and the version is read from it
+// for every record. The trace and fatal errors do not depend on scopes.
 class GEOMscope {
 public:
     explicit GEOMscope(const GEOMsettings& settings);
@@ -39,20 +39,21 @@ private:
     const GEOMsettings* m_outer; // null for the outermost scope
 };
 
-// What the environment asks for: version 7 if KRA_GEOM_WRITE_V2 is set, to whatever value, and
+// The settings of the environment: version 7 if KRA_GEOM_WRITE_V2 is set, to any value, and
 // verification if KRA_GEOM_VERIFY is. No receiver.
 GEOMsettings GEOMenvironment_settings();
 
-// The library's own questions, answered for the calling thread.
+// The settings that apply to the calling thread.
 namespace geom {
 
 int record_version();
 bool verify_wanted();
 
-// KRA_GEOM_DEBUG is set, to whatever value: the writing of objects is traced on standard output.
+// Whether KRA_GEOM_DEBUG is set, to any value, so that writing is traced on standard output.
 bool trace_wanted();
 
-// Hands a message to the receiver in force, or prints it with its prefix to standard error.
+// Passes a message to the receiver, or prints it with its prefix to standard error if there is
+// none.
 void report(GEOMmessage kind, const char* text);
 
 } // namespace geom

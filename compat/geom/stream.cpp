@@ -1,7 +1,7 @@
-// Single values go through the XDR library by way of the stream's encode handle. Arrays do not: a
-// call through three function pointers per float would be most of the cost of writing an object.
-// They are encoded a chunk at a time and handed to the same sink. A chunk never crosses the end of
-// a piece, so that after a failed write exactly the bytes are lost that single puts would lose.
+// Single values are encoded by the XDR library through the stream's encode handle. Arrays are not,
+// because a call through three function pointers per float would be most of the cost of writing an
+// object. They are encoded a chunk at a time and passed to the same sink. A chunk never crosses the
+// end of a piece, so that a failed write loses the same bytes as with single values.
 
 #include "compat/geom/stream.h"
 
@@ -20,7 +20,7 @@
 
 namespace {
 
-// The version of a stream that no record has been started on.
+// The version of a stream before its first record.
 constexpr int kNoVersionYet = 23;
 
 constexpr std::size_t kXdrUnit = BYTES_PER_XDR_UNIT;
@@ -45,8 +45,8 @@ std::int64_t flush(GEOMstream& stream) {
     return write_piece(stream.fd, stream.write_buffer.data(), fill);
 }
 
-// Counts n bytes that were put behind the fill position, for which there was room; a piece that
-// they complete is written. Returns n, or a result below 1.
+// Counts n bytes that were stored after the fill position, for which there was room. Writes the
+// piece if they complete it. Returns n, or a result below 1.
 std::int64_t advance(GEOMstream& stream, std::size_t n) {
     stream.write_fill += n;
     if (stream.write_fill == GEOM_PIECE_BYTES) {
@@ -99,7 +99,7 @@ bool_t put_bytes(XDR* handle, const char* bytes, u_int n) {
 u_int get_position(XDR* /*handle*/) { return 0; }
 
 bool_t set_position(XDR* /*handle*/, u_int /*position*/) {
-    return TRUE; // nothing moves, and callers that rewind go on
+    return TRUE; // does not move, but callers that rewind can go on
 }
 
 std::int32_t* no_inline_access(XDR* /*handle*/, u_int /*n*/) { return nullptr; }
@@ -128,7 +128,7 @@ bool is_raw(const GEOMstream& stream, bool forced) {
 template <class T>
 using WordOf = std::conditional_t<sizeof(T) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
 
-// The word whose bytes in memory lie in the given order.
+// The word with its bytes in the given order in memory.
 template <std::endian Order, class Word>
 constexpr Word ordered(Word word) {
     if constexpr (Order == std::endian::native)
@@ -145,8 +145,8 @@ void put_raw(GEOMstream* stream, T value) {
     stream->sink(stream, &word, sizeof word);
 }
 
-// Encodes `n` values into `out`: a plain loop over words that the compiler vectorises, given the
-// means.
+// Encodes `n` values into `out`. The compiler vectorises this loop if the instruction set allows
+// it.
 template <std::endian Order, class T>
 [[gnu::always_inline]] inline void encode(unsigned char* out, const T* values, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
@@ -156,7 +156,7 @@ template <std::endian Order, class T>
 }
 
 #ifdef __x86_64__
-// The plain instruction set turns one word at a time.
+// The base instruction set can swap the bytes of only one word at a time.
 template <class T>
 [[gnu::target("avx2")]] void encode_big_with_avx2(unsigned char* out, const T* values,
                                                   std::size_t n) {
@@ -177,12 +177,12 @@ void encode_big(unsigned char* out, const T* values, std::size_t n) {
     encode<std::endian::big>(out, values, n);
 }
 
-// `put_one` writes the value that the end of a piece would cut in two.
+// `put_one` writes a value that crosses the end of a piece.
 template <class T>
 void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
                void (*put_one)(GEOMstream*, T)) {
     std::array<unsigned char, GEOM_PIECE_BYTES> chunk;
-    // The stream's own sink takes the bytes from where they belong.
+    // For the stream's own sink, encode directly into the buffer.
     const bool in_place = stream->sink == GEOMstream_write;
     for (auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0)); left > 0;) {
         const std::size_t fits = (GEOM_PIECE_BYTES - stream->write_fill) / sizeof(T);
@@ -212,8 +212,9 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
 GEOMstream* geom::create_stream(int fd) {
     void* const memory = geom::try_allocate(sizeof(GEOMstream));
     if (memory == nullptr)
-        GEOMfatal_error("out of memory");
-    // Member by member: clearing the buffers would cost as much as writing a small object.
+        return nullptr;
+    // Initialised member by member, because clearing the buffers would cost as much as writing a
+    // small object.
     auto* const stream = new (memory) GEOMstream;
     stream->fd = fd;
     stream->write_fill = 0;
@@ -239,7 +240,7 @@ void geom::close_stream(GEOMstream* stream) {
 }
 
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n) {
-    // Most calls bring one word, for which there is room wherever words lie one after another.
+    // Most calls write one word. An aligned word always fits the buffer.
     if (n == kXdrUnit && stream->write_fill % kXdrUnit == 0) {
         std::memcpy(stream->write_buffer.data() + stream->write_fill, bytes, kXdrUnit);
         return advance(*stream, kXdrUnit);

@@ -14,7 +14,7 @@ inline constexpr std::size_t GEOM_PIECE_BYTES = 8192;
 
 struct GEOMstream;
 
-// Takes n bytes; returns n, or a result below 1 when the bytes ran into a failed write.
+// Takes n bytes. Returns n, or a result below 1 after a failed write.
 using GEOMwrite_func = std::int64_t (*)(GEOMstream* stream, const void* bytes, std::int64_t n);
 
 struct GEOMstream {
@@ -28,40 +28,36 @@ struct GEOMstream {
     XDR encode; // hands its bytes to `sink`
     GEOMwrite_func sink;
     int version; // the protocol version; below GEOM_FIRST_XDR_VERSION everything is raw
-    // Force raw encoding of one sort of number in an XDR stream. Off unless a user of the stream
-    // turns them on.
+    // Force raw encoding of one type of number in an XDR stream. Off by default.
     bool raw_ints;
     bool raw_floats;
     bool raw_int64s;
 };
 
-// Buffers n bytes, none when n is below 0; whenever the buffer holds a full piece, writes it.
-// Returns n. When a write gives less than 1, returns that result: the piece is lost, and so is what
-// remained of the n bytes.
+// Buffers n bytes, none if n is below 0, and writes each full piece. Returns n. If a write returns
+// less than 1, returns that; the piece and the rest of the n bytes are lost.
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n);
 
 namespace geom {
 
-// Opens a stream on `fd`, with the sink GEOMstream_write(). Ends through GEOMfatal_error() when
-// there is no memory for it: an object left out without a word would be lost.
+// Opens a stream on `fd`, with the sink GEOMstream_write(). Null when there is no memory for it.
 GEOMstream* create_stream(int fd);
 
-// Writes what is buffered, seeks the descriptor back over what was read ahead, frees the stream.
-// The descriptor stays open.
+// Writes the buffered bytes, seeks the descriptor back over bytes that were read ahead, and frees
+// the stream. The descriptor stays open.
 void close_stream(GEOMstream* stream);
 
 // Reads up to n bytes; returns how many came before the end of the input or an error.
 std::int64_t read_stream(GEOMstream* stream, void* bytes, std::int64_t n);
 
-// The primitives. XDR as RFC 4506 has it: big-endian; raw: little-endian, on every machine. Results
-// of the sink are not looked at: a failed write cuts the record short, and the next one is still
-// attempted.
+// The primitives. XDR is big-endian (RFC 4506), raw is little-endian, on every machine. Results of
+// the sink are ignored: a failed write cuts the record short, and the next one is still attempted.
 void put_int(GEOMstream* stream, std::int32_t value);
 void put_float(GEOMstream* stream, float value);
 void put_int64(GEOMstream* stream, std::int64_t value);
 
-// n values behind one another, without a count. The same bytes as n single puts, also after a
-// failed write.
+// n values one after another, without a count. Writes the same bytes as n single calls, also after
+// a failed write.
 void put_ints(GEOMstream* stream, const std::int32_t* values, std::int64_t n);
 void put_floats(GEOMstream* stream, const float* values, std::int64_t n);
 void put_int64s(GEOMstream* stream, const std::int64_t* values, std::int64_t n);
@@ -69,9 +65,8 @@ void put_int64s(GEOMstream* stream, const std::int64_t* values, std::int64_t n);
 // n bytes as they are; in an XDR stream zero bytes follow up to a multiple of 4.
 void put_opaque(GEOMstream* stream, const void* bytes, std::int64_t n);
 
-// The length without NUL as an int, then the text as an opaque run. Of a text longer than
-// GEOM_MAX_STRING_BYTES, XDR writes the length alone: that ruins the record, since no reader finds
-// what follows.
+// The length without NUL as an int, then the text as an opaque run. For a text longer than
+// GEOM_MAX_STRING_BYTES, XDR writes only the length, so that readers cannot decode the record.
 void put_string(GEOMstream* stream, const char* text);
 
 } // namespace geom

@@ -4,8 +4,8 @@
 //             bytecount (64-bit); nvals (int)
 //             nvals properties: kind, length, value (ints), then the bytes (opaque)
 //             name and second text: two strings (XDR), or both with their NULs (raw)
-//   body      counts (64-bit), then arrays without lengths of their own; the header's `data` tells
-//             which of the optional ones are there
+//   body      counts (64-bit), then arrays without lengths; the header's `data` tells which of the
+//             optional ones are present
 
 #include "compat/geom/writer.h"
 
@@ -34,9 +34,8 @@ void trace_writer(const char* kind, GEOMwrite_func func, const GEOMhead* head, c
                   const GEOMstream* arg, int proto_version) {
     if (!geom::trace_wanted())
         return;
-    // The text brings its own "0x", and what %p prints is the C library's choice: hexadecimal
-    // digits without a prefix are what stands behind it everywhere. Of whole pointers here, as of
-    // old; the lines around show their low 32 bits.
+    // Not %p, because C libraries differ in the prefix that they print. Kept: this line shows whole
+    // pointers, while the lines around it show their low 32 bits.
     const auto digits = [](auto pointer) { return reinterpret_cast<std::uintptr_t>(pointer); };
     std::printf("      GEOM_write_%s (func=0x%" PRIxPTR ", head=0x%" PRIxPTR ", obj=0x%" PRIxPTR
                 ", arg=0x%" PRIxPTR ", proto_version=%d)\n",
@@ -75,7 +74,7 @@ GEOMhead make_head(const GEOMobj& obj, int flags, const GEOMstream& stream) {
     head.has_extent = obj.has_extent;
     head.nvals = obj.nvals;
     std::size_t size = geom::property_bytes(obj);
-    // Kept: XDR headers do not count their strings; a reader takes them by their own lengths.
+    // Kept: XDR headers do not count their strings, which have lengths of their own.
     if (!is_xdr(stream))
         size +=
             bytes_with_nul(text_or_empty(obj.name)) + bytes_with_nul(text_or_empty(obj.attribute));
@@ -121,8 +120,8 @@ void put_values(GEOMstream* stream, const std::int32_t* values, std::int64_t n) 
     geom::put_ints(stream, values, n);
 }
 
-// The first n elements of a list. Readers count on all of them: those that the list does not hold
-// are written as zero.
+// Writes the first n elements of a list. Readers expect all of them, so missing ones are written as
+// zero.
 template <class T, int N>
 void put_list(GEOMstream* stream, const GEOMlist<T, N>* list, std::int64_t n) {
     n = std::max<std::int64_t>(n, 0);
@@ -139,7 +138,7 @@ void put_list(GEOMstream* stream, const GEOMlist<T, N>* list, std::int64_t n) {
     }
 }
 
-// The optional arrays behind the vertices, for n vertices and that many primitives.
+// The optional arrays after the vertices, for n vertices and `primitives` primitives.
 void put_attributes(GEOMstream* stream, std::uint32_t flags, const geom::ConstPart& part,
                     std::int64_t n, std::int64_t primitives) {
     if ((flags & GEOM_HAS_NORMALS) != 0)
@@ -307,9 +306,11 @@ void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags) {
         std::printf("GEOMwrite_obj (obj=0x%" PRIx32 ", fd=%d, flags=%d)\n", low_word(obj), fd,
                     flags);
     }
-    GEOMstream* const stream = geom::create_stream(fd);
-    GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::record_version());
-    geom::close_stream(stream);
+    // Kept: an object for which there is no stream is left out, and the program goes on.
+    if (GEOMstream* const stream = geom::create_stream(fd)) {
+        GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::record_version());
+        geom::close_stream(stream);
+    }
     if (trace)
         std::printf("return from GEOMwrite_obj\n\n");
 }

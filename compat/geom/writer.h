@@ -5,12 +5,12 @@
 
 #include <cstdint>
 
-// From an object to its record. docs/stream-format.md shows the layout with a worked example.
+// Writes objects as records. docs/stream-format.md shows the layout with a worked example.
 
 // The fixed part of a record's header, in the order in which it is written.
 struct GEOMhead {
     std::uint32_t magic;
-    std::uint32_t hdrsize; // bytes of the header behind nvals: properties, and raw strings
+    std::uint32_t hdrsize; // bytes of the header after nvals: properties, and raw strings
     std::uint32_t data;    // GEOMflag bits
     std::uint32_t type;
     float extent[6];
@@ -20,13 +20,13 @@ struct GEOMhead {
 };
 
 // Writes header and body through `func` into the stream `arg`. A `proto_version` below 10 means the
-// raw version 7. `flags` as for GEOMwrite_obj(). An object of unknown type is reported and writes
-// nothing.
+// raw version 7. `flags` as for GEOMwrite_obj(). An object of unknown type is reported and not
+// written.
 void GEOMserialize_obj(GEOMwrite_func func, const GEOMobj* obj, GEOMstream* arg, int flags,
                        int proto_version);
 
 // One writer per kind: computes `bytecount`, writes the header, then the body in the version of the
-// stream. `func` and `proto_version` are the stream's own; they show in the trace. Each returns 0.
+// stream. `func` and `proto_version` are those of the stream, for the trace. Each returns 0.
 int GEOM_write_mesh(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,
                     int proto_version);
 int GEOM_write_polyh(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,

@@ -29,7 +29,7 @@ TEST(FaceSet, PolygonsAndMessages) {
              Case{"3", {1, 4, 0}, {}},
              // A face without entries ends the list.
              Case{"[ 0, 1, 2, -1, -1, 1, 2, 3 ]", {3, 1, 2, 3, 0}, {}},
-             // A bad entry is not counted: the face's first entries stay, and the gap behind them
+             // A bad entry is not counted: the face's first entries stay, and the gap after them
              // ends the list.
              Case{"[ 0, 4, 1, 2, -1, 0, 1, 2, -1 ]", {3, 1, 5, 2, 0}, {4}},
              Case{"[ 0, 1, 2, -2, -1 ]", {3, 1, 2, 3, 0}, {-2}},

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -83,6 +84,23 @@ TEST_F(Textures, ConvertersRunOnImageFiles) {
     EXPECT_EQ(calls("p.jpg"), "rgb2kra|-o|./p.jpg|" + folder_ + "/p.x|");
 }
 
+TEST(ImageEnvironment, EmptyVariablesCountAsNotSet) {
+    const auto images = [](const char* value) {
+        for (const char* const name : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
+            setenv(name, value, 1);
+        }
+        ImageConversion found = environmentOptions().images;
+        for (const char* const name : {"RGBTMP", "RGBCONV", "GIFCONV", "JPGCONV"}) {
+            unsetenv(name);
+        }
+        return found;
+    };
+    EXPECT_EQ(images("x").folder, "x");
+    EXPECT_EQ(images("x").converters, (std::array<std::string, 3>{"x", "x", "x"}));
+    EXPECT_EQ(images("").folder, "/tmp");
+    EXPECT_EQ(images("").converters, (std::array<std::string, 3>{"rgb2kra", "gif2kra", "jpg2kra"}));
+}
+
 TEST_F(Textures, UnknownTypesSwitchTexturesOff) {
     const Conversion scene = convert(
         "Group { " + kTexture + "Texture2 { filename a.png } " + kTexture + "Cube { } }", options_);
@@ -128,6 +146,12 @@ TEST_F(Textures, InlineImagesBecomeRawFiles) {
     ASSERT_TRUE(written.has_value());
     EXPECT_EQ(written->name, folder_ + "/MESHCAST.x");
     EXPECT_TRUE(!written->clampS && written->clampT);
+    std::filesystem::rename(folder_ + "/MESHCAST.x", folder_ + "/target");
+    std::filesystem::create_symlink("target", folder_ + "/MESHCAST.x");
+    const std::string target = file("target");
+    EXPECT_FALSE(use().has_value());
+    convert("Texture2 { image 3 3 1 }", options_);
+    EXPECT_EQ(file("target"), target); // Links are not followed.
     options_.images.folder = "/nowhere/at/all";
     EXPECT_FALSE(use().has_value());
 }
@@ -209,8 +233,16 @@ TEST_F(Textures, FaceSetsProjectTheirPoints) {
     EXPECT_EQ(faceUvs("0 0 0, 2 4 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // y > x > z
     EXPECT_EQ(faceUvs("0 0 0, 1 2 4, 1 2 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > y > x
     EXPECT_EQ(faceUvs("0 0 0, 2 1 4, 2 1 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > x > y
-    EXPECT_EQ(faceUvs("0 0 0, 2 2 0, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {1, 0}})); // Equal: X and Y.
-    EXPECT_EQ(faceUvs("0 0 0, 2 0 0, 0 0 0"), (Uvs{{0, 0}, {1, 0}, {0, 0}})); // Equal: X and Y.
+    // Sides of equal size: x = y > z and x > y = z take X and Y,
+    EXPECT_EQ(faceUvs("0 0 0, 2 2 1, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 2 1 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
+    // x = z > y, y = z > x, z > x = y and a cube Z and X,
+    EXPECT_EQ(faceUvs("0 0 0, 2 1 2, 0 1 2"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 1 2 2, 0 1 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 1 1 2, 0 1 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
+    EXPECT_EQ(faceUvs("0 0 0, 2 2 2, 0 1 2"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
+    // and y > x = z Y and X.
+    EXPECT_EQ(faceUvs("0 0 0, 1 2 1, 0 2 1"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
     EXPECT_EQ(faceUvs("").size(), 0U);
     const std::string given = "TextureCoordinate2 { point [ 0.25 0.5, 1 0 ] } ";
     EXPECT_EQ(faceUvs("0 0 0, 1 0 0, 1 1 0", given,

@@ -112,7 +112,7 @@ TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
     ASSERT_EQ(ends.size(), records::by_name.size());
 
     for (std::size_t cut = 0; cut < stream.bytes.size(); ++cut) {
-        // A copy of its own, so that a sanitizer sees a read behind the cut.
+        // A copy of its own, so that a sanitizer detects a read after the cut.
         const std::vector<std::byte> prefix(stream.bytes.data(), stream.bytes.data() + cut);
         const DecodeResult result = decode(prefix);
         EXPECT_EQ(result.objects.size(), std::ranges::upper_bound(ends, cut) - ends.begin());

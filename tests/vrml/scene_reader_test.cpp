@@ -21,6 +21,20 @@ TEST(SceneReader, UseSharesTheLatestDefinition) {
     EXPECT_EQ(children[0]->nodeName().view(), "_1x");
 }
 
+TEST(SceneReader, NodeNamesEndAtTheirFirstZeroByte) {
+    using namespace std::string_literals;
+    ReadScene scene("Group { DEF a\0b Cube { } USE a USE \"a\0c\" }"s);
+    ASSERT_TRUE(scene.ok) << scene.messages;
+    const ChildList& children = scene.root<QvGroup>().getChildList();
+    ASSERT_EQ(children.size(), 3U);
+    EXPECT_EQ(children[0], children[1]);
+    EXPECT_EQ(children[0], children[2]);
+    EXPECT_EQ(children[0]->nodeName().view(), "a");
+    EXPECT_EQ(ReadScene("DEF \"\0a\" Cube { }"s).messages,
+              readErrorText("No name given after ", 2));
+    EXPECT_EQ(ReadScene("USE b\0c"s).messages, readErrorText("Unknown reference \"b\"", 2));
+}
+
 TEST(SceneReader, UnknownNodesReadTheFieldsThatTheyDeclare) {
     ReadScene scene("Group { A { fields [ SFFloat x, MFLong y, ] y [ 1, 2 ] x 0.5 Cube { }"
                     " B { fields <SFString s] s in } Cone { } } C { fields [ ] } }");

@@ -15,8 +15,8 @@ using geom_stream::RecordReader;
 
 namespace {
 
-/// Lists objects until the stream ends or breaks, or until `out`, where the listing goes, takes no
-/// more. Memory follows the largest object.
+/// Lists objects until the end of the stream, its first error, or a failed write to `out`. Memory
+/// grows with the largest object only.
 Totals listObjects(RecordReader& reader, Listing& listing, const std::ostream& out) {
     Totals totals;
     while (const std::optional<geom_stream::Object> object = reader.next()) {

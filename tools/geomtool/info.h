@@ -7,19 +7,19 @@ namespace geomtool {
 /// The exit statuses of the program.
 enum ExitStatus : int {
     kStatusSound = 0,
-    kStatusBroken = 1, ///< the stream departs from the format
+    kStatusBroken = 1, ///< the stream is damaged
     kStatusFailed = 2  ///< wrong usage, unreadable input or unwritable output
 };
 
 struct InfoOptions {
     std::string file = "-"; ///< "-": standard input
     bool json = false;
-    bool totals = false; ///< nothing but the totals
+    bool totals = false; ///< only the totals
     bool values = false;
 };
 
-/// Lists a stream on standard output; what is wrong goes to standard error. A broken stream is
-/// listed up to the record that breaks it.
+/// Lists a stream on standard output and reports errors on standard error. A damaged stream is
+/// listed up to the damaged record.
 ExitStatus runInfo(const InfoOptions& options);
 
 } // namespace geomtool

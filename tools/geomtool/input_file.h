@@ -29,7 +29,7 @@ public:
         return size;
     }
 
-    /// Why the file could not be opened or not be read to its end, if so.
+    /// The error of opening or reading the file, if there was one.
     const std::error_code& error() const { return error_; }
 
 private:

@@ -21,12 +21,12 @@ using geom_stream::Object;
 
 namespace {
 
-// Ordered, and with float as its only real number: a float then has its own short form, not that of
-// the double it would widen to.
+// Ordered, with float as the type of real numbers, so that a float is written in its shortest form
+// and not in that of the double.
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, float>;
 
-// What follows makes one element of an array of values.
+// The functions below convert one element of an array.
 Json json(std::int64_t number) { return number; }
 Json json(std::int32_t number) { return number; }
 Json json(std::byte byte) { return std::to_integer<unsigned>(byte); }
@@ -133,7 +133,7 @@ public:
     }
 
 private:
-    /// Texts of a stream need not be UTF-8: JSON has U+FFFD for the bytes that are not.
+    /// Texts of a stream may be invalid UTF-8; U+FFFD replaces invalid bytes in JSON.
     static std::string line(const Json& json) {
         return json.dump(-1, ' ', false, Json::error_handler_t::replace);
     }

@@ -10,24 +10,24 @@
 
 namespace geomtool {
 
-/// What a listing closes with.
+/// The end of a listing.
 struct Totals {
     std::uint64_t objects = 0;
     std::int64_t vertices = 0; ///< of the objects listed, as their counts name them
     std::int64_t polygons = 0;
     std::uint64_t bytes = 0;       ///< of the objects listed
-    std::uint64_t streamBytes = 0; ///< of the whole stream; more than `bytes` when it is broken
+    std::uint64_t streamBytes = 0; ///< of the whole stream; more than `bytes` if it is damaged
     std::optional<geom_stream::Error> error;
 };
 
-/// How much a listing tells before its totals.
+/// What a listing has before its totals.
 enum class Coverage {
-    kNone,    ///< the totals are all
+    kNone,    ///< nothing
     kObjects, ///< every object
     kValues   ///< every object and the elements of its arrays
 };
 
-/// A listing of a stream in the making: one object at a time, then the totals.
+/// Writes a listing of a stream: one object at a time, then the totals.
 class Listing {
 public:
     Listing() = default;
@@ -40,8 +40,8 @@ public:
     virtual void finish(const Totals& totals) = 0;
 };
 
-/// Lines for people: a heading per object and indented details. Floats have the shortest form that
-/// reads back as the same value. Totals alone are a line each, name and number.
+/// Text: a heading per object and indented details. Floats have the shortest form that reads back
+/// as the same value. Without objects, the totals are one line each, with name and number.
 std::unique_ptr<Listing> makeTextListing(std::ostream& out, Coverage coverage);
 
 /// One JSON document with one line per object; a float that is not finite is a string.

@@ -16,17 +16,18 @@
 namespace {
 
 int run(int argc, char** argv) {
-    CLI::App app("Looks into GEOM streams.", "geomtool");
+    CLI::App app("Lists the contents of GEOM streams.", "geomtool");
     app.set_version_flag("--version", "geomtool " GEOMTOOL_VERSION);
     app.require_subcommand(1);
-    app.footer("Exit status: 0 sound, 1 broken stream, 2 wrong usage or failed input or output.");
+    app.footer(
+        "Exit status: 0 valid stream, 1 damaged stream, 2 wrong usage or failed input or output.");
 
     geomtool::InfoOptions options;
     CLI::App* info = app.add_subcommand("info", "List the objects of a stream");
     info->add_option("FILE", options.file, "The stream; standard input when absent or -");
     info->add_flag("--json", options.json, "Print one JSON document instead of lines");
-    info->add_flag("--totals", options.totals, "Print only what the objects add up to");
-    info->add_flag("--values", options.values, "Print the elements of every array too")
+    info->add_flag("--totals", options.totals, "Print only sums over all objects");
+    info->add_flag("--values", options.values, "Also print the elements of every array")
         ->excludes("--totals");
 
 #ifdef GEOMTOOL_EXPORTS
@@ -47,7 +48,7 @@ int run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // Help and version come this way too, with status 0.
+        // Also reached for --help and --version, with status 0.
         return app.exit(error) == 0 ? geomtool::kStatusSound : geomtool::kStatusFailed;
     }
 #ifdef GEOMTOOL_EXPORTS

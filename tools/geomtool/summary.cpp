@@ -52,7 +52,7 @@ struct CountsOf {
     }
 };
 
-/// Collects the arrays that are worth listing: those that have elements.
+/// Collects the arrays that have elements.
 class GroupBuilder {
 public:
     explicit GroupBuilder(ValueGroup group) : group_(std::move(group)) {}
@@ -73,7 +73,7 @@ public:
         const std::int64_t polygons = sizeOf(polyhedron.polygons());
         if (polygons > 0)
             group_.arrays.push_back({"polygons", PolygonsOf{&polyhedron}});
-        // The words tell more than the polygons only when the list goes on after its end.
+        // If the list continues after its end, the words show more than the polygons.
         return polygons < polyhedron.polygonCount ? add("polygon-list", polyhedron.polygonList)
                                                   : *this;
     }
@@ -161,7 +161,7 @@ private:
             bounds_ = Bounds{{kNan, kNan, kNan}, {kNan, kNan, kNan}};
         for (const Vec3& position : positions) {
             for (std::size_t axis = 0; axis < position.size(); ++axis) {
-                // Not std::fmin, which leaves open which of 0 and -0 it yields.
+                // Not std::fmin, which may return either of 0 and -0.
                 const float value = position[axis];
                 float& minimum = bounds_->minimum[axis];
                 float& maximum = bounds_->maximum[axis];

@@ -11,8 +11,8 @@
 #include <variant>
 #include <vector>
 
-/// What the listings of a stream say about one object, before it is laid out as text or JSON.
-/// Everything here refers into the object and must not outlive it.
+/// The contents of a listing, before they are formatted as text or JSON. Everything here refers to
+/// the object and must not outlive it.
 namespace geomtool {
 
 struct Count {
@@ -31,15 +31,15 @@ struct Bounds {
     geom_stream::Vec3 maximum;
 };
 
-/// The box around all vertices, centres or label positions; none when there are none. A coordinate
-/// that is not a number is left out; an axis that has no other is itself not a number.
+/// The bounding box of all vertices, centres or label positions; none if there are none. NaN
+/// coordinates are ignored; an axis with NaN only is NaN.
 std::optional<Bounds> bounds(const geom_stream::Object& object);
 
-/// The label-flags word in words, for instance "font 142 Times bold italic, left".
+/// A description of the label-flags word, for instance "font 142 Times bold italic, left".
 std::string describeLabelFlags(std::uint32_t labelFlags);
 
-/// What is lawful but odd: a `bytecount` other than the format's, a polygon list that ends early,
-/// vertex numbers that name no vertex.
+/// What is valid but unusual: a wrong `bytecount`, a polygon list that ends early, vertex numbers
+/// out of range.
 std::vector<std::string> notes(const geom_stream::Object& object);
 
 /// Stands for `polygons()` of a polyhedron, so that Values stays a plain view.

@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::string_view kHexDigits = "0123456789abcdef";
 
-/// In the shortest form that reads back as the same number, whatever the locale.
+/// The shortest text that reads back as the same number, independent of the locale.
 template <class Number, class... Base>
 void appendNumber(std::string& text, Number number, Base... base) {
     std::array<char, 24> digits{};
@@ -32,12 +32,12 @@ void appendNumber(std::string& text, Number number, Base... base) {
     text.append(digits.data(), static_cast<std::size_t>(result.ptr - digits.data()));
 }
 
-// What follows writes one element of an array of values.
+// The functions below write one element of an array.
 void append(std::string& text, std::int64_t number) { appendNumber(text, number); }
 void append(std::string& text, std::int32_t number) { appendNumber(text, number); }
 
 void append(std::string& text, float number) {
-    if (std::isnan(number)) // the sign of a NaN says nothing
+    if (std::isnan(number)) // the sign of a NaN has no meaning
         text += "nan";
     else
         appendNumber(text, number);
@@ -49,7 +49,7 @@ void append(std::string& text, std::byte byte) {
     text += kHexDigits[value % 16];
 }
 
-/// Between quotation marks, with every byte but printable ASCII as \xNN.
+/// In quotation marks, with every byte that is not printable ASCII as \xNN.
 void append(std::string& text, const std::string& characters) {
     text += '"';
     for (const char character : characters) {
@@ -205,7 +205,7 @@ private:
 
     std::ostream& out_;
     Coverage coverage_;
-    std::string text_; ///< of the object at hand
+    std::string text_; ///< of the current object
 };
 
 } // namespace

@@ -15,7 +15,7 @@ template <class Number>
 std::string numberText(Number number) {
     if constexpr (std::is_floating_point_v<Number>) {
         if (std::isinf(number)) {
-            return number < 0 ? "-1e999" : "1e999"; // There is no word for it.
+            return number < 0 ? "-1e999" : "1e999"; // The language has no word for infinity.
         }
     }
     char digits[32];
@@ -50,8 +50,8 @@ std::string listText(const QvField& field) {
     return text + (list.num == 0 ? "]" : " ]");
 }
 
-/// In quotes, of which those inside get a backslash. A text that ends in a backslash would escape
-/// the closing one; it was read as a bare word and is written as one.
+/// The text in quotes, with a backslash before each quote in it. A text that ends in a backslash
+/// would escape the closing quote; it was read as a bare word and is written as one.
 std::string stringText(const std::string& value) {
     if (value.ends_with('\\')) {
         return value;
@@ -88,7 +88,7 @@ const EnumWord* wordOf(std::int32_t value, const Enumeration* words) {
     return found == words->words().end() ? nullptr : &*found;
 }
 
-/// One word where there is one for the value, otherwise a list of those that make it up.
+/// One word if there is one for the value, otherwise a list of the words that combine to it.
 std::string maskText(std::int32_t value, const Enumeration* words) {
     if (const EnumWord* const word = wordOf(value, words)) {
         return std::string(word->word);

@@ -10,8 +10,8 @@
 #include <unordered_set>
 #include <vector>
 
-// The tree is gone through twice in the same order. The first time finds the nodes that the name
-// of their DEF would not lead to when a USE needs them; the second one writes.
+// The tree is walked twice in the same order. The first walk finds nodes whose DEF name has been
+// redefined when a USE refers to them; the second walk writes.
 
 namespace meshcast {
 
@@ -35,7 +35,7 @@ private:
         std::size_t nextChild;
     };
 
-    /// Keeps the open groups on a stack of its own: they may be nested deeper than calls should be.
+    /// Keeps the open groups on an explicit stack, because nesting may be too deep for recursion.
     void goThrough(QvNode& root) {
         enter(root);
         while (!open_.empty()) {
@@ -50,7 +50,7 @@ private:
         }
     }
 
-    /// Writes a node without its children; a group is open after that.
+    /// Writes a node without its children. Leaves a group open.
     void enter(QvNode& node) {
         const bool isFirst = seen_.insert(&node).second;
         const std::string name = nameOf(node);
@@ -113,7 +113,7 @@ private:
     void field(QvNode& node, const FieldTable& table, const FieldTable::FieldEntry& entry) {
         const QvField& field = entry.of(node);
         if (table.findField(node, entry.name) != &field) {
-            return; // Declared once more under the same name: only the first can be given.
+            return; // Declared twice under the same name: only the first can have a value.
         }
         const std::string name(entry.name.view());
         const std::string value =
@@ -125,7 +125,7 @@ private:
                 text.replace(i, 1, "\n# ");
             }
         } else if (field.isDefault()) {
-            // The mark in the place of a value leaves the value as it is.
+            // A mark instead of a value does not change the value.
             text = (value.empty() ? "" : text + " ") + name + " ~";
         } else if (field.ignored()) {
             text += " ~";
@@ -144,7 +144,8 @@ private:
     bool isWriting_ = false;
     std::vector<OpenGroup> open_;
     std::unordered_set<const QvNode*> seen_;
-    std::unordered_map<std::string, const QvNode*> newest_; ///< What a USE of the name would get.
+    std::unordered_map<std::string, const QvNode*>
+        newest_; ///< The node that a USE of the name finds.
     std::set<std::string> names_;
     std::unordered_map<const QvNode*, std::string> renamed_;
 };

@@ -10,14 +10,14 @@ namespace meshcast {
 class QvField;
 class QvNode;
 
-/// The value of a field as a scene spells it. `type` must be the field's; `words` are those of its
-/// class for SFEnum and SFBitMask, null for a field that a scene declares.
+/// The value of a field as a scene spells it. `type` must be the type of the field. For SFEnum and
+/// SFBitMask, `words` is the enumeration of the field; null for a field that a scene declares.
 std::string fieldText(const QvField& field, FieldType type, const Enumeration* words);
 
-/// Writes the tree below a node, null for none, as a scene with the values of all fields. Fields
-/// that hold their default are comments, so that reading the dump gives the same tree: the same
-/// classes, names, values and marks. Only where two nodes got one name and USE asks for the older
-/// one is a name changed, by a number at its end.
+/// Writes the tree below a node (which may be null) as a scene with the values of all fields.
+/// Fields with their default values are comments, so that reading the dump gives the same tree,
+/// with the same classes, names, values and marks. One thing may change: if two nodes have the same
+/// name and a USE refers to the older one, a number is appended to a name.
 void dumpScene(QvNode* root, std::ostream& out);
 
 } // namespace meshcast

@@ -143,7 +143,7 @@ TEST(Polytriangles, HoldAListPerStripAndPolyline) {
     EXPECT_EQ(all.strips, 1);
     EXPECT_EQ(all.strip_vertices[0].data, adopted);
     EXPECT_EQ(all.lines, 2);
-    EXPECT_EQ(all.line_vertices[0].capacity, 1); // no headroom behind a finished line
+    EXPECT_EQ(all.line_vertices[0].capacity, 1); // no headroom after a finished line
     EXPECT_EQ(all.line_colors[0].used, 0);       // the line came before the colours
     EXPECT_EQ(values_of(all.line_colors[1]), kThree);
 }
