@@ -5,9 +5,9 @@
 #include "vrml/nodes.h"
 
 #include <algorithm>
-#include <fstream>
 #include <system_error>
 #include <utility>
+#include <variant>
 
 namespace meshcast::evaluate {
 
@@ -23,41 +23,32 @@ bool isAddress(const std::string& name) {
     return colon != std::string::npos && colon > 1 && name.find('/') > colon;
 }
 
-bool readAll(const fs::path& path, std::uint64_t limit, std::vector<std::uint8_t>& bytes) {
-    std::error_code error;
-    if (!fs::is_regular_file(path, error)) {
-        return false;
-    }
-    const std::uintmax_t size = fs::file_size(path, error);
-    if (error || size > limit) {
-        return false;
-    }
-    std::ifstream file(path, std::ios::binary);
-    bytes.resize(static_cast<std::size_t>(size));
-    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));
-    return file.gcount() == static_cast<std::streamsize>(size);
-}
-
 } // namespace
 
-std::optional<fs::path> pathUnderRoot(const std::string& name, const fs::path& folder,
-                                      const fs::path& root) {
-    if (root.empty() || name.empty() || name.find('\0') != std::string::npos || isAddress(name)) {
+ImageLoader::ImageLoader(std::vector<Image>& images, const EvaluateOptions& options, Notes& notes)
+    : images_(images), options_(options), notes_(notes), mayStillRead_(options.limits.imageBytes) {
+    if (options.root.empty()) {
+        return;
+    }
+    auto root = io::Folder::open(options.root.string());
+    if (auto* const folder = std::get_if<io::Folder>(&root)) {
+        root_.emplace(std::move(*folder));
+    }
+    std::error_code error;
+    folder_ = fs::canonical(options.folder.empty() ? "." : options.folder, error);
+}
+
+std::optional<io::Descriptor> ImageLoader::open(const std::string& name) const {
+    if (!root_ || name.empty() || isAddress(name)) {
         return std::nullopt;
     }
     std::string path = name;
     std::replace(path.begin(), path.end(), '\\', '/');
-    std::error_code error;
-    const fs::path found = fs::canonical(folder / path, error);
-    if (error) {
-        return std::nullopt;
-    }
-    const fs::path top = fs::canonical(root, error);
-    if (error) {
-        return std::nullopt;
-    }
-    const auto [rest, unused] = std::mismatch(top.begin(), top.end(), found.begin(), found.end());
-    return rest == top.end() ? std::optional(found) : std::nullopt;
+    // Neither the name nor the links on its way may lead out of the root, and nothing is opened
+    // that could be exchanged after it has been checked.
+    auto file = root_->openFile((folder_ / path).lexically_relative(root_->path()).string());
+    auto* const opened = std::get_if<io::Descriptor>(&file);
+    return opened == nullptr ? std::nullopt : std::optional(std::move(*opened));
 }
 
 bool ImageLoader::hasImage(const QvTexture2& texture) {
@@ -116,17 +107,22 @@ ImageLoader::Found ImageLoader::add(Image image) {
 ImageLoader::Found ImageLoader::load(const std::string& name) {
     Image image;
     image.name = toUtf8(name);
-    const auto path = pathUnderRoot(name, options_.folder, options_.root);
-    const char* const unreadable = "cannot be read from the folder of the scene";
-    if (!path) {
-        missing(name, unreadable);
+    const auto file = open(name);
+    auto read = file ? io::readWhole(file->number(), mayStillRead_)
+                     : std::make_error_code(std::errc::no_such_file_or_directory);
+    if (const auto* const error = std::get_if<std::error_code>(&read)) {
+        if (*error == std::errc::file_too_large) {
+            // Files that are too large, or too many, are read once until that is known.
+            mayStillRead_ = 0;
+            mayKeep(options_.limits.imageBytes + 1, name);
+        } else {
+            missing(name, "cannot be read from the folder of the scene");
+        }
         return std::nullopt;
     }
-    std::vector<std::uint8_t> bytes;
-    if (!readAll(*path, options_.limits.imageBytes, bytes)) {
-        missing(name, unreadable);
-        return std::nullopt;
-    }
+    const std::string& text = std::get<std::string>(read);
+    mayStillRead_ -= text.size();
+    std::vector<std::uint8_t> bytes(text.begin(), text.end());
     const auto size = sizeOfImage(bytes);
     if (!size) {
         missing(name, "is an image of an unknown kind");

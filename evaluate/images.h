@@ -2,6 +2,7 @@
 
 #include "evaluate/evaluate.h"
 #include "evaluate/notes.h"
+#include "io/files.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -20,8 +21,7 @@ namespace meshcast::evaluate {
 class ImageLoader {
 public:
     /// All must outlive the loader.
-    ImageLoader(std::vector<Image>& images, const EvaluateOptions& options, Notes& notes)
-        : images_(images), options_(options), notes_(notes) {}
+    ImageLoader(std::vector<Image>& images, const EvaluateOptions& options, Notes& notes);
 
     /// The number of a texture's image. Nothing when there is none; what a texture names and cannot
     /// have is noted once.
@@ -33,6 +33,8 @@ public:
 private:
     using Found = std::optional<std::uint32_t>;
 
+    /// The file that a scene names, if there is one under the root.
+    std::optional<io::Descriptor> open(const std::string& name) const;
     Found load(const std::string& name);
     Found decode(const QvTexture2& texture);
     Found add(Image image);
@@ -44,16 +46,13 @@ private:
     std::vector<Image>& images_;
     const EvaluateOptions& options_;
     Notes& notes_;
+    std::optional<io::Folder> root_; ///< None: no file is read.
+    std::filesystem::path folder_;   ///< Of the scene, without links.
     std::map<const QvTexture2*, Found> byTexture_;
     std::map<std::string, Found> byName_;
     std::uint64_t pixels_ = 0;
     std::uint64_t bytes_ = 0;
+    std::uint64_t mayStillRead_; ///< Bytes of files, whether they hold images or not.
 };
-
-/// The path of the file that a scene names, if it lies under the root, which no symbolic link leads
-/// out of; else nothing. The file need not be regular.
-std::optional<std::filesystem::path> pathUnderRoot(const std::string& name,
-                                                   const std::filesystem::path& folder,
-                                                   const std::filesystem::path& root);
 
 } // namespace meshcast::evaluate

@@ -17,7 +17,7 @@ MAY_INCLUDE = {
     "traverse": ["vrml"],
     "compat/geom": ["io"],
     "convert": ["vrml", "traverse", "compat/geom"],
-    "evaluate": ["vrml", "traverse"],
+    "evaluate": ["io", "vrml", "traverse"],
     "export": ["evaluate", "io"],
     "geom_stream": [],
     "driver": ["vrml", "convert", "compat/geom"],

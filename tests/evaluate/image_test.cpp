@@ -138,5 +138,23 @@ TEST_F(ImageFiles, AreLimited) {
     EXPECT_NE(listed("a.png").find("note"), std::string::npos);
 }
 
+// A scene can give one file any number of names, and name what never ends.
+TEST_F(ImageFiles, AreNotReadWithoutEnd) {
+    write("scene/a.png", kPng);
+    options_.limits.imageBytes = 2 * kPng.size();
+    std::string scene = "Separator {";
+    for (const char* const name : {"a.png", "./a.png", "././a.png", "none.png", "pipe"}) {
+        scene += std::string(" Texture2 { filename \"") + name + "\" } Cube { }";
+    }
+    ASSERT_EQ(mkfifo((top_ / "scene" / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(linesOf(evaluated(scene + " }", options_), {"image", "note"}),
+              "image 0: png \"a.png\" 1x1 alpha\n"
+              "image 1: png \"./a.png\" 1x1 alpha\n"
+              "note limit \"\": texture \"././a.png\" left out: the images have too many bytes\n"
+              "note missing \"\": texture \"none.png\" cannot be read from the folder of the "
+              "scene\n"
+              "note missing \"\": texture \"pipe\" cannot be read from the folder of the scene\n");
+}
+
 } // namespace
 } // namespace meshcast::evaluate

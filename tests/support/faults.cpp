@@ -70,7 +70,7 @@ void* operator new(std::size_t bytes) {
             return block;
         const std::new_handler handler = std::get_new_handler();
         if (handler == nullptr)
-            std::abort();
+            throw std::bad_alloc();
         handler();
     }
 }
