@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory_resource>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -85,10 +86,12 @@ private:
     std::optional<Found>& geometryOf(const MeshKey& key);
 
     Model& model_;
-    std::unordered_map<KeyPart, FirstUse> firstUses_;
+    // Nothing is taken out of the tables, so that their entries need not be freed one by one.
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_map<KeyPart, FirstUse> firstUses_{&memory_};
     std::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> meshes_;
     std::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> geometries_;
-    std::unordered_map<Material, std::uint32_t, MeshTableHash> materials_;
+    std::pmr::unordered_map<Material, std::uint32_t, MeshTableHash> materials_{&memory_};
 };
 
 } // namespace meshcast::evaluate

@@ -45,8 +45,9 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
     if (model.instances.empty()) {
         notes.push_back({evaluate::Note::Kind::kMissing, "the scene has no shapes", ""});
     }
-    const exporter::Exported exported =
-        exporter::exportModel(std::move(model), *line.format, {meshcast::stemOf(line.output)});
+    // Not taken apart either.
+    const exporter::Exported& exported = *new exporter::Exported(
+        exporter::exportModel(std::move(model), *line.format, {meshcast::stemOf(line.output)}));
     notes.insert(notes.end(), exported.notes.begin(), exported.notes.end());
     progress.clear();
     report.addNotes(notes);
