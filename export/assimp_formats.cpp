@@ -4,8 +4,7 @@ namespace meshcast::exporter {
 
 const std::vector<AssimpFormat>& assimpFormats() {
     // What each keeps was found by reading back what its writer wrote. Left out for what came back:
-    // binary FBX, which cannot be read again; 3D Studio, which lies on its side; binary PLY, whose
-    // colours do not fit its header.
+    // binary FBX, which cannot be read again, and 3D Studio, which lies on its side.
     static const std::vector<AssimpFormat> kFormats = {
         {.format = {"obj", "Wavefront OBJ, with its materials and images beside it"},
          .id = "obj",
@@ -15,8 +14,8 @@ const std::vector<AssimpFormat>& assimpFormats() {
          .hasVertexColors = true,
          .hasTextures = true,
          .hasWrapping = true},
-        {.format = {"ply", "Stanford PLY: triangles with colours"},
-         .id = "ply",
+        {.format = {"ply", "Stanford PLY, binary: triangles with colours"},
+         .id = "plyb",
          .hasPoints = true,
          .hasColors = true,
          .hasVertexColors = true,

@@ -1,5 +1,6 @@
 #include "evaluate/utf8.h"
 #include "export/assimp_formats.h"
+#include "export/assimp_mending.h"
 #include "export/assimp_scene.h"
 #include "export/image_files.h"
 #include "export/writers.h"
@@ -58,10 +59,14 @@ void noteLosses(Exported& exported, const Model& model, const AssimpScene& built
 }
 
 /// The files of a chain of blobs, the first of which is the main one.
-void addFiles(Exported& exported, const aiExportDataBlob& first) {
+void addFiles(Exported& exported, const aiExportDataBlob& first, const AssimpFormat& format) {
     for (const aiExportDataBlob* blob = &first; blob != nullptr; blob = blob->next) {
-        exported.files.push_back(fileOf(blob == &first ? "" : blob->name.C_Str(),
-                                        {static_cast<const char*>(blob->data), blob->size}));
+        std::string bytes(static_cast<const char*>(blob->data), blob->size);
+        if (blob == &first) {
+            mendFile(bytes, format.format.extension);
+        }
+        exported.files.push_back(
+            fileOf(blob == &first ? "" : blob->name.C_Str(), std::move(bytes)));
     }
 }
 
@@ -73,7 +78,7 @@ void exportToMemory(Exported& exported, Assimp::Exporter& exporter, const aiScen
     if (blob == nullptr) {
         exported.failure = exporter.GetErrorString();
     } else {
-        addFiles(exported, *blob);
+        addFiles(exported, *blob, format);
     }
 }
 

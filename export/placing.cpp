@@ -1,7 +1,9 @@
 #include "export/placing.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace meshcast::exporter {
 
@@ -27,9 +29,14 @@ Vector combined(const std::array<Vector, 3>& columns, const Vec3& factors) {
     return sum;
 }
 
+/// As floats, the largest of them where a component is too large.
 Vec3 narrowed(const Vector& vector) {
-    return {static_cast<float>(vector[0]), static_cast<float>(vector[1]),
-            static_cast<float>(vector[2])};
+    constexpr auto kLargest = static_cast<double>(std::numeric_limits<float>::max());
+    Vec3 result;
+    std::transform(vector.begin(), vector.end(), result.begin(), [kLargest](double component) {
+        return static_cast<float>(std::clamp(component, -kLargest, kLargest));
+    });
+    return result;
 }
 
 } // namespace

@@ -180,14 +180,25 @@ TEST(MeshFormats, HoldVertexColorsAsAScreenShowsThem) {
     model.instances.resize(2);
     model.instances[1].mesh = 1;
     const std::string ply = bytesOf(exportTo("ply", model).files[0]);
-    for (const char* const vertex :
-         {"\n0 0 0 0 0 1 255 0 0 255\n", "\n1 0 0 0 0 1 0 255 0 255\n",
-          "\n0 2 0 0 0 1 0 0 127 255\n", "\n0 2 0 0 0 1 0 0 255 255\n"}) {
-        EXPECT_THAT(ply, HasSubstr(vertex));
+    EXPECT_THAT(ply, HasSubstr("element vertex 6\n"));
+    constexpr std::size_t kVertex = 6 * sizeof(float) + 4;
+    std::string colors;
+    for (std::size_t i = 1; i <= 6; ++i) {
+        colors += ply.substr(ply.find("end_header\n") + 11 + i * kVertex - 4, 4);
     }
+    EXPECT_EQ(colors, std::string("\xFF\0\0\xFF\0\xFF\0\xFF\0\0\x80\xFF"
+                                  "\0\0\xFF\xFF\0\0\xFF\xFF\0\0\xFF\xFF",
+                                  24));
     const std::string obj = bytesOf(exportTo("obj", model).files[0]);
     EXPECT_THAT(obj, HasSubstr("v 1 0 0 0 1 0\n"));
     EXPECT_THAT(obj, HasSubstr("v 1 0 0 1 1 1\n")) << "blue comes from the material";
+}
+
+TEST(MeshFormats, AreTheSameBytesAtAnyTimeAndSeenFromBothSides) {
+    EXPECT_THAT(bytesOf(exportTo("dae", triangle()).files[0]),
+                HasSubstr("<modified>1970-01-01T00:00:00</modified>"));
+    EXPECT_THAT(bytesOf(exportTo("x3d", triangle()).files[0]),
+                HasSubstr("<IndexedFaceSet solid='false' coordIndex='0 1 2"));
 }
 
 TEST(MeshFormats, TellWhatTheyCannotHold) {

@@ -16,8 +16,8 @@
 namespace meshcast::exporter {
 namespace {
 
-// Colours by face and by corner, an image, solids, a mirror and a shear, lines and points. Faces that
-// are not convex and text are left out: GLU's tessellator, which cuts them, does not survive a
+// Colours by face and by corner, an image, solids, a mirror and a shear, lines and points. Faces
+// that are not convex and text are left out: GLU's tessellator, which cuts them, does not survive a
 // failure of some of its own allocations.
 const std::string kScene = R"(#VRML V1.0 ascii
 Separator {

@@ -2,6 +2,7 @@
 
 #include "evaluate/utf8.h"
 #include "export/json_writer.h"
+#include "export/placing.h"
 #include "io/files.h"
 #include "tidy/report.h"
 
@@ -14,31 +15,18 @@ namespace vrmlexport {
 
 using meshcast::evaluate::Geometry;
 using meshcast::evaluate::Instance;
-using meshcast::evaluate::Matrix;
 using meshcast::evaluate::Model;
 using meshcast::evaluate::Note;
 using meshcast::evaluate::Primitive;
 using meshcast::evaluate::Topology;
 using meshcast::evaluate::Vec3;
 using meshcast::exporter::JsonWriter;
+using meshcast::exporter::Placing;
 
 namespace {
 
-Vec3 placed(const Vec3& point, const Matrix& matrix) {
-    Vec3 result;
-    for (std::size_t row = 0; row < 3; ++row) {
-        double sum = matrix[12 + row];
-        for (std::size_t column = 0; column < 3; ++column) {
-            sum +=
-                static_cast<double>(matrix[4 * column + row]) * static_cast<double>(point[column]);
-        }
-        result[row] = static_cast<float>(sum);
-    }
-    return result;
-}
-
 void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& primitive,
-                  const Matrix& matrix) {
+                  const Placing& placing) {
     const Geometry& geometry = model.geometries[primitive.geometry];
     switch (geometry.topology) {
     case Topology::kTriangles:
@@ -53,7 +41,7 @@ void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& prim
     }
     const auto first = geometry.indices.begin() + primitive.firstIndex;
     std::for_each(first, first + primitive.indexCount, [&](std::uint32_t index) {
-        const Vec3 point = placed(geometry.positions[index], matrix);
+        const Vec3 point = placing.point(geometry.positions[index]);
         if (!counts.bounds) {
             counts.bounds = {point, point};
         }
@@ -105,8 +93,9 @@ ModelCounts countsOf(const Model& model) {
     counts.cameras = model.cameras.size();
     counts.lights = model.lights.size();
     for (const Instance& instance : model.instances) {
+        const Placing placing(instance.matrix);
         for (const Primitive& primitive : model.meshes[instance.mesh].primitives) {
-            addPrimitive(counts, model, primitive, instance.matrix);
+            addPrimitive(counts, model, primitive, placing);
         }
     }
     return counts;
