@@ -1,6 +1,7 @@
 #include "export/assimp_scene.h"
 
 #include "evaluate/color.h"
+#include "export/assimp_mesh.h"
 #include "export/placing.h"
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <assimp/scene.h>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -23,7 +23,6 @@ using evaluate::Model;
 using evaluate::Primitive;
 using evaluate::srgbFromLinear;
 using evaluate::Topology;
-using evaluate::Vec2;
 using evaluate::Vec3;
 
 namespace {
@@ -48,16 +47,6 @@ aiString nameOf(std::string_view name) {
     };
     std::replace_if(safe.begin(), safe.end(), isUnsafe, '_');
     return aiString(safe);
-}
-
-aiVector3D vectorOf(const Vec3& vector) { return {vector[0], vector[1], vector[2]}; }
-
-aiColor4D screenColor(const Color& color) {
-    return {srgbFromLinear(color[0]), srgbFromLinear(color[1]), srgbFromLinear(color[2]), color[3]};
-}
-
-aiColor3D screenColor(const Vec3& color) {
-    return {srgbFromLinear(color[0]), srgbFromLinear(color[1]), srgbFromLinear(color[2])};
 }
 
 std::unique_ptr<aiMaterial> materialOf(const Material& material, std::size_t number,
@@ -95,73 +84,6 @@ std::unique_ptr<aiMaterial> materialOf(const Material& material, std::size_t num
     return result;
 }
 
-/// The vertices and faces of a mesh, before it is known how many there are.
-class MeshDraft {
-public:
-    MeshDraft(const AssimpFormat& format, bool hasColors, bool hasUvs, bool hasNormals)
-        : format_(format), hasColors_(hasColors), hasUvs_(hasUvs), hasNormals_(hasNormals) {}
-
-    /// Adds the part of a mesh that a primitive is, at its place.
-    void add(const Model& model, const Primitive& primitive, const Placing& placing);
-    std::unique_ptr<aiMesh> finish(unsigned material, const aiString& name) const;
-    std::size_t vertexCount() const { return positions_.size(); }
-
-private:
-    const AssimpFormat& format_;
-    bool hasColors_, hasUvs_, hasNormals_;
-    std::vector<aiVector3D> positions_, normals_, uvs_;
-    std::vector<aiColor4D> colors_;
-    std::vector<unsigned> corners_;
-    std::vector<std::uint8_t> faceSizes_;
-    std::vector<std::uint32_t> vertexOf_; ///< The number here of each vertex of the geometry.
-};
-
-void MeshDraft::add(const Model& model, const Primitive& primitive, const Placing& placing) {
-    constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
-    const Geometry& geometry = model.geometries[primitive.geometry];
-    const Color& base = model.materials[primitive.material].baseColor;
-    vertexOf_.assign(geometry.positions.size(), kNone);
-    const auto cornerAt = [&](std::size_t index) {
-        const std::uint32_t vertex = geometry.indices[primitive.firstIndex + index];
-        if (vertexOf_[vertex] == kNone) {
-            vertexOf_[vertex] = static_cast<std::uint32_t>(positions_.size());
-            positions_.push_back(vectorOf(placing.point(geometry.positions[vertex])) *
-                                 format_.unitsPerMetre);
-            if (hasNormals_) {
-                normals_.push_back(geometry.normals.empty()
-                                       ? aiVector3D(0, 0, 0)
-                                       : vectorOf(placing.normal(geometry.normals[vertex])));
-            }
-            if (hasUvs_) {
-                const Vec2 uv = geometry.uvs.empty() ? Vec2{} : geometry.uvs[vertex];
-                uvs_.emplace_back(uv[0], uv[1], 0.0F);
-            }
-            if (hasColors_) {
-                Color color = format_.isMerged ? base : Color{1, 1, 1, 1};
-                for (std::size_t i = 0; i < 4 && !geometry.colors.empty(); ++i) {
-                    color[i] *= geometry.colors[vertex][i];
-                }
-                colors_.push_back(screenColor(color));
-            }
-        }
-        return vertexOf_[vertex];
-    };
-    const std::uint8_t size = geometry.topology == Topology::kTriangles ? 3
-                              : geometry.topology == Topology::kLines   ? 2
-                                                                        : 1;
-    for (std::size_t first = 0; first < primitive.indexCount; first += size) {
-        for (std::size_t i = 0; i < size; ++i) {
-            corners_.push_back(cornerAt(first + (placing.mirrors() ? size - 1 - i : i)));
-        }
-        // A point of a merged list is a vertex without a face.
-        if (size == 1 && format_.isMerged) {
-            corners_.pop_back();
-        } else {
-            faceSizes_.push_back(size);
-        }
-    }
-}
-
 /// The vertices that placed shapes have at most.
 std::uint64_t mostVertices(const Model& model) {
     std::uint64_t count = 0;
@@ -172,43 +94,6 @@ std::uint64_t mostVertices(const Model& model) {
         }
     }
     return count;
-}
-
-template <typename Item>
-Item* copied(const std::vector<Item>& items) {
-    if (items.empty()) {
-        return nullptr;
-    }
-    auto* const array = new Item[items.size()];
-    std::copy(items.begin(), items.end(), array);
-    return array;
-}
-
-std::unique_ptr<aiMesh> MeshDraft::finish(unsigned material, const aiString& name) const {
-    auto mesh = std::make_unique<aiMesh>();
-    mesh->mName = name;
-    mesh->mMaterialIndex = material;
-    mesh->mNumVertices = static_cast<unsigned>(positions_.size());
-    mesh->mVertices = copied(positions_);
-    mesh->mNormals = copied(normals_);
-    mesh->mTextureCoords[0] = copied(uvs_);
-    mesh->mNumUVComponents[0] = hasUvs_ ? 2 : 0;
-    mesh->mColors[0] = copied(colors_);
-    mesh->mFaces = new aiFace[faceSizes_.size()];
-    mesh->mNumFaces = static_cast<unsigned>(faceSizes_.size());
-    auto corner = corners_.begin();
-    for (std::size_t i = 0; i < faceSizes_.size(); ++i) {
-        aiFace& face = mesh->mFaces[i];
-        const unsigned size = faceSizes_[i];
-        face.mIndices = new unsigned[size];
-        face.mNumIndices = size;
-        std::copy_n(corner, size, face.mIndices);
-        corner += size;
-        mesh->mPrimitiveTypes |= size == 3   ? aiPrimitiveType_TRIANGLE
-                                 : size == 2 ? aiPrimitiveType_LINE
-                                             : aiPrimitiveType_POINT;
-    }
-    return mesh;
 }
 
 /// Builds the scene, shape by shape.
@@ -276,7 +161,8 @@ void SceneBuilder::addPrimitives() {
                 continue;
             }
             const Geometry& geometry = model_.geometries[primitive.geometry];
-            MeshDraft draft(format_, hasColors, !geometry.uvs.empty(), !geometry.normals.empty());
+            AssimpMeshDraft draft(format_, hasColors, !geometry.uvs.empty(),
+                                  !geometry.normals.empty());
             draft.add(model_, primitive, placing);
             meshes_.push_back(draft.finish(primitive.material, name));
             ++count;
@@ -291,8 +177,9 @@ void SceneBuilder::addMerged() {
     const auto hasNormals = [](const Geometry& geometry) {
         return geometry.topology != Topology::kTriangles || !geometry.normals.empty();
     };
-    MeshDraft draft(format_, format_.hasColors, false,
-                    std::all_of(model_.geometries.begin(), model_.geometries.end(), hasNormals));
+    AssimpMeshDraft draft(
+        format_, format_.hasColors, false,
+        std::all_of(model_.geometries.begin(), model_.geometries.end(), hasNormals));
     for (const Instance& instance : model_.instances) {
         const Placing placing(instance.matrix);
         for (const Primitive& primitive : model_.meshes[instance.mesh].primitives) {
