@@ -28,7 +28,7 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
     if (scene == nullptr) {
         return false;
     }
-    progress.begin("placing");
+    progress.begin(Step::kPlacing);
     evaluate::EvaluateOptions options;
     options.folder = meshcast::folderOf(line.scene);
     options.root = rootOf(line);
@@ -37,7 +37,7 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
     // Never taken apart: what it holds goes with the process.
     (void)scene.release();
 
-    progress.begin("writing");
+    progress.begin(Step::kWriting);
     if (!line.report.empty()) {
         report.addCounts(countsOf(model));
     }
@@ -55,7 +55,9 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
         report.fail(line.output + ": cannot be written: " + exported.failure);
         return false;
     }
+    progress.begin(Step::kWriting);
     const std::string failure = meshcast::writeExported(exported, line.output);
+    progress.clear();
     if (!failure.empty()) {
         report.fail(failure);
     }

@@ -1,5 +1,7 @@
 #include "tools/vrmlexport/progress.h"
 
+#include <array>
+#include <cstdio>
 #include <iostream>
 #include <string>
 #include <unistd.h>
@@ -11,52 +13,82 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kDelay(1000), kInterval(100);
-constexpr std::size_t kBarWidth = 40;
+constexpr int kBarWidth = 40;
+
+/// Where the bar stands when a step begins and ends, by how long the steps usually take.
+struct StepInfo {
+    std::string_view name;
+    double begin, end;
+};
+constexpr std::array<StepInfo, 5> kSteps = {{{"reading", 0, 0.3},
+                                             {"repairing", 0.1, 0.3},
+                                             {"reading", 0.3, 0.5},
+                                             {"placing", 0.5, 0.8},
+                                             {"writing", 0.8, 1}}};
 
 } // namespace
 
-Progress::Progress(bool isWanted)
-    : isShown_(isWanted && isatty(STDERR_FILENO) == 1), start_(steady_clock::now()) {}
+Progress::Progress(bool isWanted) : start_(steady_clock::now()) {
+    if (isWanted && isatty(STDERR_FILENO) == 1) {
+        drawer_ = std::thread(&Progress::drawAgainAndAgain, this);
+    }
+}
 
-Progress::~Progress() { clear(); }
+Progress::~Progress() {
+    clear();
+    {
+        const std::lock_guard lock(mutex_);
+        isOver_ = true;
+    }
+    changed_.notify_one();
+    if (drawer_.joinable()) {
+        drawer_.join();
+    }
+}
 
-void Progress::begin(std::string_view step) {
+void Progress::begin(Step step) {
     step_ = step;
-    latest_ = {};
-    advance(0, 0);
+    share_ = 0;
+    const std::lock_guard lock(mutex_);
+    isPaused_ = false;
 }
 
-void Progress::advance(std::size_t done, std::size_t all) {
-    if (!isShown_) {
-        return;
-    }
-    const auto now = steady_clock::now();
-    if (now - start_ >= kDelay && now - latest_ >= kInterval) {
-        latest_ = now;
-        draw(done, all);
-    }
-}
-
-void Progress::draw(std::size_t done, std::size_t all) {
-    std::string line = "\r\033[K";
-    line.append(step_);
-    if (all != 0) {
-        const double share = static_cast<double>(done) / static_cast<double>(all);
-        const auto width = static_cast<std::size_t>(share * kBarWidth);
-        line.append(" [").append(width, '#').append(kBarWidth - width, ' ').append("] ");
-        line.append(std::to_string(static_cast<int>(share * 100))).append(" %");
-    } else {
-        line.append(" ...");
-    }
-    std::cerr << line << std::flush;
-    isDrawn_ = true;
+void Progress::advance(std::uint64_t done, std::uint64_t all) {
+    share_ = all == 0 ? 0 : static_cast<double>(done) / static_cast<double>(all);
 }
 
 void Progress::clear() {
+    const std::lock_guard lock(mutex_);
+    isPaused_ = true;
     if (isDrawn_) {
         std::cerr << "\r\033[K" << std::flush;
         isDrawn_ = false;
     }
+}
+
+void Progress::drawAgainAndAgain() {
+    std::unique_lock lock(mutex_);
+    while (!changed_.wait_for(lock, kInterval, [this] { return isOver_; })) {
+        if (!isPaused_ && steady_clock::now() - start_ >= kDelay) {
+            draw();
+            isDrawn_ = true;
+        }
+    }
+}
+
+void Progress::draw() const {
+    const StepInfo& step = kSteps[static_cast<std::size_t>(step_.load())];
+    const double share = step.begin + share_ * (step.end - step.begin);
+    const auto width = static_cast<int>(share * kBarWidth);
+    const auto seconds =
+        std::chrono::duration_cast<std::chrono::seconds>(steady_clock::now() - start_).count();
+    std::array<char, 96> line{};
+    std::snprintf(line.data(), line.size(), "\r\033[K%-9s %3d:%02d [%s%s] %3d %%",
+                  std::string(step.name).c_str(), static_cast<int>(seconds / 60),
+                  static_cast<int>(seconds % 60), std::string(std::size_t(width), '#').c_str(),
+                  std::string(std::size_t(kBarWidth - width), ' ').c_str(),
+                  static_cast<int>(share * 100));
+    std::cerr << line.data() << std::flush;
 }
 
 } // namespace vrmlexport

@@ -1,13 +1,21 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
-#include <cstddef>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
 #include <string_view>
+#include <thread>
 
 namespace vrmlexport {
 
-/// A line on a terminal that says what is being done and how far it is, once work has taken a
-/// second. It is gone when the work is done.
+/// The work of an export, step by step. A scene that needs repair is read twice.
+enum class Step : std::uint8_t { kReading, kRepairing, kReadingAgain, kPlacing, kWriting };
+
+/// A line on a terminal with what is being done, a bar, and the time it has taken, once that is a
+/// second. A thread draws it, so that the clock goes on whatever a step does. It is gone when the
+/// work is done.
 class Progress {
 public:
     /// Shows nothing unless standard error is a terminal.
@@ -16,20 +24,23 @@ public:
     Progress& operator=(const Progress&) = delete;
     ~Progress();
 
-    /// Begins a step, such as "reading".
-    void begin(std::string_view step);
+    void begin(Step step);
     /// Tells how much of the step is done.
-    void advance(std::size_t done, std::size_t all);
-    /// Takes the line away, for other text to be written.
+    void advance(std::uint64_t done, std::uint64_t all);
+    /// Takes the line away until the next step begins, for other text to be written.
     void clear();
 
 private:
-    void draw(std::size_t done, std::size_t all);
+    void drawAgainAndAgain();
+    void draw() const;
 
-    bool isShown_;
-    bool isDrawn_ = false;
-    std::string_view step_;
-    std::chrono::steady_clock::time_point start_, latest_;
+    std::atomic<Step> step_ = Step::kReading;
+    std::atomic<double> share_ = 0; ///< Of the step.
+    std::chrono::steady_clock::time_point start_;
+    std::mutex mutex_; ///< Of what follows, and of the terminal's line.
+    std::condition_variable changed_;
+    bool isPaused_ = true, isDrawn_ = false, isOver_ = false;
+    std::thread drawer_; ///< None when nothing is shown.
 };
 
 } // namespace vrmlexport

@@ -106,7 +106,7 @@ std::unique_ptr<Scene> readGoodFile(const std::string& name, bool withInlines, P
 /// Reads a scene with the messages of the filter; null if it cannot be read in full.
 std::unique_ptr<Scene> readStrictly(const std::string& text, ExportReport& report,
                                     Progress& progress) {
-    progress.begin("reading");
+    progress.begin(Step::kReadingAgain);
     auto scene = std::make_unique<Scene>();
     meshcast::MemorySource bytes(text);
     WatchedSource source(bytes, text.size(), progress);
@@ -116,7 +116,7 @@ std::unique_ptr<Scene> readStrictly(const std::string& text, ExportReport& repor
 /// Repairs a scene; nothing if that cannot be done, which is reported.
 std::optional<std::string> repaired(std::string text, const CommandLine& line, ExportReport& report,
                                     Progress& progress) {
-    progress.begin("repairing");
+    progress.begin(Step::kRepairing);
     meshcast::tidy::Options options;
     options.path = meshcast::shownName(line.scene);
     options.report = [&report](const meshcast::tidy::Message& message) { report.add(message); };
@@ -145,7 +145,7 @@ std::optional<std::string> repaired(std::string text, const CommandLine& line, E
 std::unique_ptr<Scene> readInput(const CommandLine& line, ExportReport& report,
                                  Progress& progress) {
     const std::string shown = meshcast::shownName(line.scene);
-    progress.begin("reading");
+    progress.begin(Step::kReading);
     if (!line.isStrict) {
         if (auto scene = readGoodFile(line.scene, !line.withoutInlines, progress)) {
             return scene;
