@@ -29,7 +29,7 @@ MAY_INCLUDE = {
     "tools/scene_file": ["io", "tidy"],
     "tools/vrmlexport": ["io", "vrml", "tidy", "evaluate", "export",
                          "tools/export_output", "tools/scene_file"],
-    "tools/vrmltidy": ["io", "vrml", "tidy", "tools/scene_dump"],
+    "tools/vrmltidy": ["io", "vrml", "tidy", "tools/scene_dump", "tools/scene_file"],
     "bench": ["vrml", "compat/geom"],
 }
 EVERYTHING = ("tests", "fuzz")

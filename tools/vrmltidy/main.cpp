@@ -3,6 +3,7 @@
 #include "tidy/report.h"
 #include "tidy/tidy.h"
 #include "tools/scene_dump/scene_dump.h"
+#include "tools/scene_file/scene_file.h"
 #include "vrml/byte_source.h"
 #include "vrml/diagnostics.h"
 #include "vrml/scene.h"
@@ -11,14 +12,12 @@
 #include <CLI/CLI.hpp>
 
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <new>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 #include <variant>
 
@@ -30,7 +29,7 @@ enum ExitStatus { kConverted = 0, kNotRepaired = 1, kWrongUsage = 2 };
 
 struct CommandLine {
     std::string file = "-";
-    std::string output;
+    std::string output = "-";
     std::string root;
     bool dump = false;
     bool quiet = false;
@@ -38,82 +37,9 @@ struct CommandLine {
     bool inlines = false;
 };
 
-/// Lines for standard error, of which a bad scene can have a million: they are written in pieces.
-class Lines {
-public:
-    explicit Lines(bool areQuiet) : areQuiet_(areQuiet) {}
-    Lines(const Lines&) = delete;
-    Lines& operator=(const Lines&) = delete;
-    ~Lines() { flush(); }
-
-    void add(const tidy::Message& message) {
-        if (areQuiet_) {
-            return;
-        }
-        text_.append(message.file).append(":").append(std::to_string(message.line)).append(": ");
-        text_.append(message.what).append("\n");
-        if (text_.size() > kPieceSize) {
-            flush();
-        }
-    }
-    void addCount(const std::string& file, std::size_t repairs) {
-        if (!areQuiet_ && repairs != 0) {
-            text_.append(tidy::printable(file))
-                .append(": ")
-                .append(tidy::counted(repairs, "repair"))
-                .append("\n");
-        }
-        flush();
-    }
-
-private:
-    static constexpr std::size_t kPieceSize = std::size_t(64) * 1024;
-
-    void flush() {
-        std::cerr << text_ << std::flush;
-        text_.clear();
-    }
-
-    bool areQuiet_;
-    std::string text_;
-};
-
 ExitStatus fail(const std::string& file, const std::string& message) {
     std::cerr << "vrmltidy: " << tidy::printable(file) << ": " << message << '\n';
     return kNotRepaired;
-}
-
-/// The name of the folder outside of which no file is read.
-std::string rootOf(const CommandLine& line) {
-    if (!line.root.empty()) {
-        return line.root;
-    }
-    const std::string folder =
-        line.file == "-" ? "" : std::filesystem::path(line.file).parent_path().string();
-    return folder.empty() ? "." : folder;
-}
-
-/// All bytes of a file or, for "-", of standard input; or why they cannot be had.
-std::variant<std::string, std::string> read(const std::string& file) {
-    auto bytes = file == "-" ? meshcast::io::readWhole(STDIN_FILENO, tidy::kLargestScene)
-                             : meshcast::io::readFile(file, tidy::kLargestScene);
-    if (const auto* const error = std::get_if<std::error_code>(&bytes)) {
-        return std::variant<std::string, std::string>(
-            std::in_place_index<1>,
-            *error == std::errc::file_too_large
-                ? "is longer than " + std::to_string(tidy::kLargestScene) + " bytes"
-                : "cannot be read: " + error->message());
-    }
-    return std::variant<std::string, std::string>(std::in_place_index<0>,
-                                                  std::get<std::string>(std::move(bytes)));
-}
-
-std::error_code write(const std::string& file, const std::string& text) {
-    const auto writeText = [&text](int descriptor) {
-        return meshcast::io::writeAll(descriptor, text);
-    };
-    return file.empty() ? meshcast::io::writeStandardOutput(writeText)
-                        : meshcast::io::writeFile(file, writeText);
 }
 
 /// Reads a scene as the filter does and gives all its fields; nothing if it cannot be read, which
@@ -131,21 +57,22 @@ std::optional<std::string> dumped(const std::string& text) {
 }
 
 ExitStatus run(const CommandLine& line) {
-    const std::string shown = line.file == "-" ? "<stdin>" : line.file;
-    auto input = read(line.file);
+    const std::string shown = meshcast::shownName(line.file);
+    auto input = meshcast::readSceneFile(line.file);
     if (input.index() == 1) {
         return fail(shown, std::get<1>(input));
     }
 
     tidy::Options options;
     options.path = shown;
-    Lines lines(line.quiet);
+    meshcast::ReportLines lines(line.quiet);
     options.report = [&lines](const tidy::Message& message) { lines.add(message); };
     std::optional<tidy::FolderScenes> scenes;
     if (line.inlines) {
-        auto root = meshcast::io::Folder::open(rootOf(line));
+        const std::string name = line.root.empty() ? meshcast::folderOf(line.file) : line.root;
+        auto root = meshcast::io::Folder::open(name);
         if (const auto* const error = std::get_if<std::error_code>(&root)) {
-            return fail(rootOf(line), "cannot be used as a root: " + error->message());
+            return fail(name, "cannot be used as a root: " + error->message());
         }
         options.identity = tidy::fileIdentity(line.file);
         scenes.emplace(std::get<meshcast::io::Folder>(std::move(root)));
@@ -166,9 +93,11 @@ ExitStatus run(const CommandLine& line) {
             return fail(shown, "cannot be read in full");
         }
     }
-    const std::error_code error = write(line.output, *result.text);
+    const std::error_code error = meshcast::writeOutput(line.output, [&result](int descriptor) {
+        return meshcast::io::writeAll(descriptor, *result.text);
+    });
     if (error) {
-        return fail(line.output.empty() ? "standard output" : line.output,
+        return fail(line.output == "-" ? "standard output" : line.output,
                     "cannot be written: " + error.message());
     }
     return kConverted;
