@@ -17,6 +17,7 @@
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 #include <map>
+#include <memory_resource>
 #include <optional>
 #include <set>
 #include <string>
@@ -108,7 +109,8 @@ private:
     ArrayNumbers<9> textureMatrices_;
     ArrayNumbers<16> bakedMatrices_;
 
-    std::unordered_set<const QvNode*> shapesMet_;
+    std::pmr::monotonic_buffer_resource shapesMemory_; ///< A set that only grows needs no freeing.
+    std::pmr::unordered_set<const QvNode*> shapesMet_{&shapesMemory_};
     std::set<const QvSwitch*> switchesSearched_;
     std::set<const QvNode*> othersMet_; ///< Infos, inlines, and nodes of unknown classes.
     std::set<std::string> noted_;       ///< Inlines and classes that a note names.

@@ -86,11 +86,11 @@ private:
     std::optional<Found>& geometryOf(const MeshKey& key);
 
     Model& model_;
-    // Nothing is taken out of the tables, so that their entries need not be freed one by one.
+    /// Of the tables, which only grow: entries lie side by side, and are not freed one by one.
     std::pmr::monotonic_buffer_resource memory_;
     std::pmr::unordered_map<KeyPart, FirstUse> firstUses_{&memory_};
-    std::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> meshes_;
-    std::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> geometries_;
+    std::pmr::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> meshes_{&memory_};
+    std::pmr::unordered_map<MeshKey, std::optional<Found>, MeshTableHash> geometries_{&memory_};
     std::pmr::unordered_map<Material, std::uint32_t, MeshTableHash> materials_{&memory_};
 };
 
