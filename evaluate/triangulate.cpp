@@ -20,7 +20,7 @@ public:
         if (glu_ == nullptr) {
             throw std::bad_alloc();
         }
-        gluTessProperty(glu_, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO);
+        gluTessProperty(glu_.get(), GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO);
         setCallback<GLvoid (*)(void*, void*)>(GLU_TESS_VERTEX_DATA, takeVertex);
         setCallback<GLvoid (*)(GLdouble*, void**, GLfloat*, void**, void*)>(GLU_TESS_COMBINE_DATA,
                                                                             combine);
@@ -28,9 +28,9 @@ public:
         // Asked for edge flags, GLU yields triangles only, no fans and strips.
         setCallback<GLvoid (*)(GLboolean)>(GLU_TESS_EDGE_FLAG, [](GLboolean /*isEdge*/) {});
     }
+    ~Tessellator() = default;
     Tessellator(const Tessellator&) = delete;
     Tessellator& operator=(const Tessellator&) = delete;
-    ~Tessellator() { gluDeleteTess(glu_); }
 
     bool run(std::span<const glm::dvec3> corners, std::span<const std::uint32_t> counts,
              const glm::dvec3& normal, Triangulation& result) {
@@ -38,18 +38,18 @@ public:
         numbers_.clear();
         hasFailed_ = isOutOfMemory_ = false;
         firstMixed_ = static_cast<std::uint32_t>(corners.size());
-        gluTessNormal(glu_, normal.x, normal.y, normal.z);
-        gluTessBeginPolygon(glu_, this);
+        gluTessNormal(glu_.get(), normal.x, normal.y, normal.z);
+        gluTessBeginPolygon(glu_.get(), this);
         std::size_t next = 0;
         for (const std::uint32_t count : counts) {
-            gluTessBeginContour(glu_);
+            gluTessBeginContour(glu_.get());
             for (const std::size_t end = next + count; next < end; ++next) {
                 std::array<GLdouble, 3> at = {corners[next].x, corners[next].y, corners[next].z};
-                gluTessVertex(glu_, at.data(), numbered(static_cast<std::uint32_t>(next)));
+                gluTessVertex(glu_.get(), at.data(), numbered(static_cast<std::uint32_t>(next)));
             }
-            gluTessEndContour(glu_);
+            gluTessEndContour(glu_.get());
         }
-        gluTessEndPolygon(glu_);
+        gluTessEndPolygon(glu_.get());
         if (isOutOfMemory_) {
             throw std::bad_alloc();
         }
@@ -60,7 +60,7 @@ public:
 private:
     template <class Callback>
     void setCallback(GLenum which, Callback callback) {
-        gluTessCallback(glu_, which, reinterpret_cast<void (*)()>(callback));
+        gluTessCallback(glu_.get(), which, reinterpret_cast<void (*)()>(callback));
     }
 
     /// A place for a number that stays where it is.
@@ -111,7 +111,11 @@ private:
         tessellator.isOutOfMemory_ |= error == GLU_OUT_OF_MEMORY;
     }
 
-    GLUtesselator* glu_;
+    struct Delete {
+        void operator()(GLUtesselator* glu) const { gluDeleteTess(glu); }
+    };
+
+    std::unique_ptr<GLUtesselator, Delete> glu_;
     Triangulation result_;
     std::deque<std::uint32_t> numbers_;
     std::uint32_t firstMixed_ = 0;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <assimp/Importer.hpp>
 #include <assimp/scene.h>
 #include <cmath>
@@ -115,10 +116,9 @@ Contents readBack(const Exported& exported, std::string_view extension) {
 }
 
 std::vector<std::string> texts(const std::vector<evaluate::Note>& notes) {
-    std::vector<std::string> found;
-    for (const evaluate::Note& note : notes) {
-        found.push_back(note.text);
-    }
+    std::vector<std::string> found(notes.size());
+    std::transform(notes.begin(), notes.end(), found.begin(),
+                   [](const evaluate::Note& note) { return note.text; });
     return found;
 }
 

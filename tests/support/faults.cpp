@@ -77,6 +77,10 @@ void* operator new(std::size_t bytes) {
 
 void* operator new[](std::size_t bytes) { return operator new(bytes); }
 
+void* operator new(std::size_t bytes, const std::nothrow_t& /*tag*/) noexcept {
+    return std::malloc(std::max<std::size_t>(bytes, 1));
+}
+
 void operator delete(void* block) noexcept { std::free(block); }
 
 void operator delete[](void* block) noexcept { std::free(block); }
