@@ -48,7 +48,8 @@ struct Job {
     std::uint64_t bytesPut = 0;          ///< In the places of inlines.
     std::vector<std::string> openScenes; ///< The identities of those that stand one in the other.
     Coordinates coordinates;
-    std::uint64_t clock = 0; ///< Counts nodes that begin.
+    std::uint64_t clock = 0;    ///< Counts nodes that begin.
+    bool hasOpenPoints = false; ///< There is a point set without a number of points.
 };
 
 /// What a DEF name stands for at the place that has been reached.

@@ -30,7 +30,11 @@ void writePoints(Parse& parse, OpenNode& node) {
     const LeafFields& leaf = parse.leaf;
     const Coordinates& inForce = parse.job.coordinates;
     const std::int64_t count = inForce.count - leaf.startIndex;
-    if (leaf.hasNumPoints || leaf.startIndex < 0 || count <= 0) {
+    if (leaf.hasNumPoints || leaf.startIndex < 0) {
+        return;
+    }
+    parse.job.hasOpenPoints = true;
+    if (count <= 0) {
         return;
     }
     parse.edits.insertAt(node.fieldsEnd, " numPoints " + std::to_string(count) + " ",

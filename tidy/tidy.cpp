@@ -92,6 +92,64 @@ std::size_t report(const std::vector<Edit>& edits, Source& source, const Options
     return repairs;
 }
 
+/// Where the edited text has what stands at `offset` in the text before.
+class OriginalPlaces {
+public:
+    explicit OriginalPlaces(const std::vector<Edit>& edits) : edits_(edits) {}
+
+    /// For places of the edited text in their order.
+    std::size_t of(std::size_t edited) {
+        while (next_ < edits_.size() && edits_[next_].offset + grown_ < edited) {
+            const Edit& edit = edits_[next_++];
+            const std::size_t end = edit.offset + edit.replacement.size() + grown_;
+            if (edited < end) {
+                return edit.offset;
+            }
+            // Modulo 2^64, as all of this is.
+            grown_ += edit.replacement.size() - edit.length;
+        }
+        return edited - grown_;
+    }
+
+private:
+    const std::vector<Edit>& edits_;
+    std::size_t next_ = 0;
+    std::size_t grown_ = 0;
+};
+
+/// Goes through a repaired text once more, with nothing put in place. Only there it is certain
+/// which coordinates are in force for a point set: damage hides it, such as a `whichChild` after
+/// the children of its Switch. Reports with the lines of the text before; false when nothing
+/// changed.
+bool tidyAgain(std::string& text, const std::vector<Edit>& before, Source& source,
+               const Options& options, std::size_t& repairs) {
+    Options inPlace = options;
+    inPlace.inlines = nullptr;
+    Job job(inPlace);
+    job.mayStillRepeat = kLargestGrowth * text.size();
+    job.openScenes.push_back(options.identity);
+    const Preamble preamble = prepare(text);
+    const std::string_view whole = text;
+    Source repaired(job, whole, whole.substr(preamble.headerSize), options.path, nullptr);
+    Parse parse(repaired, repaired.body, whole);
+    parseText(parse);
+    std::vector<Edit> edits = parse.edits.finish();
+    const bool isEdited = std::any_of(edits.begin(), edits.end(),
+                                      [](const Edit& edit) { return edit.changesText(); });
+    if (!isEdited || !job.refusal.empty()) {
+        return false;
+    }
+    OriginalPlaces places(before);
+    std::string result = applyEdits(whole, edits);
+    for (Edit& edit : edits) {
+        edit.offset = std::min(places.of(edit.offset), source.file.size());
+        edit.line = 0;
+    }
+    repairs += report(edits, source, options);
+    text = std::move(result);
+    return true;
+}
+
 } // namespace
 
 Result tidy(std::string bytes, const Options& options) {
@@ -134,7 +192,14 @@ Result tidy(std::string bytes, const Options& options) {
     if (result.refusal.empty()) {
         const bool isEdited = std::any_of(edits.begin(), edits.end(),
                                           [](const Edit& edit) { return edit.changesText(); });
-        result.text = isEdited ? applyEdits(text, edits) : std::move(bytes);
+        if (!isEdited) {
+            result.text = std::move(bytes);
+        } else {
+            result.text = applyEdits(text, edits);
+            if (job.hasOpenPoints) {
+                tidyAgain(*result.text, edits, source, options, result.repairs);
+            }
+        }
     }
     return result;
 }
