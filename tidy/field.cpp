@@ -92,7 +92,16 @@ bool parseField(Parse& parse, const Field& known) {
     const std::string_view meant = parse.edits.edits().size() == count
                                        ? between(value, passed.end)
                                        : parse.edits.edits().back().replacement;
-    if (leavesPointsOpen(known, parse.owner(), meant)) {
+    std::string moved;
+    if (parse.source.parent != nullptr && parse.owner().namesImage && known.name == "filename") {
+        moved = imageNameFromOutside(parse.source, meant);
+    }
+    if (!moved.empty()) {
+        const std::vector<Edit> before = takeEditsFrom(parse, value);
+        const std::string message = "wrote the file " + quoted(meant) + " as " + quoted(moved);
+        parse.edits.replace(value, passed.end, moved, message);
+        parse.edits.quote(passed.end, before);
+    } else if (leavesPointsOpen(known, parse.owner(), meant)) {
         takeEditsFrom(parse, first); // The number is written when the node ends.
         parse.edits.drop(first, parse.at);
     } else {

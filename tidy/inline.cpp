@@ -2,6 +2,7 @@
 #include "tidy/preamble.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace meshcast::tidy {
@@ -34,13 +35,36 @@ void locate(Source& source, std::vector<Edit>& edits) {
     }
 }
 
+/// The folder of an inlined scene, as seen from that of the scene around all; empty when it is the
+/// same.
+std::filesystem::path folderFromOutside(const Source& source) {
+    const auto folderOf = [](const std::string& file) {
+        const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+        return (folder.empty() ? "." : folder).lexically_normal();
+    };
+    const std::filesystem::path folder =
+        folderOf(source.path).lexically_relative(folderOf(source.job.options.path));
+    return folder == "." ? std::filesystem::path() : folder;
+}
+
 } // namespace
+
+std::string imageNameFromOutside(const Source& source, std::string_view value) {
+    const std::string name = StringToken{value, value.starts_with('"'), true}.value();
+    // Absolute names and addresses mean the same everywhere. No quote may follow a backslash.
+    if (source.parent == nullptr || name.empty() || name.front() == '/' || name.front() == '\\' ||
+        name.back() == '\\' || name.find_first_of(":\"") != std::string::npos) {
+        return {};
+    }
+    const std::filesystem::path folder = folderFromOutside(source);
+    return folder.empty() ? "" : '"' + (folder / name).string() + '"';
+}
 
 void replaceInline(Parse& parse, const OpenNode& node) {
     Job& job = parse.job;
     const std::string name = parse.leaf.inlineName;
     const std::uint32_t line = parse.source.lineOf(node.classBegin);
-    const std::string shown = "WWWInline " + quoted(name);
+    const std::string shown = "WWWInline " + tidy::quoted(name);
     const auto leave = [&](const std::string& why) {
         const std::string message = "left " + shown + " as it is: " + why;
         parse.edits.quote(parse.at, {remark(job.store.keepMessage(message), line)});

@@ -39,6 +39,7 @@ NodeClass describe(const ClassInfo& info) {
     made.picksChild = info.name == QvSwitch::kClass.name ||
                       info.fields.data() == QvLevelOfDetail::kClass.fields.data();
     made.isInline = info.name == QvWWWInline::kClass.name;
+    made.namesImage = info.name == QvTexture2::kClass.name;
     made.setsCoordinates = info.name == QvCoordinate3::kClass.name;
     made.drawsPoints = info.name == QvPointSet::kClass.name;
     for (const FieldInfo& field : info.fields) {

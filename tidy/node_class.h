@@ -40,6 +40,7 @@ struct NodeClass {
     bool keepsItsState = false; ///< Coordinates inside it are not in force after it.
     bool picksChild = false;    ///< Shows children by their number.
     bool isInline = false;      ///< Names another scene.
+    bool namesImage = false;    ///< Shows the image of a file.
     bool setsCoordinates = false;
     bool drawsPoints = false; ///< Its number of points may be left out.
     std::vector<Field> fields;

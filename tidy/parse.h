@@ -220,5 +220,8 @@ void useScope(Parse& parse, const Definition& definition);
 // inline.cpp
 /// Puts the scene that an inline node names in its place, or leaves the node as it is and says why.
 void replaceInline(Parse& parse, const OpenNode& node);
+/// The value of a field that names an image beside an inlined scene, as it has to be in the folder
+/// of the scene around all; empty when it can stay.
+std::string imageNameFromOutside(const Source& source, std::string_view value);
 
 } // namespace meshcast::tidy

@@ -132,6 +132,13 @@ TEST_F(VrmlExport, PutsInlinedScenesInTheirPlacesFromTheRootOnly) {
     EXPECT_THAT(inside.err, HasSubstr("outside.wrl"));
     EXPECT_EQ(run("--root . world/main.wrl a.glb").status, 0);
     EXPECT_EQ(loaded(get("a.glb")).nodes.size(), 2U);
+    // An image is beside the scene that names it.
+    put("world/parts/textured.wrl",
+        kHeader + "Separator { Texture2 { filename dot.png } Cube { } }\n");
+    put("world/parts/dot.png", "no image");
+    put("world/more.wrl", kHeader + "Separator { WWWInline { name \"parts/textured.wrl\" } }\n");
+    EXPECT_THAT(run("world/more.wrl a.glb").err,
+                HasSubstr("\"parts/dot.png\" is an image of an unknown kind"));
     EXPECT_THAT(run("--no-inline world/main.wrl a.glb").err, HasSubstr("no shapes"));
     EXPECT_EQ(loaded(get("a.glb")).nodes.size(), 0U);
 }
