@@ -1,4 +1,5 @@
 #include "tests/export/files.h"
+#include "tests/support/glb.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +7,6 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <tiny_gltf.h>
 #include <vector>
 
 // What the writer makes of a model is read by another implementation of glTF.
@@ -23,21 +23,10 @@ using testing::ElementsAre;
 using testing::FloatEq;
 using testing::SizeIs;
 
-tinygltf::Model loaded(const std::string& bytes) {
-    tinygltf::TinyGLTF loader;
-    tinygltf::Model model;
-    std::string errors, warnings;
-    EXPECT_TRUE(loader.LoadBinaryFromMemory(&model, &errors, &warnings,
-                                            reinterpret_cast<const unsigned char*>(bytes.data()),
-                                            static_cast<unsigned>(bytes.size())));
-    EXPECT_EQ(errors + warnings, "");
-    return model;
-}
-
 tinygltf::Model exportedAndLoaded(Model model) {
     const Exported exported = exportTo("glb", std::move(model));
     EXPECT_THAT(exported.files, SizeIs(1));
-    return loaded(bytesOf(exported.files[0]));
+    return loadedGlb(bytesOf(exported.files[0]));
 }
 
 /// The elements of an accessor, all their components one after the other.

@@ -1,4 +1,5 @@
 #include "tests/driver/scene_files.h"
+#include "tests/support/glb.h"
 #include "tests/support/shell.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <tiny_gltf.h>
 #include <vector>
 
 // vrmlexport and `geomtool export` as processes: what they write, what they say, how they end.
@@ -49,17 +49,6 @@ protected:
 const std::string kHeader = "#VRML V1.0 ascii\n";
 const std::string kCube = kHeader + "Separator { Cube { } }\n";
 
-tinygltf::Model loaded(const std::string& bytes) {
-    tinygltf::TinyGLTF loader;
-    tinygltf::Model model;
-    std::string errors, warnings;
-    EXPECT_TRUE(loader.LoadBinaryFromMemory(&model, &errors, &warnings,
-                                            reinterpret_cast<const unsigned char*>(bytes.data()),
-                                            static_cast<unsigned>(bytes.size())));
-    EXPECT_EQ(errors + warnings, "");
-    return model;
-}
-
 TEST_F(VrmlExport, WritesWhatTheNameOrTheOptionSays) {
     put("cube.wrl", kCube);
     for (const char* const name :
@@ -76,7 +65,7 @@ TEST_F(VrmlExport, WritesWhatTheNameOrTheOptionSays) {
     EXPECT_EQ(get("-odd").size(), 84U + 12 * 50);
     EXPECT_TRUE(get("b.txt").starts_with("ply\n"));
     EXPECT_EQ(run("--format glb - - <cube.wrl").out, run("--format glb cube.wrl -").out);
-    EXPECT_EQ(loaded(run("--format glb - - <cube.wrl").out).scenes.at(0).name, "scene");
+    EXPECT_EQ(loadedGlb(run("--format glb - - <cube.wrl").out).scenes.at(0).name, "scene");
 }
 
 TEST_F(VrmlExport, SaysWhatIsWrongWithTheUsage) {
@@ -109,7 +98,7 @@ TEST_F(VrmlExport, RepairsUnlessItIsToBeStrict) {
     EXPECT_EQ(repaired.status, 0);
     EXPECT_THAT(repaired.err, HasSubstr("two.wrl:3: "));
     EXPECT_THAT(repaired.err, HasSubstr("repairs\n"));
-    EXPECT_EQ(loaded(get("a.glb")).nodes.size(), 2U);
+    EXPECT_EQ(loadedGlb(get("a.glb")).nodes.size(), 2U);
     EXPECT_EQ(run("--quiet two.wrl a.glb").err, "");
 
     put("bad.wrl", kHeader + "Separator { Cube { size 2 } }\n");
@@ -128,10 +117,10 @@ TEST_F(VrmlExport, PutsInlinedScenesInTheirPlacesFromTheRootOnly) {
     put("outside.wrl", kCube);
     const ShellOutcome inside = run("world/main.wrl a.glb");
     EXPECT_EQ(inside.status, 0);
-    EXPECT_EQ(loaded(get("a.glb")).nodes.size(), 1U) << inside.err;
+    EXPECT_EQ(loadedGlb(get("a.glb")).nodes.size(), 1U) << inside.err;
     EXPECT_THAT(inside.err, HasSubstr("outside.wrl"));
     EXPECT_EQ(run("--root . world/main.wrl a.glb").status, 0);
-    EXPECT_EQ(loaded(get("a.glb")).nodes.size(), 2U);
+    EXPECT_EQ(loadedGlb(get("a.glb")).nodes.size(), 2U);
     // An image is beside the scene that names it.
     put("world/parts/textured.wrl",
         kHeader + "Separator { Texture2 { filename dot.png } Cube { } }\n");
@@ -140,7 +129,7 @@ TEST_F(VrmlExport, PutsInlinedScenesInTheirPlacesFromTheRootOnly) {
     EXPECT_THAT(run("world/more.wrl a.glb").err,
                 HasSubstr("\"parts/dot.png\" is an image of an unknown kind"));
     EXPECT_THAT(run("--no-inline world/main.wrl a.glb").err, HasSubstr("no shapes"));
-    EXPECT_EQ(loaded(get("a.glb")).nodes.size(), 0U);
+    EXPECT_EQ(loadedGlb(get("a.glb")).nodes.size(), 0U);
 }
 
 TEST_F(VrmlExport, ReportsForProgramsToo) {
@@ -205,7 +194,7 @@ TEST_P(ExportedScenes, CanBeLoaded) {
         const auto nodes = counts["instances"].get<std::size_t>() +
                            counts["cameras"].get<std::size_t>() +
                            counts["lights"].get<std::size_t>();
-        EXPECT_EQ(loaded(glb.out).nodes.size(), nodes);
+        EXPECT_EQ(loadedGlb(glb.out).nodes.size(), nodes);
     } else {
         EXPECT_EQ(glb.out, "");
         EXPECT_THAT(glb.err, HasSubstr("vrmlexport: "));
@@ -214,7 +203,7 @@ TEST_P(ExportedScenes, CanBeLoaded) {
         runShell(MESHCAST " <" + scene + " 2>/dev/null | " GEOMTOOL " export --format glb - -",
                  testing::TempDir());
     EXPECT_EQ(stream.status, 0) << stream.err;
-    loaded(stream.out);
+    loadedGlb(stream.out);
 }
 
 TEST_F(VrmlExport, GeomtoolExportsObjectsAsTheStreamHasThem) {
@@ -226,7 +215,7 @@ TEST_F(VrmlExport, GeomtoolExportsObjectsAsTheStreamHasThem) {
     const ShellOutcome outcome = runShell(
         stream + GEOMTOOL " export - a.glb && " + stream + GEOMTOOL " export - a.obj", folder);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    const tinygltf::Model gltf = loaded(get("a.glb"));
+    const tinygltf::Model gltf = loadedGlb(get("a.glb"));
     std::vector<std::string> names;
     for (const auto& node : gltf.nodes) {
         names.push_back(node.name);
@@ -242,7 +231,7 @@ TEST_F(VrmlExport, GeomtoolExportsObjectsAsTheStreamHasThem) {
         runShell(stream + "head -c -10 | " GEOMTOOL " export - b.glb", folder);
     EXPECT_EQ(broken.status, 1);
     EXPECT_THAT(broken.err, HasSubstr("offset "));
-    EXPECT_EQ(loaded(get("b.glb")).nodes.size(), 3U) << "what comes before the break";
+    EXPECT_EQ(loadedGlb(get("b.glb")).nodes.size(), 3U) << "what comes before the break";
 }
 
 } // namespace
