@@ -36,14 +36,14 @@ StringToken nameAt(Parse& parse, const char* p, bool isDefinition) {
     const StringToken whole = lexer.string(p);
     const bool isKnown =
         whole.text.size() < kLongestBracedName &&
-        (isDefinition || parse.source.names.find(whole.text) != parse.source.names.end());
+        (isDefinition || parse.source.names.find(whole.nodeName()) != parse.source.names.end());
     return isKnown ? whole : name;
 }
 
 /// Names a node, and writes the name as it is to be: with quotes only where braces or blanks need
 /// them, and not as one of those that are taken.
 void writeName(Parse& parse, Beginning& beginning, const StringToken& name) {
-    beginning.name = name.value();
+    beginning.name = name.nodeName();
     beginning.writtenName = parse.source.nameToWrite(beginning.name);
     std::string message;
     if (beginning.writtenName.empty() && !name.isQuoted) {
@@ -161,7 +161,7 @@ std::string_view writtenName(Source& source, const StringToken& token) {
         return token.text;
     }
     if (source.mayStillCompare >= token.text.size()) {
-        if (source.names.find(token.text) != source.names.end()) {
+        if (source.names.find(token.nodeName()) != source.names.end()) {
             return token.text;
         }
         source.mayStillCompare -= token.text.size();
@@ -201,7 +201,7 @@ void parseUse(Parse& parse) {
     const StringToken token = nameAt(parse, parse.lexer.skipSpace(first + 3), false);
     const std::string_view written = writtenName(source, token);
     const std::string name =
-        written.size() == token.text.size() ? token.value() : std::string(written);
+        StringToken{written, token.isQuoted && written.size() == token.text.size()}.nodeName();
     const auto found = source.names.find(name);
     const char* const end = written.empty() ? first + 3 : written.data() + written.size();
     parse.at = end;

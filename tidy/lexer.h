@@ -17,6 +17,11 @@ inline std::string_view between(const char* first, const char* last) {
 struct StringToken {
     /// The text that the string stands for.
     std::string value() const;
+    /// The name that it is after DEF or USE: names end at their first zero byte.
+    std::string nodeName() const {
+        const std::string name = value();
+        return name.substr(0, name.find('\0'));
+    }
     /// What stands between the quotes, as written; of a word all of it.
     std::string_view inner() const;
     const char* end() const { return text.data() + text.size(); }

@@ -19,7 +19,7 @@ Source::Source(Job& sourceJob, std::string_view wholeFile, std::string_view scen
         return *known;
     };
     onDropped = [this](const StringToken& name, const char* definition) {
-        Definition& known = names[name.value()];
+        Definition& known = names[name.nodeName()];
         // A node of what is dropped that has been written elsewhere is still there.
         if (!known.isWritten || known.source != definition) {
             known = {};
