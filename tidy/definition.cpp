@@ -50,7 +50,7 @@ void writeName(Parse& parse, Beginning& beginning, const StringToken& name) {
         beginning.writtenName = inQuotes(name.text);
         message = "put quotes around the name " + quoted(beginning.name);
     }
-    const bool unquotes = name.isQuoted && isPlainName(beginning.name);
+    const bool unquotes = name.isQuoted && isPlainName(name.value());
     if (unquotes) {
         message = "took the name " + quoted(beginning.name) + " out of its quotes";
     } else if (beginning.writtenName.empty()) {
