@@ -29,7 +29,8 @@ Item* copied(const std::vector<Item>& items) {
 
 } // namespace
 
-void AssimpMeshDraft::add(const Model& model, const Primitive& primitive, const Placing& placing) {
+void AssimpMeshDraft::add(const Model& model, const Primitive& primitive,
+                          const evaluate::InstanceTransform& transform) {
     constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
     const Geometry& geometry = model.geometries[primitive.geometry];
     const Color& base = model.materials[primitive.material].baseColor;
@@ -38,12 +39,12 @@ void AssimpMeshDraft::add(const Model& model, const Primitive& primitive, const 
         const std::uint32_t vertex = geometry.indices[primitive.firstIndex + index];
         if (vertexOf_[vertex] == kNone) {
             vertexOf_[vertex] = static_cast<std::uint32_t>(positions_.size());
-            positions_.push_back(vectorOf(placing.point(geometry.positions[vertex])) *
+            positions_.push_back(vectorOf(transform.point(geometry.positions[vertex])) *
                                  format_.unitsPerMetre);
             if (hasNormals_) {
                 normals_.push_back(geometry.normals.empty()
                                        ? aiVector3D(0, 0, 0)
-                                       : vectorOf(placing.normal(geometry.normals[vertex])));
+                                       : vectorOf(transform.normal(geometry.normals[vertex])));
             }
             if (hasUvs_) {
                 const Vec2 uv = geometry.uvs.empty() ? Vec2{} : geometry.uvs[vertex];
@@ -64,7 +65,7 @@ void AssimpMeshDraft::add(const Model& model, const Primitive& primitive, const 
                                                                         : 1;
     for (std::size_t first = 0; first < primitive.indexCount; first += size) {
         for (std::size_t i = 0; i < size; ++i) {
-            corners_.push_back(cornerAt(first + (placing.mirrors() ? size - 1 - i : i)));
+            corners_.push_back(cornerAt(first + (transform.mirrors() ? size - 1 - i : i)));
         }
         // A point of a merged list is a vertex without a face.
         if (size == 1 && format_.isMerged) {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "evaluate/color.h"
+#include "evaluate/instance_transform.h"
 #include "evaluate/model.h"
 #include "export/assimp_formats.h"
-#include "export/placing.h"
 
 #include <assimp/mesh.h>
 #include <assimp/types.h>
@@ -33,7 +33,7 @@ public:
 
     /// Adds the part of a mesh that a primitive is, at its place.
     void add(const evaluate::Model& model, const evaluate::Primitive& primitive,
-             const Placing& placing);
+             const evaluate::InstanceTransform& transform);
     std::unique_ptr<aiMesh> finish(unsigned material, const aiString& name) const;
     std::size_t vertexCount() const { return positions_.size(); }
 

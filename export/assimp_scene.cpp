@@ -1,8 +1,8 @@
 #include "export/assimp_scene.h"
 
 #include "evaluate/color.h"
+#include "evaluate/instance_transform.h"
 #include "export/assimp_mesh.h"
-#include "export/placing.h"
 
 #include <algorithm>
 #include <assimp/material.h>
@@ -154,7 +154,7 @@ void SceneBuilder::addPrimitives() {
         const Instance& instance = model_.instances[number];
         const aiString name =
             nameOf(instance.name.empty() ? "shape_" + std::to_string(number + 1) : instance.name);
-        const Placing placing(instance.matrix);
+        const evaluate::InstanceTransform transform(instance.matrix);
         unsigned count = 0;
         for (const Primitive& primitive : model_.meshes[instance.mesh].primitives) {
             if (!isHeld(primitive)) {
@@ -163,7 +163,7 @@ void SceneBuilder::addPrimitives() {
             const Geometry& geometry = model_.geometries[primitive.geometry];
             AssimpMeshDraft draft(format_, hasColors, !geometry.uvs.empty(),
                                   !geometry.normals.empty());
-            draft.add(model_, primitive, placing);
+            draft.add(model_, primitive, transform);
             meshes_.push_back(draft.finish(primitive.material, name));
             ++count;
         }
@@ -181,10 +181,10 @@ void SceneBuilder::addMerged() {
         format_, format_.hasColors, false,
         std::all_of(model_.geometries.begin(), model_.geometries.end(), hasNormals));
     for (const Instance& instance : model_.instances) {
-        const Placing placing(instance.matrix);
+        const evaluate::InstanceTransform transform(instance.matrix);
         for (const Primitive& primitive : model_.meshes[instance.mesh].primitives) {
             if (isHeld(primitive)) {
-                draft.add(model_, primitive, placing);
+                draft.add(model_, primitive, transform);
             }
         }
     }

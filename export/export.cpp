@@ -13,6 +13,8 @@ const std::vector<Format>& formats() {
         std::vector<Format> formats = {
             {"glb", "glTF 2.0 in one binary file"},
             {"gltf", "glTF 2.0 as text, with its buffer and images beside it"},
+            {"html", "a page that shows the scene in a browser, in one file"},
+            {"png", "a picture"},
         };
         for (const AssimpFormat& format : assimpFormats()) {
             formats.push_back(format.format);
@@ -46,6 +48,12 @@ Exported exportModel(evaluate::Model&& model, const Format& format, const Option
         if (known.format.extension == format.extension) {
             return writeWithAssimp(std::move(model), known, options);
         }
+    }
+    if (format.extension == "png") {
+        return writePicture(std::move(model), options);
+    }
+    if (format.extension == "html") {
+        return writePage(std::move(model), options);
     }
     return writeGltf(std::move(model), format.extension == "glb", options);
 }

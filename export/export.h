@@ -1,6 +1,7 @@
 #pragma once
 
 #include "evaluate/model.h"
+#include "render/picture.h"
 
 #include <functional>
 #include <string>
@@ -28,6 +29,12 @@ struct Options {
     /// The name of the main file without its folder and extension. Files beside it are named after
     /// it, and it is the name of the scene in formats that have one.
     std::string name = "scene";
+    /// How large the picture of a "png" file is, and from where it is taken.
+    render::PictureOptions picture = {};
+    /// What an "html" page tells of how the scene was repaired and what was left out: JSON, as in
+    /// the report of vrmlexport. Called when the page is written. The page tells nothing without
+    /// it.
+    std::function<std::string()> report = {};
 };
 
 /// Where the bytes of a file go.

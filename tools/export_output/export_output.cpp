@@ -1,5 +1,6 @@
 #include "tools/export_output/export_output.h"
 
+#include "evaluate/utf8.h"
 #include "io/files.h"
 
 #include <filesystem>
@@ -7,6 +8,8 @@
 #include <system_error>
 
 namespace meshcast {
+
+using evaluate::Note;
 
 namespace {
 
@@ -48,6 +51,22 @@ private:
     std::error_code error_;
 };
 
+std::string_view kindName(Note::Kind kind) {
+    switch (kind) {
+    case Note::Kind::kDropped:
+        return "dropped";
+    case Note::Kind::kMissing:
+        return "missing";
+    case Note::Kind::kApproximated:
+        return "approximated";
+    case Note::Kind::kUnsupported:
+        return "unsupported";
+    case Note::Kind::kLimit:
+        return "limit";
+    }
+    return "";
+}
+
 } // namespace
 
 std::string formatsHelp() {
@@ -78,6 +97,16 @@ std::variant<const exporter::Format*, std::string> chooseFormat(const std::strin
 std::string stemOf(const std::string& output) {
     const std::string stem = std::filesystem::path(output).stem().string();
     return output == "-" || stem.empty() ? "scene" : stem;
+}
+
+void writeNotes(exporter::JsonWriter& json, const std::vector<Note>& notes) {
+    json.key("notes").beginArray();
+    for (const Note& note : notes) {
+        json.beginObject().member("kind", kindName(note.kind));
+        json.member("text", evaluate::toUtf8(note.text));
+        json.member("where", evaluate::toUtf8(note.where)).endObject();
+    }
+    json.endArray();
 }
 
 std::string writeExported(const exporter::Exported& exported, const std::string& output) {

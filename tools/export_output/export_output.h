@@ -1,9 +1,11 @@
 #pragma once
 
 #include "export/export.h"
+#include "export/json_writer.h"
 
 #include <string>
 #include <variant>
+#include <vector>
 
 // What programs that export have in common: the choice of a format, and the files.
 
@@ -19,6 +21,9 @@ std::variant<const exporter::Format*, std::string> chooseFormat(const std::strin
 
 /// The name of the output's file without its folder and extension.
 std::string stemOf(const std::string& output);
+
+/// Appends a member "notes" to an object: the kind, text and place of each note.
+void writeNotes(exporter::JsonWriter& json, const std::vector<evaluate::Note>& notes);
 
 /// Writes the files of an export: the main one under the name `output`, or to standard output for
 /// "-", and the others beside it. Each is written in one step, the main one last: whoever finds it

@@ -40,8 +40,16 @@ ExitStatus runExport(const ExportOptions& options) {
     }
     meshcast::evaluate::Model model = objects.finish();
     std::vector<Note> notes = std::move(model.notes);
+    const auto report = [&notes] {
+        std::string text;
+        meshcast::exporter::JsonWriter json(text);
+        json.beginObject();
+        meshcast::writeNotes(json, notes);
+        json.endObject();
+        return text;
+    };
     const meshcast::exporter::Exported exported = meshcast::exporter::exportModel(
-        std::move(model), *options.format, {meshcast::stemOf(options.output)});
+        std::move(model), *options.format, {meshcast::stemOf(options.output), {}, report});
     notes.insert(notes.end(), exported.notes.begin(), exported.notes.end());
     for (const Note& note : notes) {
         std::cerr << name << ": " << note.text << '\n';

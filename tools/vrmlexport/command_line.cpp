@@ -6,9 +6,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <variant>
 
 namespace vrmlexport {
@@ -22,6 +25,51 @@ std::string footer() {
            "\nWhat is repaired, approximated or left out is reported on standard error, a line "
            "each.\n"
            "Exit status: 0 written, 1 nothing could be written, 2 wrong usage.";
+}
+
+/// A number of pixels; nothing when it is not one, or too large.
+std::optional<std::uint32_t> pixelsOf(std::string_view text) {
+    std::uint32_t pixels = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, pixels);
+    const bool isGood = error == std::errc() && stop == end && pixels >= 1 &&
+                        pixels <= meshcast::render::kLargestSide;
+    return isGood ? std::optional(pixels) : std::nullopt;
+}
+
+/// Takes a size such as "1280x720". Says what is wrong otherwise, as option checks do.
+std::string takeSize(const std::string& text, meshcast::render::PictureOptions& picture) {
+    const std::size_t cross = text.find('x');
+    const auto width = pixelsOf(std::string_view(text).substr(0, cross));
+    const auto height = cross == std::string::npos
+                            ? std::nullopt
+                            : pixelsOf(std::string_view(text).substr(cross + 1));
+    if (!width || !height) {
+        return "--size: " + text + " is not WIDTHxHEIGHT, from 1 to " +
+               std::to_string(meshcast::render::kLargestSide) + " pixels each";
+    }
+    picture.width = *width;
+    picture.height = *height;
+    return {};
+}
+
+/// Takes a colour such as "#ffe0c0", or "transparent".
+std::string takeBackground(const std::string& text, meshcast::render::PictureOptions& picture) {
+    if (text == "transparent") {
+        picture.background.reset();
+        return {};
+    }
+    std::uint32_t color = 0;
+    const char* const end = text.data() + text.size();
+    const bool isLong = text.size() == 7 && text[0] == '#';
+    const auto [stop, error] = std::from_chars(isLong ? text.data() + 1 : end, end, color, 16);
+    if (error != std::errc() || stop != end) {
+        return "--background: " + text + " is neither transparent nor a colour such as #ffe0c0";
+    }
+    picture.background = {static_cast<std::uint8_t>(color >> 16U),
+                          static_cast<std::uint8_t>(color >> 8U & 0xFFU),
+                          static_cast<std::uint8_t>(color & 0xFFU)};
+    return {};
 }
 
 } // namespace
@@ -54,6 +102,19 @@ std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& l
                    "Draw spheres, cones and cylinders with this many segments around")
         ->check(CLI::Range(kFewestSegments, kMostSegments))
         ->capture_default_str();
+    std::string size;
+    app.add_option("--size", size,
+                   "The width and height of a picture in pixels; 1280x720 when absent")
+        ->type_name("WIDTHxHEIGHT");
+    app.add_option("--view", line.picture.view,
+                   "From where a picture is taken: fit, front, top, left, or a camera of the scene "
+                   "by its name or number")
+        ->capture_default_str();
+    std::string background;
+    app.add_option("--background", background,
+                   "What is behind the scene in a picture: a colour such as #ffe0c0, or "
+                   "transparent; white when absent")
+        ->type_name("COLOR");
     app.add_option("--report", line.report,
                    "Write what was done, and what was left out, to this file as JSON")
         ->type_name("FILE");
@@ -64,8 +125,16 @@ std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& l
     std::string wrong;
     try {
         app.parse(argc, argv);
+        if (!size.empty()) {
+            wrong = takeSize(size, line.picture);
+        }
+        if (wrong.empty() && !background.empty()) {
+            wrong = takeBackground(background, line.picture);
+        }
         const auto chosen = meshcast::chooseFormat(format, line.output);
-        if (const auto* const problem = std::get_if<std::string>(&chosen)) {
+        if (!wrong.empty()) {
+            // Said already.
+        } else if (const auto* const problem = std::get_if<std::string>(&chosen)) {
             wrong = *problem;
         } else {
             line.format = std::get<0>(chosen);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "export/export.h"
+#include "render/picture.h"
 
 #include <cstdint>
 #include <optional>
@@ -18,6 +19,7 @@ struct CommandLine {
     std::string root; ///< Empty: the folder of the scene.
     std::string report;
     std::uint32_t segments = 32;
+    meshcast::render::PictureOptions picture;
     bool isStrict = false;
     bool withoutInlines = false;
     bool isQuiet = false;

@@ -1,10 +1,10 @@
 #include "tools/vrmlexport/export_report.h"
 
+#include "evaluate/bounds.h"
 #include "evaluate/utf8.h"
-#include "export/json_writer.h"
-#include "export/placing.h"
 #include "io/files.h"
 #include "tidy/report.h"
+#include "tools/export_output/export_output.h"
 
 #include <algorithm>
 #include <iostream>
@@ -13,22 +13,18 @@
 
 namespace vrmlexport {
 
-using meshcast::evaluate::Geometry;
 using meshcast::evaluate::Instance;
 using meshcast::evaluate::Model;
 using meshcast::evaluate::Note;
 using meshcast::evaluate::Primitive;
 using meshcast::evaluate::Topology;
-using meshcast::evaluate::Vec3;
+using meshcast::evaluate::toUtf8;
 using meshcast::exporter::JsonWriter;
-using meshcast::exporter::Placing;
 
 namespace {
 
-void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& primitive,
-                  const Placing& placing) {
-    const Geometry& geometry = model.geometries[primitive.geometry];
-    switch (geometry.topology) {
+void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& primitive) {
+    switch (model.geometries[primitive.geometry].topology) {
     case Topology::kTriangles:
         counts.triangles += primitive.indexCount / 3;
         break;
@@ -39,34 +35,6 @@ void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& prim
         counts.points += primitive.indexCount;
         break;
     }
-    const auto first = geometry.indices.begin() + primitive.firstIndex;
-    std::for_each(first, first + primitive.indexCount, [&](std::uint32_t index) {
-        const Vec3 point = placing.point(geometry.positions[index]);
-        if (!counts.bounds) {
-            counts.bounds = {point, point};
-        }
-        auto& [lowest, highest] = *counts.bounds;
-        for (std::size_t i = 0; i < 3; ++i) {
-            lowest[i] = std::min(lowest[i], point[i]);
-            highest[i] = std::max(highest[i], point[i]);
-        }
-    });
-}
-
-std::string_view kindName(Note::Kind kind) {
-    switch (kind) {
-    case Note::Kind::kDropped:
-        return "dropped";
-    case Note::Kind::kMissing:
-        return "missing";
-    case Note::Kind::kApproximated:
-        return "approximated";
-    case Note::Kind::kUnsupported:
-        return "unsupported";
-    case Note::Kind::kLimit:
-        return "limit";
-    }
-    return "";
 }
 
 void writeCounts(JsonWriter& json, const ModelCounts& counts) {
@@ -93,11 +61,11 @@ ModelCounts countsOf(const Model& model) {
     counts.cameras = model.cameras.size();
     counts.lights = model.lights.size();
     for (const Instance& instance : model.instances) {
-        const Placing placing(instance.matrix);
         for (const Primitive& primitive : model.meshes[instance.mesh].primitives) {
-            addPrimitive(counts, model, primitive, placing);
+            addPrimitive(counts, model, primitive);
         }
     }
+    counts.bounds = meshcast::evaluate::boundsOf(model);
     return counts;
 }
 
@@ -141,17 +109,7 @@ void ExportReport::fail(const std::string& reason) {
     std::cerr << "vrmlexport: " << failure_ << '\n';
 }
 
-std::string ExportReport::json() const {
-    using meshcast::evaluate::toUtf8;
-    std::string text;
-    JsonWriter json(text);
-    json.breakLinesTo(2);
-    json.beginObject();
-    json.member("scene", toUtf8(line_.scene)).member("output", toUtf8(line_.output));
-    json.member("format", line_.format->extension).member("written", failure_.empty());
-    if (!failure_.empty()) {
-        json.member("failure", toUtf8(failure_));
-    }
+void ExportReport::writeLists(JsonWriter& json) const {
     json.key("repairs").beginArray();
     for (const Repair& repair : repairs_) {
         json.beginObject().member("file", toUtf8(repair.file)).member("line", repair.line);
@@ -161,12 +119,30 @@ std::string ExportReport::json() const {
     for (const std::string& message : texts_) {
         json.value(toUtf8(message));
     }
-    json.endArray().key("notes").beginArray();
-    for (const Note& note : notes_) {
-        json.beginObject().member("kind", kindName(note.kind)).member("text", toUtf8(note.text));
-        json.member("where", toUtf8(note.where)).endObject();
-    }
     json.endArray();
+    meshcast::writeNotes(json, notes_);
+}
+
+std::string ExportReport::pageJson() const {
+    std::string text;
+    JsonWriter json(text);
+    json.beginObject();
+    writeLists(json);
+    json.endObject();
+    return text;
+}
+
+std::string ExportReport::json() const {
+    std::string text;
+    JsonWriter json(text);
+    json.breakLinesTo(2);
+    json.beginObject();
+    json.member("scene", toUtf8(line_.scene)).member("output", toUtf8(line_.output));
+    json.member("format", line_.format->extension).member("written", failure_.empty());
+    if (!failure_.empty()) {
+        json.member("failure", toUtf8(failure_));
+    }
+    writeLists(json);
     if (counts_) {
         writeCounts(json, *counts_);
     }
@@ -175,7 +151,7 @@ std::string ExportReport::json() const {
 }
 
 bool ExportReport::write() {
-    if (!keeps()) {
+    if (line_.report.empty()) {
         return true;
     }
     const std::error_code error = meshcast::writeOutput(line_.report, [this](int descriptor) {

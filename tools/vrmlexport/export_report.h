@@ -1,6 +1,7 @@
 #pragma once
 
 #include "evaluate/model.h"
+#include "export/json_writer.h"
 #include "tidy/tidy.h"
 #include "tools/scene_file/scene_file.h"
 #include "tools/vrmlexport/command_line.h"
@@ -42,6 +43,8 @@ public:
     /// The reason why nothing is written, as FILE: WHAT. Never quiet.
     void fail(const std::string& reason);
 
+    /// What a page tells of the scene: repairs, messages and notes as a JSON object.
+    std::string pageJson() const;
     /// Writes the JSON file, if there is to be one. False, and a message, if that fails.
     bool write();
 
@@ -61,7 +64,8 @@ private:
     };
 
     std::string json() const;
-    bool keeps() const { return !line_.report.empty(); }
+    void writeLists(meshcast::exporter::JsonWriter& json) const;
+    bool keeps() const { return !line_.report.empty() || line_.format->extension == "html"; }
 
     const CommandLine& line_;
     meshcast::ReportLines lines_;

@@ -37,12 +37,12 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
         return false;
     }
     progress.begin(Step::kPlacing);
-    evaluate::EvaluateOptions options;
-    options.folder = meshcast::folderOf(line.scene);
-    options.root = rootOf(line);
-    options.segments = line.segments;
+    evaluate::EvaluateOptions evaluation;
+    evaluation.folder = meshcast::folderOf(line.scene);
+    evaluation.root = rootOf(line);
+    evaluation.segments = line.segments;
     evaluate::Model model = evaluate::evaluateScene(keptForGood<meshcast::Scene>(std::move(scene)),
-                                                    options, report.messages());
+                                                    evaluation, report.messages());
 
     progress.begin(Step::kWriting);
     if (!line.report.empty()) {
@@ -52,8 +52,10 @@ bool exportScene(const CommandLine& line, ExportReport& report, Progress& progre
     if (model.instances.empty()) {
         notes.push_back({evaluate::Note::Kind::kMissing, "the scene has no shapes", ""});
     }
+    const exporter::Options options = {meshcast::stemOf(line.output), line.picture,
+                                       [&report] { return report.pageJson(); }};
     const auto& exported = keptForGood<exporter::Exported>(std::make_unique<exporter::Exported>(
-        exporter::exportModel(std::move(model), *line.format, {meshcast::stemOf(line.output)})));
+        exporter::exportModel(std::move(model), *line.format, options)));
     notes.insert(notes.end(), exported.notes.begin(), exported.notes.end());
     progress.clear();
     report.addNotes(notes);

@@ -4,16 +4,16 @@
 
 #include <array>
 
-namespace meshcast::exporter {
+namespace meshcast::evaluate {
 
 /// Takes points and normals of a mesh to the place of an instance, computing in double.
-class Placing {
+class InstanceTransform {
 public:
-    explicit Placing(const evaluate::Matrix& matrix);
+    explicit InstanceTransform(const Matrix& matrix);
 
-    evaluate::Vec3 point(const evaluate::Vec3& point) const;
+    Vec3 point(const Vec3& point) const;
     /// By the inverse transpose, at length 1.
-    evaluate::Vec3 normal(const evaluate::Vec3& normal) const;
+    Vec3 normal(const Vec3& normal) const;
     /// Placed triangles turn clockwise: their corners have to be written in the other order.
     bool mirrors() const { return mirrors_; }
 
@@ -23,4 +23,4 @@ private:
     bool mirrors_;
 };
 
-} // namespace meshcast::exporter
+} // namespace meshcast::evaluate

@@ -1,13 +1,11 @@
-#include "export/placing.h"
+#include "evaluate/instance_transform.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
 
-namespace meshcast::exporter {
-
-using evaluate::Vec3;
+namespace meshcast::evaluate {
 
 namespace {
 
@@ -41,7 +39,7 @@ Vec3 narrowed(const Vector& vector) {
 
 } // namespace
 
-Placing::Placing(const evaluate::Matrix& matrix) {
+InstanceTransform::InstanceTransform(const Matrix& matrix) {
     const auto column = [&matrix](std::size_t i) {
         return Vector{static_cast<double>(matrix[4 * i]), static_cast<double>(matrix[4 * i + 1]),
                       static_cast<double>(matrix[4 * i + 2])};
@@ -54,7 +52,7 @@ Placing::Placing(const evaluate::Matrix& matrix) {
     mirrors_ = dot(columns_[0], cofactors_[0]) < 0;
 }
 
-Vec3 Placing::point(const Vec3& point) const {
+Vec3 InstanceTransform::point(const Vec3& point) const {
     Vector placed = combined(columns_, point);
     for (std::size_t i = 0; i < 3; ++i) {
         placed[i] += translation_[i];
@@ -62,7 +60,7 @@ Vec3 Placing::point(const Vec3& point) const {
     return narrowed(placed);
 }
 
-Vec3 Placing::normal(const Vec3& normal) const {
+Vec3 InstanceTransform::normal(const Vec3& normal) const {
     Vector placed = combined(cofactors_, normal);
     const double length = std::sqrt(dot(placed, placed)) * (mirrors_ ? -1 : 1);
     if (length == 0) {
@@ -74,4 +72,4 @@ Vec3 Placing::normal(const Vec3& normal) const {
     return narrowed(placed);
 }
 
-} // namespace meshcast::exporter
+} // namespace meshcast::evaluate

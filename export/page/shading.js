@@ -1,0 +1,61 @@
+// Makes three.js shade as vrmlexport's pictures do: the classical model, in linear light, shown as
+// sRGB to the letter.
+
+/** Replaces text in three.js' shaders; a library that has changed is an error, not another picture. */
+function replaceInShader(chunk, before, after) {
+  const shader = THREE.ShaderChunk[chunk];
+  if (shader.indexOf(before) < 0) throw new Error('three.js ' + THREE.REVISION + ' has other shaders than this page knows');
+  THREE.ShaderChunk[chunk] = shader.replace(before, after);
+}
+
+replaceInShader('encodings_pars_fragment', 'return vec4( pow( value.rgb, vec3( 1.0 / gammaFactor ) ), value.a );', 'return LinearTosRGB( clamp( value, 0.0, 1.0 ) );');
+replaceInShader('encodings_pars_fragment', 'vec4 LinearToGamma(', 'vec4 LinearTosRGB( in vec4 value );\nvec4 LinearToGamma(');
+replaceInShader('bsdfs', 'return ( 1.0 - specularColor ) * fresnel + specularColor;', 'return specularColor;');
+
+/** three.js leaves out the alpha of vertices; this brings it back. */
+function useVertexAlpha(shader) {
+  shader.vertexShader = 'attribute float vertexAlpha;\nvarying float shownAlpha;\n' + shader.vertexShader.replace('void main() {', 'void main() {\nshownAlpha = vertexAlpha;');
+  shader.fragmentShader = 'varying float shownAlpha;\n' + shader.fragmentShader.replace('#include <color_fragment>', '#include <color_fragment>\ndiffuseColor.a *= shownAlpha;');
+}
+
+function addVertexAlpha(geometry) {
+  const colors = geometry.getAttribute('color');
+  if (!colors || colors.itemSize !== 4) return false;
+  if (!geometry.getAttribute('vertexAlpha')) {
+    const alpha = new Float32Array(colors.count);
+    for (let i = 0; i < alpha.length; ++i) alpha[i] = colors.getW(i);
+    geometry.setAttribute('vertexAlpha', new THREE.BufferAttribute(alpha, 1));
+  }
+  return true;
+}
+
+/** The material of the classical model for one that GLTFLoader made. */
+function classicalMaterial(material) {
+  if (!material.isMeshStandardMaterial) return material;
+  const specular = (material.userData.gltfExtensions || {}).KHR_materials_specular || {};
+  const hasHighlight = specular.specularFactor !== 0;
+  return new THREE.MeshPhongMaterial({
+    color: material.color, opacity: material.opacity, transparent: material.transparent, side: material.side,
+    map: material.map, emissive: material.emissive, vertexColors: material.vertexColors, flatShading: material.flatShading,
+    specular: new THREE.Color().fromArray(hasHighlight ? specular.specularColorFactor || [1, 1, 1] : [0, 0, 0]),
+    shininess: 2 / Math.pow(material.roughness, 4) - 2,
+  });
+}
+
+/** Gives every object under `root` the material that shows it as the pictures do. */
+function shadeClassically(root) {
+  const made = new Map();
+  root.traverse((object) => {
+    if (!object.material) return;
+    const hasAlpha = addVertexAlpha(object.geometry);
+    const key = object.material.uuid + (hasAlpha ? 'alpha' : '');
+    if (!made.has(key)) {
+      const material = hasAlpha && !object.material.isMeshStandardMaterial ? object.material.clone() : classicalMaterial(object.material);
+      material.depthWrite = !material.transparent;
+      if (hasAlpha) material.onBeforeCompile = useVertexAlpha;
+      if (object.isPoints) material.size = 3;
+      made.set(key, material);
+    }
+    object.material = made.get(key);
+  });
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+// The files of export/page, which are parts of every page.
+
+namespace meshcast::exporter {
+
+extern const std::string_view kPageStyle;
+extern const std::string_view kPageBody;
+extern const std::string_view kPageScript;
+
+} // namespace meshcast::exporter
