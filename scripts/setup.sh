@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what meshcast needs on Debian 12 and is missing: run as root, or with sudo at hand.
 # Prints nothing and changes nothing when everything is there.
-#   scripts/setup.sh              what building, testing and the tools need
+#   scripts/setup.sh              what building and the tools need
+#   scripts/setup.sh --tests      besides, what the tests need, with a browser
 #   scripts/setup.sh --fuzz       besides, what fuzzing needs
 #   scripts/setup.sh --developer  besides, what the checks of CONTRIBUTING.md and the benchmarks need
 #   scripts/setup.sh --portability  besides, cross compilers and an emulator for scripts/portability.py
@@ -9,8 +10,13 @@ set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libsodium-dev libcli11-dev
 nlohmann-json3-dev zlib1g-dev libglm-dev libglu1-mesa-dev libfreetype-dev
-libfontconfig-dev libstb-dev libtinygltf-dev libassimp-dev libgtest-dev libgmock-dev parallel groff-base python3"
-[ $# -eq 0 ] || packages="$packages clang libclang-rt-14-dev"
+libfontconfig-dev libstb-dev libtinygltf-dev libassimp-dev libgtest-dev libgmock-dev parallel groff-base python3
+libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri libjs-three"
+if [ "${1:-}" = "--tests" ]; then
+    packages="$packages chromium chromium-driver python3-selenium python3-pil"
+elif [ $# -gt 0 ]; then
+    packages="$packages clang libclang-rt-14-dev"
+fi
 if [ "${1:-}" = "--developer" ]; then
     packages="$packages clang-format clang-tidy cppcheck shellcheck libbenchmark-dev valgrind git"
 fi

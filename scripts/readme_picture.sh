@@ -1,0 +1,6 @@
+#!/bin/sh
+# Draws the picture of the README again.
+set -eu
+cd "$(dirname "$0")/.."
+scripts/build.sh release vrmlexport
+build/release/tools/vrmlexport/vrmlexport --size 960x540 examples/house.wrl docs/house.png
