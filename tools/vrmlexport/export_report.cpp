@@ -40,7 +40,9 @@ void addPrimitive(ModelCounts& counts, const Model& model, const Primitive& prim
 void writeCounts(JsonWriter& json, const ModelCounts& counts) {
     json.key("counts").beginObject();
     json.member("meshes", counts.meshes).member("instances", counts.instances);
-    json.member("triangles", counts.triangles).member("lines", counts.lines);
+    json.member("vertices", counts.vertices)
+        .member("triangles", counts.triangles)
+        .member("lines", counts.lines);
     json.member("points", counts.points).member("materials", counts.materials);
     json.member("images", counts.images).member("cameras", counts.cameras);
     json.member("lights", counts.lights).endObject();
@@ -61,8 +63,14 @@ ModelCounts countsOf(const Model& model) {
     counts.cameras = model.cameras.size();
     counts.lights = model.lights.size();
     for (const Instance& instance : model.instances) {
+        const Primitive* last = nullptr;
         for (const Primitive& primitive : model.meshes[instance.mesh].primitives) {
             addPrimitive(counts, model, primitive);
+            // Primitives of one geometry follow each other and share its vertices.
+            if (last == nullptr || last->geometry != primitive.geometry) {
+                counts.vertices += model.geometries[primitive.geometry].positions.size();
+            }
+            last = &primitive;
         }
     }
     counts.bounds = meshcast::evaluate::boundsOf(model);

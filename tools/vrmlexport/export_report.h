@@ -19,7 +19,7 @@ namespace vrmlexport {
 /// What a model holds, in numbers. Meshes count as often as they are placed.
 struct ModelCounts {
     std::uint64_t meshes = 0, instances = 0, materials = 0, images = 0, cameras = 0, lights = 0;
-    std::uint64_t triangles = 0, lines = 0, points = 0;
+    std::uint64_t vertices = 0, triangles = 0, lines = 0, points = 0;
     /// The least and the greatest placed coordinates; none without instances.
     std::optional<std::array<meshcast::evaluate::Vec3, 2>> bounds;
 };
