@@ -3,19 +3,28 @@
 import json
 import os
 import pathlib
+import shlex
 import signal
 import subprocess
+import sys
 import tempfile
+
+from .job import ARGUMENTS_PER_SCENE
 
 _JOB = pathlib.Path(__file__).with_name("job.py")
 _FILTER_VARIABLES = ("KRA_GEOM_WRITE_V2", "KRA_GEOM_VERIFY", "KRA_GEOM_DEBUG")
+_MOST_PER_JOB, _FEWEST_JOBS = 16, 64
 _PATIENCE = 0.2  # Seconds between looks at the jobs.
 
 
-def _command(options):
-    """The command line of parallel. Rows and nothing else are to come on its standard output,
-    whatever the user has configured: --plain."""
-    words = ["parallel", "--plain", "--null", "--max-replace-args", "3"]
+def _command(options, scenes):
+    """The command line of parallel, for so many scenes. Rows and nothing else are to come on its
+    standard output, whatever the user has configured: --plain."""
+    # Starting Python takes longer than converting a small scene: of many, a job gets several. Their
+    # rows come one by one: --line-buffer.
+    per_job = max(1, min(_MOST_PER_JOB, scenes // _FEWEST_JOBS))
+    words = ["parallel", "--plain", "--null", "--line-buffer",
+             "--max-replace-args", str(ARGUMENTS_PER_SCENE * per_job)]
     if options.jobs:
         words += ["--jobs", options.jobs]
     for hosts in options.sshlogin:
@@ -24,19 +33,21 @@ def _command(options):
         words += ["--retries", "2"]  # What a machine did not take another one may.
         for name in ("BATCH_JOB", "BATCH_OPTIONS", *_FILTER_VARIABLES):
             words += ["--env", name]
-    # The program travels as a variable, so that other machines need nothing but Python.
-    return [*words, 'exec python3 -X utf8 -I -S -c "$BATCH_JOB" {1} {2} {3}']
+    # The program travels as a variable, so that other machines need nothing but Python. The first one
+    # on PATH may be a script that takes longer than a scene: here the one that runs this is taken.
+    python = "python3" if options.sshlogin else shlex.quote(sys.executable)
+    return [*words, f'exec {python} -X utf8 -I -S -c "$BATCH_JOB" {{}}']
 
 
 def run_jobs(options, job_options, names, journal, watch):
-    """Has the jobs append their rows to a journal. `names` are the arguments of all jobs, three for
-    each; `watch` is called again and again, and returns true when the run is to be broken off."""
+    """Has the jobs append their rows to a journal. `names` are the arguments of all jobs,
+    ARGUMENTS_PER_SCENE for each; `watch` is called again and again, and returns true when the run is to be broken off."""
     environment = dict(os.environ, LC_ALL="C", PARALLEL_SHELL="/bin/sh", BATCH_JOB=_JOB.read_text("utf-8"),
                        BATCH_OPTIONS=json.dumps(job_options))
     with tempfile.TemporaryFile() as listed, open(journal, "ab") as rows:
         listed.write(b"".join(os.fsencode(name) + b"\0" for name in names))
         listed.seek(0)
-        parallel = subprocess.Popen(_command(options), stdin=listed, stdout=rows, env=environment)
+        parallel = subprocess.Popen(_command(options, len(names) // ARGUMENTS_PER_SCENE), stdin=listed, stdout=rows, env=environment)
         while parallel.poll() is None:
             try:
                 parallel.wait(_PATIENCE)

@@ -1,6 +1,6 @@
-"""Converts one scene and prints its row. It needs no other file, since it may run on another machine.
+"""Converts scenes and prints their rows. It needs no other file, since it may run on another machine.
 
-Usage: job.py SCENE NAME EARLIER
+Usage: job.py {SCENE NAME EARLIER}...
 SCENE and NAME are relative to the folders in the variable BATCH_OPTIONS. NAME is what the scene's
 outputs are called without their endings, EARLIER the kinds that an earlier run has written, with
 commas between them.
@@ -23,6 +23,8 @@ import time
 
 # Of the table, in their order; table.py says what they are.
 COLUMNS = ("file", "status", "objects", "vertices", "polygons", "repairs", "seconds", "message", "outputs")
+
+ARGUMENTS_PER_SCENE = 3
 
 _SAID_SIZE = 4096  # Of a program's messages the first or the last of this many bytes.
 _DISTURBING = re.compile("[\\\\\0-\x1f\x7f-\x9f\u2028\u2029\ud800-\udfff]")
@@ -313,12 +315,13 @@ class Job:
 
 def main():
     options = json.loads(os.environ["BATCH_OPTIONS"])
-    scene, name, earlier = sys.argv[1:]
     os.environ["LC_ALL"] = "C"
     os.environ["PATH"] = options["programs"] + ":" + os.environ["PATH"]
-    job = Job(options, scene, name)
-    job.run(earlier)
-    print("\t".join(printable(str(job.row[column])) for column in COLUMNS), flush=True)
+    words = iter(sys.argv[1:])
+    for scene, name, earlier in zip(words, words, words):
+        job = Job(options, scene, name)
+        job.run(earlier)
+        print("\t".join(printable(str(job.row[column])) for column in COLUMNS), flush=True)
 
 
 if __name__ == "__main__":
