@@ -24,7 +24,7 @@ namespace {
 // Where Debian's libjs-three puts them. Each adds to the object THREE that the first one makes.
 constexpr std::array kLibraryFiles = {"build/three.min.js", "examples/js/loaders/GLTFLoader.js",
                                       "examples/js/controls/OrbitControls.js"};
-constexpr std::uint64_t kLargestLibraryFile = 16 * 1024 * 1024;
+constexpr std::uint64_t kLargestLibraryFile = std::uint64_t(16) * 1024 * 1024;
 constexpr std::string_view kLibraryLicence = R"(<!--
 three.js, its GLTFLoader and its OrbitControls: the MIT License.
 Copyright (c) 2010-2019 three.js authors

@@ -135,9 +135,11 @@ std::variant<Pixels, std::string> drawPicture(Model&& model, const PictureOption
             drawPart(painter, part, options, picture);
         }
     }
-    if (const GLenum error = glGetError(); error == GL_OUT_OF_MEMORY) {
+    const GLenum error = glGetError();
+    if (error == GL_OUT_OF_MEMORY) {
         return "the graphics driver is out of memory";
-    } else if (error != GL_NO_ERROR) {
+    }
+    if (error != GL_NO_ERROR) {
         return "the graphics driver reports error " + std::to_string(error);
     }
     if (!options.background) {
