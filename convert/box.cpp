@@ -51,7 +51,7 @@ constexpr std::array<float, 8> kFaceUvs = {0, 1, 1, 1, 1, 0, 0, 0};
 
 } // namespace
 
-void Converter::visit(const QvCube& shape, const QvState& state) {
+void Converter::convert(const QvCube& shape, const QvState& state) {
     const ShapeContext context(state);
     const std::array<float, 3> size = {shape.width.value, shape.height.value, shape.depth.value};
     std::array<float, kCorners.size()> corners{};

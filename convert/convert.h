@@ -3,6 +3,8 @@
 #include "compat/geom/geom.h"
 
 #include <array>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,6 +23,13 @@ public:
     /// the version and verification of the conversion's options.
     virtual void write(const GEOMobj& object) = 0;
 
+    /// Takes an object as write() does. A sink that can write the record again copies it to `room`,
+    /// which has GEOM_COPY_BYTES, and returns its size; 0 if it cannot, or the record is not
+    /// shorter.
+    virtual std::size_t writeAndCopy(const GEOMobj& object, std::span<unsigned char> room);
+    /// Writes such a copy.
+    virtual void writeCopy(std::span<const unsigned char> record);
+
     /// Takes text that is meant for standard output. Only textures produce such text.
     virtual void print(std::string_view text) = 0;
 };
@@ -32,6 +41,8 @@ class DescriptorSink final : public ObjectSink {
 public:
     explicit DescriptorSink(int descriptor) : descriptor_(descriptor) {}
     void write(const GEOMobj& object) override;
+    std::size_t writeAndCopy(const GEOMobj& object, std::span<unsigned char> room) override;
+    void writeCopy(std::span<const unsigned char> record) override;
     void print(std::string_view text) override;
 
 private:

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "convert/convert.h"
+#include "convert/record_cache.h"
 #include "convert/texture.h"
 #include "traverse/shape_visitor.h"
+#include "vrml/diagnostics.h"
 #include "vrml/fields.h"
 
 #include <cstdint>
@@ -28,13 +30,28 @@ enum class Normals : std::int8_t { kNone, kSmooth, kFacet };
 /// Half a length, computed in double and rounded to float.
 inline float half(float length) { return static_cast<float>(static_cast<double>(length) * 0.5); }
 
+/// Passes messages on and counts them.
+class CountedDiagnostics final : public Diagnostics {
+public:
+    explicit CountedDiagnostics(Diagnostics& diagnostics) : diagnostics_(diagnostics) {}
+
+    void report(const Diagnostic& diagnostic) override {
+        ++count_;
+        diagnostics_.report(diagnostic);
+    }
+    std::uint64_t count() const { return count_; }
+
+private:
+    Diagnostics& diagnostics_;
+    std::uint64_t count_ = 0;
+};
+
 /// The visitor that converts shapes into GEOM objects, one visitor per conversion. Each shape is
 /// converted in the file named after it; cubes and inlined scenes are in box.cpp, cones, cylinders
 /// and spheres in primitives.cpp.
 class Converter final : public ShapeVisitor {
 public:
-    Converter(ObjectSink& sink, Diagnostics& diagnostics, const ConvertOptions& options)
-        : sink_(sink), diagnostics_(diagnostics), options_(options), textures_(options.textures) {}
+    Converter(ObjectSink& sink, CountedDiagnostics& diagnostics, const ConvertOptions& options);
 
     void visit(const QvAsciiText& shape, const QvState& state) override;
     void visit(const QvCone& shape, const QvState& state) override;
@@ -56,6 +73,20 @@ public:
     std::optional<TextureUse> textureInForce(const QvState& state) const;
 
 private:
+    /// Writes the records of a shape again, if they are kept; otherwise converts it, and keeps them
+    /// if it has come before.
+    template <class Shape>
+    void convertOrRepeat(const Shape& shape, const QvState& state);
+    void convert(const QvCone& shape, const QvState& state);
+    void convert(const QvCube& shape, const QvState& state);
+    void convert(const QvCylinder& shape, const QvState& state);
+    void convert(const QvIndexedFaceSet& shape, const QvState& state);
+    void convert(const QvIndexedLineSet& shape, const QvState& state);
+    void convert(const QvPointSet& shape, const QvState& state);
+    void convert(const QvSphere& shape, const QvState& state);
+
+    /// Hands an object to the sink.
+    void write(const GEOMobj& object);
     /// Writes a polyhedron: `vertices` holds 3 floats per vertex, `polygons` the counts and 1-based
     /// indices of a polygon list with its closing 0, `uvs` 2 floats per vertex or nothing.
     void writePolyhedron(std::span<const float> vertices, std::span<const std::int32_t> polygons,
@@ -68,9 +99,15 @@ private:
     std::string_view fileName(const QvTexture2& texture) const;
 
     ObjectSink& sink_;
-    Diagnostics& diagnostics_;
+    CountedDiagnostics& diagnostics_;
     const ConvertOptions& options_;
     bool textures_;
+    /// Without textures, which print, and without checks and a trace, which say something each
+    /// time.
+    const bool mayRepeat_;
+    RecordCache cache_;
+    ShapeRecords records_;   ///< Of the shape that is being converted,
+    bool isKeeping_ = false; ///< if these are to be kept.
     bool sinesPrinted_ = false;
     std::set<const QvTexture2*> writtenImages_; ///< Textures whose image is a raw file.
 };

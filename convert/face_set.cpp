@@ -171,7 +171,7 @@ std::vector<float> Converter::textureCoordinates(const QvState& state,
     return uvs;
 }
 
-void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
+void Converter::convert(const QvIndexedFaceSet& shape, const QvState& state) {
     const ShapeContext context(state);
     const auto* const coordinates = state.coordinate3();
     if (coordinates == nullptr) {
@@ -216,7 +216,7 @@ void Converter::visit(const QvIndexedFaceSet& shape, const QvState& state) {
     if (!uvs.empty()) {
         GEOMadd_uvs(object.get(), uvs.data(), points.num, GEOM_COPY);
     }
-    sink_.write(*object);
+    write(*object);
 }
 
 } // namespace meshcast

@@ -54,7 +54,7 @@ void copyNamed(const QvMFieldOf<float, 3>& values, const QvMFLong& indices, std:
 
 } // namespace
 
-void Converter::visit(const QvIndexedLineSet& shape, const QvState& state) {
+void Converter::convert(const QvIndexedLineSet& shape, const QvState& state) {
     const ShapeContext context(state);
     const auto* const coordinates = state.coordinate3();
     if (coordinates == nullptr) {
@@ -98,7 +98,7 @@ void Converter::visit(const QvIndexedLineSet& shape, const QvState& state) {
         runStart = i + 1;
         length = 0;
     }
-    sink_.write(*object);
+    write(*object);
 }
 
 } // namespace meshcast

@@ -11,7 +11,7 @@ namespace meshcast {
 
 // A point set becomes a set of small spheres. Kept: the default number of points, -1, writes
 // nothing instead of all points.
-void Converter::visit(const QvPointSet& shape, const QvState& state) {
+void Converter::convert(const QvPointSet& shape, const QvState& state) {
     constexpr float kPointRadius = 0.01F;
 
     const ShapeContext context(state);
@@ -38,7 +38,7 @@ void Converter::visit(const QvPointSet& shape, const QvState& state) {
                          GEOM_COPY);
         GEOMadd_radii(object.get(), radii.data(), count, GEOM_COPY);
     }
-    sink_.write(*object);
+    write(*object);
 }
 
 } // namespace meshcast

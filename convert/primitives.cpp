@@ -174,7 +174,7 @@ void printSine(ObjectSink& sink, double sine) {
 
 } // namespace
 
-void Converter::visit(const QvCone& shape, const QvState& state) {
+void Converter::convert(const QvCone& shape, const QvState& state) {
     const ShapeContext context(state);
     const float top = half(shape.height.value);
     if (textureInForce(state)) {
@@ -195,7 +195,7 @@ void Converter::visit(const QvCone& shape, const QvState& state) {
     writePolyhedron(cone.vertices(), kConeSide, Normals::kSmooth);
 }
 
-void Converter::visit(const QvCylinder& shape, const QvState& state) {
+void Converter::convert(const QvCylinder& shape, const QvState& state) {
     const ShapeContext context(state);
     const float top = half(shape.height.value);
     if (textureInForce(state)) {
@@ -219,7 +219,7 @@ void Converter::visit(const QvCylinder& shape, const QvState& state) {
     writePolyhedron(cylinder.vertices(), kCylinderTop, Normals::kFacet);
 }
 
-void Converter::visit(const QvSphere& shape, const QvState& state) {
+void Converter::convert(const QvSphere& shape, const QvState& state) {
     constexpr std::size_t kColumns = 21;
     constexpr std::size_t kRows = 11;
     // Kept: not exactly pi / 10, one digit is wrong.
@@ -233,7 +233,7 @@ void Converter::visit(const QvSphere& shape, const QvState& state) {
         constexpr std::array<float, 3> kCenter{};
         const ObjectOwner object(GEOMcreate_sphere(kExtent.data(), kCenter.data(), &radius, nullptr,
                                                    nullptr, 1, GEOM_COPY));
-        sink_.write(*object);
+        write(*object);
         return;
     }
     std::array<float, kColumns> sine{};
@@ -261,7 +261,7 @@ void Converter::visit(const QvSphere& shape, const QvState& state) {
     const ObjectOwner object(
         GEOMcreate_mesh(kExtent.data(), vertices.data(), kColumns, kRows, GEOM_COPY));
     GEOMadd_uvs(object.get(), uvs.data(), kColumns * kRows, GEOM_COPY);
-    sink_.write(*object);
+    write(*object);
 }
 
 } // namespace meshcast

@@ -41,7 +41,7 @@ void Converter::visit(const QvAsciiText& shape, const QvState& state) {
     const ObjectOwner object(GEOMcreate_label(
         nullptr, GEOMlabel_flags(fontNumber, 0, 0, 0, alignment(shape.justification.value), 0)));
     GEOMadd_label(object.get(), shape.string.value.c_str(), kOrigin, kOrigin, kHeight, nullptr, -1);
-    sink_.write(*object);
+    write(*object);
 }
 
 } // namespace meshcast

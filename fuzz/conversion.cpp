@@ -127,11 +127,13 @@ struct Outcome {
     std::string messages;
 };
 
-/// Reads the scene in pieces of a size, and converts it unless that would take long.
-Outcome run(std::string_view text, std::size_t pieceSize, const ConvertOptions& options) {
+/// Reads the scene in pieces of a size, and converts it unless that would take long. What comes
+/// again is written from a copy, or converted again.
+Outcome run(std::string_view text, std::size_t pieceSize, bool takesCopies,
+            const ConvertOptions& options) {
     Scene scene;
     MemorySource source(text, pieceSize);
-    MemorySink sink;
+    MemorySink sink(takesCopies);
     MessageText messages;
     VrmlInput input(scene, source, messages);
     const bool isRead = readScene(input);
@@ -174,9 +176,9 @@ void convertAndCheck(std::string_view scene) {
     options.textures = (choice & 12) == 12;
     options.images.folder = imageFolder();
 
-    const Outcome atOnce = run(scene, std::string_view::npos, options);
+    const Outcome atOnce = run(scene, std::string_view::npos, true, options);
     options.version = GEOM_VERSION_RAW;
-    const Outcome inPieces = run(scene, choice / 16 % 40 + 1, options);
+    const Outcome inPieces = run(scene, choice / 16 % 40 + 1, false, options);
     compare(atOnce, inPieces);
 }
 

@@ -2,6 +2,7 @@
 
 #include "compat/geom/format.h"
 
+#include <cstddef>
 #include <cstdint>
 
 // The geometry object library. Objects are of five kinds. Add functions fill them, and each is
@@ -259,3 +260,14 @@ int GEOMcheck_obj(const GEOMobj* obj, int options, GEOMreporter reporter);
 // findings do not stop the write. If there is no memory for the stream, nothing is written and
 // nothing is reported.
 void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags);
+
+// Records that are shorter than this go to the descriptor in one write.
+inline constexpr std::size_t GEOM_COPY_BYTES = 8192;
+
+// Writes the object as GEOMwrite_obj() does, without flags. If its record is shorter than
+// GEOM_COPY_BYTES, copies it to `copy`, which has room for so many, and returns its size; 0
+// otherwise.
+std::size_t GEOMwrite_obj_and_copy(const GEOMobj* obj, int fd, unsigned char* copy);
+
+// Writes such a copy, in the same way as the record was written.
+void GEOMwrite_copy(const unsigned char* record, std::size_t size, int fd);

@@ -27,22 +27,11 @@ constexpr std::size_t kXdrUnit = BYTES_PER_XDR_UNIT;
 
 // ---- The descriptor
 
-// Writes all n bytes, in as many calls as it takes. Returns n, or the first result below 1.
-std::int64_t write_piece(int fd, const unsigned char* bytes, std::size_t n) {
-    std::size_t done = 0;
-    while (done < n) {
-        const ssize_t result = meshcast::io::writeSome(fd, bytes + done, n - done);
-        if (result < 1)
-            return result;
-        done += static_cast<std::size_t>(result);
-    }
-    return static_cast<std::int64_t>(n);
-}
-
 std::int64_t flush(GEOMstream& stream) {
     const std::size_t fill = stream.write_fill;
     stream.write_fill = 0;
-    return write_piece(stream.fd, stream.write_buffer.data(), fill);
+    stream.has_written = true;
+    return geom::write_piece(stream.fd, stream.write_buffer.data(), fill);
 }
 
 // Counts n bytes that were stored after the fill position, for which there was room. Writes the
@@ -209,6 +198,17 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
 
 } // namespace
 
+std::int64_t geom::write_piece(int fd, const unsigned char* bytes, std::size_t n) {
+    std::size_t done = 0;
+    while (done < n) {
+        const ssize_t result = meshcast::io::writeSome(fd, bytes + done, n - done);
+        if (result < 1)
+            return result;
+        done += static_cast<std::size_t>(result);
+    }
+    return static_cast<std::int64_t>(n);
+}
+
 GEOMstream* geom::create_stream(int fd) {
     void* const memory = geom::try_allocate(sizeof(GEOMstream));
     if (memory == nullptr)
@@ -218,6 +218,7 @@ GEOMstream* geom::create_stream(int fd) {
     auto* const stream = new (memory) GEOMstream;
     stream->fd = fd;
     stream->write_fill = 0;
+    stream->has_written = false;
     stream->read_position = 0;
     stream->read_fill = 0;
     stream->sink = GEOMstream_write;

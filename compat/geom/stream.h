@@ -1,5 +1,7 @@
 #pragma once
 
+#include "compat/geom/geom.h"
+
 #include <rpc/xdr.h>
 
 #include <array>
@@ -10,7 +12,7 @@
 // and text into it.
 
 // Bytes per piece: the descriptor is written in pieces of this size, the last one at close.
-inline constexpr std::size_t GEOM_PIECE_BYTES = 8192;
+inline constexpr std::size_t GEOM_PIECE_BYTES = GEOM_COPY_BYTES;
 
 struct GEOMstream;
 
@@ -21,6 +23,7 @@ struct GEOMstream {
     int fd;
     std::array<unsigned char, GEOM_PIECE_BYTES> write_buffer;
     std::size_t write_fill;
+    bool has_written; // some piece
     std::array<unsigned char, GEOM_PIECE_BYTES> read_buffer;
     std::size_t read_position;
     std::size_t read_fill;
@@ -42,6 +45,10 @@ namespace geom {
 
 // Opens a stream on `fd`, with the sink GEOMstream_write(). Null when there is no memory for it.
 GEOMstream* create_stream(int fd);
+
+// Writes n bytes to a descriptor, in as many calls as it takes. Returns n, or the first result of a
+// write below 1.
+std::int64_t write_piece(int fd, const unsigned char* bytes, std::size_t n);
 
 // Writes the buffered bytes, seeks the descriptor back over bytes that were read ahead, and frees
 // the stream. The descriptor stays open.

@@ -314,3 +314,18 @@ void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags) {
     if (trace)
         std::printf("return from GEOMwrite_obj\n\n");
 }
+
+std::size_t GEOMwrite_obj_and_copy(const GEOMobj* obj, int fd, unsigned char* copy) {
+    GEOMstream* const stream = geom::create_stream(fd);
+    if (stream == nullptr)
+        return 0; // nothing is written, as by GEOMwrite_obj()
+    GEOMserialize_obj(GEOMstream_write, obj, stream, 0, geom::record_version());
+    const std::size_t size = stream->has_written ? 0 : stream->write_fill;
+    std::copy_n(stream->write_buffer.data(), size, copy);
+    geom::close_stream(stream);
+    return size;
+}
+
+void GEOMwrite_copy(const unsigned char* record, std::size_t size, int fd) {
+    geom::write_piece(fd, record, size);
+}

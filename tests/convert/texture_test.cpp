@@ -137,7 +137,8 @@ TEST_F(Textures, InlineImagesBecomeRawFiles) {
         const ReadScene scene("Texture2 { filename \"x\" image 1 1 1 0 wrapT CLAMP }");
         MemorySink sink;
         MessageText messages;
-        Converter converter(sink, messages, options_);
+        CountedDiagnostics counted(messages);
+        Converter converter(sink, counted, options_);
         QvState state(converter, messages);
         scene.scene.root->traverse(state);
         return converter.textureInForce(state);

@@ -3,6 +3,8 @@
 #include "convert/convert.h"
 #include "vrml/diagnostics.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <sys/mman.h>
@@ -13,10 +15,21 @@ namespace meshcast {
 /// Keeps the records of a conversion, in a file in memory, and the text that comes with them.
 class MemorySink final : public ObjectSink {
 public:
-    MemorySink() : file_(memfd_create("records", 0)) {}
+    /// Takes records again as the filter's sink does, if it is to: shapes that come again are then
+    /// not converted again.
+    explicit MemorySink(bool takesCopies = true)
+        : file_(memfd_create("records", 0)), takesCopies_(takesCopies) {}
     ~MemorySink() override { close(file_); }
 
     void write(const GEOMobj& object) override { GEOMwrite_obj(&object, file_, 0); }
+    std::size_t writeAndCopy(const GEOMobj& object, std::span<unsigned char> room) override {
+        return takesCopies_ ? GEOMwrite_obj_and_copy(&object, file_, room.data())
+                            : ObjectSink::writeAndCopy(object, room);
+    }
+    void writeCopy(std::span<const unsigned char> record) override {
+        ++copies;
+        GEOMwrite_copy(record.data(), record.size(), file_);
+    }
     void print(std::string_view text) override { printed.append(text); }
 
     /// All records so far.
@@ -27,9 +40,11 @@ public:
     }
 
     std::string printed;
+    std::size_t copies = 0; ///< How many records were taken again.
 
 private:
     int file_;
+    bool takesCopies_;
 };
 
 /// Keeps messages in the filter's words.
