@@ -10,7 +10,7 @@
 
 namespace meshcast {
 
-/// Keeps the records of a conversion, in a file in memory, and the text that comes with them.
+/// Collects the records of a conversion in a file in memory, and its printed text.
 class MemorySink final : public ObjectSink {
 public:
     MemorySink() : file_(memfd_create("records", 0)) {}
@@ -32,7 +32,7 @@ private:
     int file_;
 };
 
-/// Keeps messages in the filter's words.
+/// Collects messages as the filter prints them.
 class MessageText final : public Diagnostics {
 public:
     void report(const Diagnostic& diagnostic) override { text += messageText(diagnostic); }

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 
 const std::string kHeaderLine = "#VRML V1.0 ascii\n";
 
-/// Scenes in memory, which count how often they are asked for.
+/// Scenes in memory. Counts how often they are opened.
 class MemoryScenes final : public InlineSource {
 public:
     std::shared_ptr<const Scene> open(const std::string& name, const std::string&) override {
