@@ -6,9 +6,9 @@
 
 namespace meshcast::evaluate {
 
-/// The texture coordinates of a face set that brings none: s runs from 0 to 1 along the longest
-/// side of the bounding box, t from 0 along the second longest in the same scale. Of sides of one
-/// length X comes before Y, and Y before Z.
+/// Default texture coordinates, for face sets without their own: s runs from 0 to 1 along the
+/// longest side of the bounding box, t from 0 along the second longest at the same scale. Between
+/// sides of equal length, X is chosen before Y, and Y before Z.
 class BoxMapping {
 public:
     BoxMapping(const Vec3& low, const Vec3& high);

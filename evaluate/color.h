@@ -23,7 +23,7 @@ inline Vec3 linearFromSrgb(const Vec3& screen) {
     return {linearFromSrgb(screen[0]), linearFromSrgb(screen[1]), linearFromSrgb(screen[2])};
 }
 
-/// Between 0 and 1; what is no number becomes 0.
+/// Clamps a value to 0 to 1; NaN becomes 0.
 inline float clampToUnit(float value) { return value > 0 ? std::min(value, 1.0F) : 0.0F; }
 
 } // namespace meshcast::evaluate

@@ -12,8 +12,8 @@ namespace {
 /// Twice the area of the triangle between two edges: positive when the second turns left.
 double turn(const glm::dvec2& a, const glm::dvec2& b) { return a.x * b.y - a.y * b.x; }
 
-// What turns right by less than this, as the sine of the angle, is straight: coordinates with six
-// digits put corners on an edge no better.
+// A right turn whose angle has a smaller sine counts as straight: coordinates with six digits are
+// no more accurate.
 constexpr double kStraight = 1e-6;
 
 struct Edge {
@@ -47,7 +47,8 @@ bool isConvex(std::span<const glm::dvec3> corners, const PlaneView& view) {
     for (std::size_t i = count - 1; i > 0 && edge == glm::dvec2{}; --i) {
         edge = at - view.of(corners[i - 1]);
     }
-    // A direction that turns left only, once around, changes between left and right twice.
+    // A closed path that only turns left, once around, changes its horizontal direction exactly
+    // twice.
     int changes = 0;
     bool goesRight = edge.x > 0 || (edge.x == 0 && edge.y < 0);
     for (const glm::dvec3& corner : corners) {

@@ -7,8 +7,8 @@
 
 namespace meshcast::evaluate {
 
-/// Shows corners as the plane of a face has them: the axis that the normal is nearest to is left
-/// out, and what turns counterclockwise about the normal does so in the plane.
+/// Projects the corners of a face to 2D by dropping the coordinate where the normal is largest.
+/// Keeps the winding: counterclockwise about the normal stays counterclockwise in 2D.
 class PlaneView {
 public:
     explicit PlaneView(const glm::dvec3& normal);
@@ -23,12 +23,12 @@ private:
     double sign_ = 1;
 };
 
-/// Whether a fan around any corner covers the face: it turns left at each corner, once around.
-/// Corners may coincide and may lie on an edge.
+/// Whether a face is convex, so that a fan around any corner covers it: it never turns right and
+/// goes around once. Corners may coincide or be collinear.
 bool isConvex(std::span<const glm::dvec3> corners, const PlaneView& view);
 
-/// The number of pairs of edges of a face that cross inside both of them, counted up to `limit`.
-/// Takes time with the square of the number of corners.
+/// The number of pairs of edges of a face that cross in their interiors, counted up to `limit`.
+/// Takes time quadratic in the number of corners.
 std::size_t countCrossings(std::span<const glm::dvec3> corners, const PlaneView& view,
                            std::size_t limit);
 

@@ -14,7 +14,7 @@ class Scene;
 
 namespace meshcast::evaluate {
 
-/// What a text asks of its font.
+/// The font that a text asks for.
 struct FontRequest {
     enum class Family : std::uint8_t { kSerif, kSans, kTypewriter };
 
@@ -24,50 +24,50 @@ struct FontRequest {
     auto operator<=>(const FontRequest&) const = default;
 };
 
-/// A font in a file, which may hold several.
+/// A font in a file. A file may hold several fonts.
 struct FontFile {
     std::string path; ///< Empty: there is no font.
     std::int32_t index = 0;
 };
 
-/// How much a model may hold. A scene of a few lines can ask for any amount, by nodes that use
-/// others twice, again and again. What exceeds a limit is left out, and noted.
+/// Limits on the size of a model. A scene of a few lines can become a huge model when nodes use
+/// other nodes twice, level by level. What exceeds a limit is left out, with a note.
 struct Limits {
-    /// Nodes met in the walk, each as often as it is used: some seconds.
+    /// Nodes visited in the traversal, each as often as it is used: some seconds.
     std::uint64_t nodes = 100'000'000;
-    /// Instances of shapes that have been met before. Some 150 bytes each.
+    /// Instances of shapes used before. Some 150 bytes each.
     std::uint64_t repeatedInstances = 1'000'000;
-    /// Triangles, lines and points that the length of the scene does not bound: of texts, point
-    /// sets, solids, and of shapes that have been met before. Each mesh counts as ten more, for
-    /// what it takes besides. A triangle takes up to 160 bytes.
+    /// Triangles, lines and points whose number is not limited by the size of the scene: those of
+    /// texts, point sets, solids, and shapes used before. Each mesh counts as ten more, for its
+    /// other memory. A triangle takes up to 160 bytes.
     std::uint64_t repeatedElements = 8'000'000;
-    /// Of all images, decoded.
+    /// Pixels of all decoded images.
     std::uint64_t imagePixels = std::uint64_t(1) << 26;
-    /// Of all image files.
+    /// Bytes of all image files.
     std::uint64_t imageBytes = std::uint64_t(1) << 28;
-    /// Lights, cameras, and infos, each.
+    /// The number of lights, of cameras, and of infos.
     std::uint64_t others = 10'000;
     /// Bytes of all infos, and of all addresses of anchors.
     std::uint64_t textBytes = std::uint64_t(1) << 24;
-    /// Notes, the last of which says that there are more.
+    /// Notes. The last one says that there are more.
     std::uint64_t notes = 1000;
 };
 
 struct EvaluateOptions {
-    /// Where the scene lies: names of image files are taken from here.
+    /// The folder of the scene. Names of image files are relative to it.
     std::filesystem::path folder;
-    /// No file outside this folder is read; empty: no image file at all.
+    /// No file outside this folder is read. Empty: no image files are read at all.
     std::filesystem::path root;
-    /// Around spheres, cones and cylinders; at least 3.
+    /// Segments around spheres, cones and cylinders; at least 3.
     std::uint32_t segments = 32;
-    /// The font that fits best. Null: the one that fontconfig finds.
+    /// Finds the best font for a request. Null: fontconfig chooses.
     std::function<FontFile(const FontRequest&)> findFont;
     Limits limits;
 };
 
-/// What a viewer shows of a scene, which may have no root. Messages of the walk, about groups
-/// inside themselves, go to `diagnostics`; what the model does not show as the scene has it is in
-/// its notes. Throws nothing but std::bad_alloc.
+/// Evaluates a scene to the model that a viewer would show. The scene may have no root. Messages of
+/// the traversal about groups that contain themselves go to `diagnostics`. The notes of the model
+/// list what it shows differently from the scene. Throws only std::bad_alloc.
 Model evaluateScene(const Scene& scene, const EvaluateOptions& options, Diagnostics& diagnostics);
 
 } // namespace meshcast::evaluate

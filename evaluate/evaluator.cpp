@@ -9,7 +9,7 @@
 
 #include <utility>
 
-// What the visitor does on the way from shape to shape.
+// The part of the visitor that handles everything but shapes.
 
 namespace meshcast::evaluate {
 
@@ -28,7 +28,7 @@ bool Evaluator::mayVisit() {
 }
 
 bool Evaluator::enterGroup(const QvGroup& group, GroupScope scope) {
-    // Searched once, a group that is used again and again takes no more time than its text.
+    // Each group is searched once, so the time is limited by the size of the scene.
     if (!mayVisit() || (seeksCameras_ && !groupsSearched_.insert(&group).second)) {
         return false;
     }
@@ -121,7 +121,7 @@ void Evaluator::addCamera(const QvNode& node, QvElementType type) {
     model_.cameras.push_back(std::move(camera));
 }
 
-// A Switch of cameras is how a scene lists its viewpoints, of which it shows one.
+// Scenes list their viewpoints as a Switch of cameras, of which one is active.
 void Evaluator::leaveSwitch(const QvSwitch& group, QvState& state) {
     if (!switchesSearched_.insert(&group).second || group.whichChild.value == -3) {
         return;
@@ -177,9 +177,9 @@ void Evaluator::finish() {
     setDistances(model_);
     notes_.follow(nullptr);
     notes_.addCount(Note::Kind::kApproximated, lightsInScopes_, "light",
-                    "shown without end: in the scene it ends with its Separator");
+                    "not limited: in the scene its effect ends with its Separator");
     notes_.addCount(Note::Kind::kDropped, shapesWithoutPlace_, "shape",
-                    "dropped: its place is no finite point");
+                    "dropped: its position is not finite");
     notes_.addCount(Note::Kind::kLimit, shapesTooLarge_, "shape",
                     "left out: repeated shapes have too many triangles, lines and points");
     notes_.addCount(Note::Kind::kLimit, instancesLeftOut_, "shape",
@@ -187,7 +187,7 @@ void Evaluator::finish() {
     notes_.addCount(Note::Kind::kLimit, othersLeftOut_, "light, camera or text",
                     "left out: there are too many");
     if (nodes_ >= options_.limits.nodes) {
-        notes_.add(Note::Kind::kLimit, "the rest of the scene left out: nodes use one another "
+        notes_.add(Note::Kind::kLimit, "the rest of the scene left out: nodes are used "
                                        "too often");
     }
 }

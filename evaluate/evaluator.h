@@ -25,9 +25,9 @@
 
 namespace meshcast::evaluate {
 
-/// The visitor that turns shapes into instances of meshes: one for each evaluation. How a shape
-/// becomes a mesh is in the file named after it; shapes.cpp and solid_shapes.cpp join that to the
-/// properties in force.
+/// The visitor that turns shapes into instances of meshes. One object serves one evaluation. The
+/// conversion of each kind of shape to a mesh is in a file of that name; shapes.cpp and
+/// solid_shapes.cpp call it with the current properties.
 class Evaluator final : public ShapeVisitor {
 public:
     Evaluator(Model& model, const EvaluateOptions& options);
@@ -50,43 +50,43 @@ public:
     void passInfo(const QvInfo& info) override;
     void passUnknown(const QvUnknownNode& node) override;
 
-    /// Ends the evaluation: what only the whole model shows.
+    /// Ends the evaluation: computes what needs the whole model, and adds the remaining notes.
     void finish();
 
 private:
-    /// One use of a shape, while it is shown.
+    /// One use of a shape that is being processed.
     struct Use {
         const QvNode& shape;
         Properties properties;
         MeshKey key;
-        bool isFirst = false; ///< The shape has not been met before.
+        bool isFirst = false; ///< The shape was not used before.
     };
     enum class Uses : std::uint8_t { kMaterial, kPoints };
 
-    /// Starts a use of a shape. Nothing when it is not to be shown, or too many are.
+    /// Starts a use of a shape. Nothing when it must not be shown or a limit is reached.
     std::optional<Use> useOf(const QvNode& shape, const QvState& state, Uses what);
     void useTexture(Use& use, const QvState& state);
-    /// Counts a node; false when it is not to be looked at.
+    /// Counts a node against the limit; false when it must be skipped.
     bool mayVisit();
-    /// Counts triangles, lines or points that the length of the scene does not bound. From the
-    /// first time that they are too many none may be added: looking again would take time.
+    /// Counts elements (triangles, lines or points) whose number is not limited by the size of the
+    /// scene. Once there are too many, all later calls return false, to save time.
     bool mayAdd(std::uint64_t elements);
-    /// The same for a shape made of a list of indices, which bound it when it is met first.
+    /// The same for a shape made of a list of indices. At its first use the list itself limits it.
     bool mayAdd(const Use& use, const QvMFLong& indices);
 
-    /// Makes a mesh in the space of its shape, or nothing when there is to be none.
+    /// Makes a mesh in the space of its shape, or nothing.
     using MakeMesh = std::function<std::optional<MeshDraft>()>;
-    /// Makes a solid with so many segments around.
+    /// Makes a solid with a number of segments.
     using MakeSolid = std::function<Solid(std::uint32_t)>;
 
-    /// Shows a shape at its place, after a transform of its own.
+    /// Adds an instance of a shape. `own` is applied before the current transform.
     void show(Use& use, const glm::dmat4& own, const MakeMesh& make);
     MeshTable::Found meshOf(Use& use, const Placement& placement, const MakeMesh& make);
-    /// Shows a solid, made by `make` if it is the first of its kind, stretched by `scale`.
+    /// Adds an instance of a solid scaled by `scale`. Calls `make` for the first solid of its kind.
     void showSolid(const QvNode& shape, const QvState& state, KeyPart kind, const glm::dvec3& scale,
                    const MakeSolid& make);
     void addInstance(std::uint32_t mesh, const Placement& placement);
-    /// Nothing when there is no font, or no room.
+    /// Nothing when there is no font or a limit is reached.
     std::optional<MeshDraft> makeTextMesh(const QvAsciiText& shape, const QvFontStyle* style,
                                           const Properties& properties);
     void addTextures(MeshDraft& draft, const Properties& properties);
@@ -109,16 +109,17 @@ private:
     ArrayNumbers<9> textureMatrices_;
     ArrayNumbers<16> bakedMatrices_;
 
-    std::pmr::monotonic_buffer_resource shapesMemory_; ///< A set that only grows needs no freeing.
+    std::pmr::monotonic_buffer_resource shapesMemory_; ///< Freed at once: the set only grows.
     std::pmr::unordered_set<const QvNode*> shapesMet_{&shapesMemory_};
     std::set<const QvSwitch*> switchesSearched_;
-    std::set<const QvNode*> othersMet_; ///< Infos, inlines, and nodes of unknown classes.
-    std::set<std::string> noted_;       ///< Inlines and classes that a note names.
+    std::set<const QvNode*>
+        othersMet_;               ///< Infos, inlines and nodes of unknown classes that were met.
+    std::set<std::string> noted_; ///< Names of inlines and classes that have a note already.
     std::map<const QvWWWAnchor*, std::optional<std::uint32_t>> urls_;
     std::set<const QvGroup*> groupsSearched_;
-    bool seeksCameras_ = false; ///< In children that a Switch does not show.
+    bool seeksCameras_ = false; ///< True while searching children that a Switch does not show.
 
-    // Against the limits.
+    // Counted against the limits.
     std::uint64_t nodes_ = 0, repeatedInstances_ = 0, repeatedElements_ = 0, textBytes_ = 0;
     std::uint64_t instancesLeftOut_ = 0, shapesTooLarge_ = 0, othersLeftOut_ = 0;
     std::uint64_t shapesWithoutPlace_ = 0, lightsInScopes_ = 0;

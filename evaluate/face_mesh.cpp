@@ -64,7 +64,7 @@ std::span<const std::int32_t> FaceMesh::valuesOf(const Face& face) {
 }
 
 void FaceMesh::survey() {
-    // Enough normals and texture coordinates are there until a corner has none.
+    // Assumes that all corners have normals and texture coordinates, until one has none.
     hasNormals_ = properties_.normals != nullptr;
     hasUvs_ = properties_.textureCoordinates != nullptr && properties_.texture != nullptr;
     low_.fill(std::numeric_limits<float>::max());
@@ -140,8 +140,7 @@ MeshDraft FaceMesh::make() {
     }
     const bool isWritten = !shape_.coordIndex.isDefault();
     if (isWritten) {
-        notes_.addCount(Note::Kind::kDropped, badFaces_, "face",
-                        "dropped: an index names no point");
+        notes_.addCount(Note::Kind::kDropped, badFaces_, "face", "dropped: an index is invalid");
         notes_.addCount(Note::Kind::kDropped, flatFaces_, "face", "dropped: no area");
     }
     notes_.addCount(Note::Kind::kApproximated, fannedFaces_, "face",
@@ -217,7 +216,7 @@ void FaceMesh::addFace(const Face& face, Welder& welder) {
 }
 
 MeshDraft FaceMesh::collect() {
-    // A copy has no room to spare, and the buffer is there for the next one.
+    // A copy is exactly as large as needed, and the buffer can be reused.
     constexpr std::size_t kLarge = 100'000;
     MeshDraft draft;
     if (buffer_.positions.size() < kLarge) {

@@ -20,22 +20,23 @@
 
 namespace meshcast::evaluate {
 
-/// What meshes are built in, one after another.
+/// Buffers reused for building one mesh after another.
 struct MeshBuffers {
     Geometry geometry;
     PointNumbers numbers;
 };
 
-/// Makes a mesh of an IndexedFaceSet. All faces are looked at first: which are dropped, what
-/// normals, texture coordinates and materials they use. Then they are cut into triangles.
+/// Makes a mesh of an IndexedFaceSet. A first pass over the faces finds which are dropped and which
+/// normals, texture coordinates and materials they use. A second pass triangulates them.
 class FaceMesh {
 public:
-    /// All arguments must outlive the object. `buffers` are what the mesh is built in; the
-    /// same for many face sets save time.
+    /// All arguments must outlive the object. Passing the same `buffers` for many face sets saves
+    /// time.
     FaceMesh(const QvIndexedFaceSet& shape, const Properties& properties,
              Triangulator& triangulator, MeshBuffers& buffers, Notes& notes);
 
-    /// The mesh, in the space of the shape. Notes what is dropped and approximated.
+    /// Makes the mesh, in the space of the shape. Adds notes about dropped faces and
+    /// approximations.
     MeshDraft make();
 
 private:
@@ -44,7 +45,7 @@ private:
     void chooseValues();
     void addFace(const Face& face, Welder& welder);
     Attributes attributesOf(const Face& face, std::size_t corner) const;
-    /// The values of a face's corners, or of the face.
+    /// The material values of the corners of a face, or one for the whole face.
     std::span<const std::int32_t> valuesOf(const Face& face);
     MeshDraft collect();
 
@@ -68,7 +69,7 @@ private:
     bool hasNormals_ = false, hasUvs_ = false;
     Vec3 low_{}, high_{};
 
-    // For the faces, one after another.
+    // Used in the second pass.
     std::optional<SmoothNormals> smoothNormals_;
     std::optional<BoxMapping> boxMapping_;
     std::uint64_t fannedFaces_ = 0;

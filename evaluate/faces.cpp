@@ -8,7 +8,7 @@ namespace meshcast::evaluate {
 
 namespace {
 
-// The area of a face, over the square of its extent: less than this is a rounded 0.
+// A face whose area divided by the square of its extent is smaller counts as having no area.
 constexpr double kNoArea = 1e-10;
 
 bool hasThreeDifferent(std::span<const std::int32_t> indices) {
@@ -59,7 +59,7 @@ void examine(Face& face, const PointList& points) {
     if (!hasThreeDifferent(indices)) {
         return;
     }
-    // From the first corner, so that a face far from the origin keeps its digits.
+    // Relative to the first corner, so that faces far from the origin do not lose precision.
     const glm::dvec3 origin = points.wide(indices[0]);
     glm::dvec3 doubledArea{};
     double extent = 0;

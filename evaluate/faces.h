@@ -7,8 +7,8 @@
 
 namespace meshcast::evaluate {
 
-/// Points of a shape, three floats each. An index that is out of range, or leads to a coordinate
-/// that is no finite number, names no point.
+/// Points of a shape, three floats each. An index is invalid if it is out of range or a coordinate
+/// of its point is not finite.
 class PointList {
 public:
     explicit PointList(std::span<const float> coordinates) : coordinates_(coordinates) {}
@@ -33,31 +33,30 @@ private:
 
 inline constexpr std::int32_t kEndOfFace = -1;
 
-/// A face of a list of indices, or a line of one. Numbers count from 0, and count what is dropped
-/// too.
+/// A face or polyline in a list of indices. Numbers count from 0 and include dropped faces.
 struct Face {
     enum class Fault : std::uint8_t {
         kNone,
-        kNoSuchPoint, ///< An index names no point.
+        kNoSuchPoint, ///< An index is invalid.
         kNoArea,      ///< Fewer than three different points, or all of them on a line.
     };
 
     std::span<const std::int32_t> points; ///< The indices of its corners.
     std::uint32_t number = 0;
-    std::uint32_t firstEntry = 0;  ///< Where its first corner is in the list.
-    std::uint32_t firstCorner = 0; ///< The number of its first corner, without the -1 between.
+    std::uint32_t firstEntry = 0;  ///< The position of its first corner in the list.
+    std::uint32_t firstCorner = 0; ///< The same, not counting the -1 entries.
     Fault fault = Fault::kNone;
-    /// Of length 1, to the side where the corners turn counterclockwise; 0 0 0 with a fault.
+    /// The unit normal, on the side from which the corners are counterclockwise; 0 0 0 with a
+    /// fault.
     glm::dvec3 normal{};
 };
 
-/// Cuts a list of indices at each -1. What comes after the last one is a run too; nothing after
-/// it is none.
+/// Splits a list of indices into runs that end in -1. The last run may lack its -1.
 class RunReader {
 public:
     explicit RunReader(std::span<const std::int32_t> indices) : indices_(indices) {}
 
-    /// The next run: its points and numbers. False when there is no more.
+    /// Reads the next run: its points and numbers. False at the end.
     bool next(Face& run);
 
 private:
@@ -67,8 +66,8 @@ private:
     std::uint32_t corners_ = 0;
 };
 
-/// Finds the fault of a face, or else its normal: that of the areas of its projections (Newell's
-/// method), which is defined for concave faces and for those that are not quite flat.
+/// Sets the fault of a face, or else its normal by Newell's method (Sutherland, Sproull and
+/// Schumacker, 1974), which also works for concave and not quite flat faces.
 void examine(Face& face, const PointList& points);
 
 } // namespace meshcast::evaluate

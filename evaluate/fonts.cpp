@@ -9,8 +9,8 @@
 #include <glm/vec3.hpp>
 #include <utility>
 
-// Outlines are taken in the font's own units, without hints for any resolution: the same scene
-// gives the same shapes everywhere.
+// Outlines are loaded unscaled and without hinting, so that a font file gives the same shapes
+// everywhere.
 
 namespace meshcast::evaluate {
 
@@ -44,7 +44,7 @@ struct Font::Face {
 
 namespace {
 
-/// Corners of outlines, with curves as chains of edges.
+/// The corners of outlines. Curves are approximated by edges.
 class OutlineReader {
 public:
     explicit OutlineReader(double unit) : unit_(unit) {}
@@ -61,7 +61,8 @@ public:
         functions.conic_to = [](const FT_Vector* control, const FT_Vector* to, void* self) {
             auto& reader = *static_cast<OutlineReader*>(self);
             const glm::dvec2 from = reader.at_;
-            // A conic is the cubic whose control points are two thirds of the way to its own.
+            // Raises the conic to a cubic: its control points are two thirds of the way to the
+            // conic's.
             const glm::dvec2 c = at(*control);
             return reader.curveTo((from + c * 2.0) / 3.0, (at(*to) + c * 2.0) / 3.0, at(*to));
         };
@@ -104,7 +105,7 @@ private:
     glm::dvec2 at_{};
 };
 
-/// The height of capitals, as the font says it or its H has it.
+/// The height of capitals: as given by the font, or else that of its H.
 double heightOfCapitals(FT_Face face) {
     const auto* const table = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
     if (table != nullptr && table->version >= 2 && table->version != 0xFFFF &&
@@ -163,7 +164,7 @@ Glyph Font::make(char32_t character) {
 FontSet::FontSet(const EvaluateOptions& options) : options_(options) {}
 
 FontSet::~FontSet() {
-    fonts_.clear(); // Before their library.
+    fonts_.clear(); // Before the library is closed.
 }
 
 Font* FontSet::find(const FontRequest& request) {

@@ -14,21 +14,21 @@ namespace meshcast::evaluate {
 /// The installed font that fits best, as fontconfig finds it.
 FontFile findInstalledFont(const FontRequest& request);
 
-/// A character's shape, in units of its font: capitals are 1 high.
+/// The shape of a character. The height of capitals is 1.
 struct Glyph {
-    double advance = 0; ///< From its origin to that of the next one.
+    double advance = 0; ///< The distance from its origin to that of the next glyph.
     std::vector<glm::dvec2> vertices;
-    std::vector<std::uint32_t> triangles; ///< Counterclockwise.
+    std::vector<std::uint32_t> triangles; ///< Indices of counterclockwise triangles.
 };
 
-/// A font of outlines. Glyphs are made when they are first asked for.
+/// An outline font. Glyphs are made when they are first needed.
 class Font {
 public:
     ~Font();
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;
 
-    /// The glyph of a character; that of a missing one when the font does not have it.
+    /// The glyph of a character, or the font's glyph for missing characters.
     const Glyph& glyph(char32_t character);
 
 private:
@@ -43,7 +43,7 @@ private:
     std::map<char32_t, Glyph> glyphs_;
 };
 
-/// The fonts of a scene, opened when they are first asked for.
+/// The fonts of a scene, opened when they are first needed.
 class FontSet {
 public:
     /// `options` must outlive the set.
@@ -52,7 +52,7 @@ public:
     FontSet(const FontSet&) = delete;
     FontSet& operator=(const FontSet&) = delete;
 
-    /// Null when no font is installed, or it has no outlines.
+    /// The best font for a request. Null when no font is installed or the font has no outlines.
     Font* find(const FontRequest& request);
 
 private:

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 std::string quoted(const std::string& name) { return '"' + toUtf8(name) + '"'; }
 
-/// A name with a scheme, as http: has one, is no file's. One letter is a drive of another system.
+/// True for names with a scheme such as http:. A single letter would be a drive of another system.
 bool isAddress(const std::string& name) {
     const std::size_t colon = name.find(':');
     return colon != std::string::npos && colon > 1 && name.find('/') > colon;
@@ -44,8 +44,8 @@ std::optional<io::Descriptor> ImageLoader::open(const std::string& name) const {
     }
     std::string path = name;
     std::replace(path.begin(), path.end(), '\\', '/');
-    // Neither the name nor the links on its way may lead out of the root, and nothing is opened
-    // that could be exchanged after it has been checked.
+    // Folder::openFile makes sure that neither the name nor links lead out of the root, even if
+    // files are replaced at the same time.
     auto file = root_->openFile((folder_ / path).lexically_relative(root_->path()).string());
     auto* const opened = std::get_if<io::Descriptor>(&file);
     return opened == nullptr ? std::nullopt : std::optional(std::move(*opened));
@@ -112,7 +112,7 @@ ImageLoader::Found ImageLoader::load(const std::string& name) {
                      : std::make_error_code(std::errc::no_such_file_or_directory);
     if (const auto* const error = std::get_if<std::error_code>(&read)) {
         if (*error == std::errc::file_too_large) {
-            // Files that are too large, or too many, are read once until that is known.
+            // The limit may be exceeded by this file or by all files together.
             mayStillRead_ = 0;
             mayKeep(options_.limits.imageBytes + 1, name);
         } else {
@@ -139,7 +139,7 @@ ImageLoader::Found ImageLoader::load(const std::string& name) {
     image.width = pixels->width;
     image.height = pixels->height;
     image.hasAlpha = hasAlpha(*pixels);
-    // Other kinds, which few viewers show, are written anew.
+    // Other formats, which few viewers support, are converted to PNG.
     if (isPng(bytes) || isJpeg(bytes)) {
         image.type = isPng(bytes) ? Image::Type::kPng : Image::Type::kJpeg;
         image.bytes = std::move(bytes);
@@ -165,7 +165,7 @@ ImageLoader::Found ImageLoader::decode(const QvTexture2& texture) {
     if (!mayDecode(pixels.width, pixels.height, name)) {
         return std::nullopt;
     }
-    // The first row is the lowest one, where files have the highest.
+    // A scene stores the lowest row first, a file the highest.
     for (std::size_t y = pixels.height; y > 0; --y) {
         const auto from = field.bytes().subspan((y - 1) * row, row);
         pixels.bytes.insert(pixels.bytes.end(), from.begin(), from.end());

@@ -17,28 +17,28 @@ class QvTexture2;
 
 namespace meshcast::evaluate {
 
-/// Finds the images that textures name or hold, and keeps each once in a list.
+/// Loads the images of textures, from files or from the scene, and adds each to the list once.
 class ImageLoader {
 public:
-    /// All must outlive the loader.
+    /// All arguments must outlive the loader.
     ImageLoader(std::vector<Image>& images, const EvaluateOptions& options, Notes& notes);
 
-    /// The number of a texture's image. Nothing when there is none; what a texture names and cannot
-    /// have is noted once.
+    /// The index of a texture's image. Nothing when there is none. An image that cannot be loaded
+    /// is noted once.
     std::optional<std::uint32_t> find(const QvTexture2& texture);
 
-    /// Whether a texture names or holds an image at all.
+    /// Whether a texture names an image file or holds an image.
     static bool hasImage(const QvTexture2& texture);
 
 private:
     using Found = std::optional<std::uint32_t>;
 
-    /// The file that a scene names, if there is one under the root.
+    /// Opens a file that a scene names, if it exists inside the root.
     std::optional<io::Descriptor> open(const std::string& name) const;
     Found load(const std::string& name);
     Found decode(const QvTexture2& texture);
     Found add(Image image);
-    /// Counts pixels against the limit; false, with a note, when they are too many.
+    /// Counts pixels against the limit. Adds a note and returns false when there are too many.
     bool mayDecode(std::uint64_t width, std::uint64_t height, const std::string& name);
     bool mayKeep(std::uint64_t bytes, const std::string& name);
     void missing(const std::string& name, const char* why);
@@ -46,13 +46,13 @@ private:
     std::vector<Image>& images_;
     const EvaluateOptions& options_;
     Notes& notes_;
-    std::optional<io::Folder> root_; ///< None: no file is read.
-    std::filesystem::path folder_;   ///< Of the scene, without links.
+    std::optional<io::Folder> root_; ///< Nothing: no file is read.
+    std::filesystem::path folder_;   ///< The folder of the scene, without symbolic links.
     std::map<const QvTexture2*, Found> byTexture_;
     std::map<std::string, Found> byName_;
     std::uint64_t pixels_ = 0;
     std::uint64_t bytes_ = 0;
-    std::uint64_t mayStillRead_; ///< Bytes of files, whether they hold images or not.
+    std::uint64_t mayStillRead_; ///< Bytes that may still be read; unusable files count too.
 };
 
 } // namespace meshcast::evaluate

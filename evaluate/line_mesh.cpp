@@ -15,7 +15,7 @@ namespace meshcast::evaluate {
 
 namespace {
 
-/// Segments of lines, by the values of their two ends.
+/// The segments of all lines, with the material values of both ends.
 class LineMesh {
 public:
     LineMesh(const QvIndexedLineSet& shape, const Properties& properties, PointNumbers& numbers)
@@ -77,7 +77,7 @@ private:
         std::array<PlaceOnShape, 2> places{};
     };
 
-    /// Hands over the segments whose ends exist; counts the others.
+    /// Calls `use` for each segment with valid ends, and counts the others as dropped.
     template <class Use>
     void forEachSegment(Use use) {
         dropped_ = 0;
@@ -128,7 +128,7 @@ MeshDraft makeLines(const QvIndexedLineSet& shape, const Properties& properties,
     LineMesh lines(shape, properties, numbers);
     MeshDraft draft = lines.make();
     notes.addCount(Note::Kind::kDropped, lines.dropped(), "line segment",
-                   "dropped: an index names no point");
+                   "dropped: an index is invalid");
     return draft;
 }
 

@@ -7,9 +7,9 @@
 
 namespace meshcast::evaluate {
 
-/// The lines of an IndexedLineSet, each segment by itself, in the space of the shape. Lit when all
-/// corners have normals. Segments with an index that names no point are dropped and noted.
-/// `numbers` is a buffer: the same for many line sets saves time.
+/// Makes a mesh of the segments of an IndexedLineSet, in the space of the shape. It is lit when all
+/// corners have normals. Segments with an invalid index are dropped and noted. `numbers` is a
+/// buffer; reusing it for many line sets saves time.
 MeshDraft makeLines(const QvIndexedLineSet& shape, const Properties& properties,
                     PointNumbers& numbers, Notes& notes);
 

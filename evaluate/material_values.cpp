@@ -9,7 +9,8 @@ namespace meshcast::evaluate {
 
 namespace {
 
-// What a field is that no Material gives. The catalogue's diffuse default, 0.2, is for the stream.
+// Defaults of fields that no Material gives. The diffuse default in the catalogue, 0.2, applies
+// only to the stream.
 constexpr float kAmbient = 0.2F;
 constexpr float kDiffuse = 0.8F;
 constexpr float kShininess = 0.2F;
@@ -36,8 +37,8 @@ Vec3 colorIn(const QvMFColor& list, std::int32_t i, float missing) {
     return {clampToUnit(color[0]), clampToUnit(color[1]), clampToUnit(color[2])};
 }
 
-/// Whether a list may hold different values: a long one is not searched to its end, since any
-/// number of shapes may share it.
+/// Whether a list may hold different values. A long list is not searched to its end, because many
+/// shapes may share it.
 template <class List>
 bool mayVary(const List& list) {
     constexpr std::int32_t kMostSearched = 1000;

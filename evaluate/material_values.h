@@ -9,7 +9,7 @@
 
 namespace meshcast::evaluate {
 
-/// The part of a material that vertex colours can hold, in colours of the screen.
+/// The part of a material that vertex colours can express, in sRGB.
 struct Paint {
     Vec3 color{};
     float transparency = 0;
@@ -17,31 +17,32 @@ struct Paint {
     auto operator<=>(const Paint&) const = default;
 };
 
-/// The other part, in colours of the screen: emissive 0 to 2, specular 3 to 5, ambient 6 to 8,
-/// shininess 9.
+/// The other part, in sRGB: elements 0 to 2 are emissive, 3 to 5 specular, 6 to 8 ambient, 9 is
+/// shininess.
 using Finish = std::array<float, 10>;
 
-/// The values of a Material node, or the language's own defaults. Each list is used by itself: past
-/// its end its last value counts. Components are between 0 and 1.
+/// The values of a Material node, or the defaults. Each list is used on its own: after its end, its
+/// last value repeats. Components are clamped to 0 to 1.
 class MaterialValues {
 public:
-    /// How a surface shows its colour.
+    /// How a surface reacts to light.
     enum class Shading : std::uint8_t {
-        kLit,   ///< In the diffuse colour; the rest is its finish.
-        kUnlit, ///< Lines and points without normals: no light, and no finish.
+        kLit,   ///< Lit, with the diffuse colour as paint and the rest as finish.
+        kUnlit, ///< Not lit and without finish: lines and points without normals.
     };
 
     /// `node` may be null and must outlive the values.
     MaterialValues(const QvMaterial* node, Shading shading);
 
-    /// The length of the longest list.
+    /// The number of values: the length of the longest list.
     std::int32_t count() const { return count_; }
-    /// No light falls on it: it is shaded so, or the node says it is lit beforehand.
+    /// True when light has no effect: because of the shading, or because the node gives only
+    /// emissive colours, which are computed in advance.
     bool isUnlit() const { return isUnlit_; }
-    /// Value i; a negative number means the first.
+    /// The paint of value `i`; a negative number means the first.
     Paint paint(std::int32_t i) const;
     Finish finish(std::int32_t i) const;
-    /// Whether values may differ in their finish.
+    /// Whether the finish may differ between values.
     bool finishVaries() const { return finishVaries_; }
 
 private:
@@ -54,7 +55,8 @@ private:
     bool prefersEmissive_ = false;
 };
 
-/// A material in linear light. What vertex colours hold of it is white and opaque here.
+/// A material in linear light. With vertex colours, `paint` must be white and opaque, because the
+/// two are multiplied.
 Material materialOf(const Paint& paint, const Finish& finish, bool isUnlit);
 
 /// Diffuse colour and opacity, in linear light.

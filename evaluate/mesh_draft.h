@@ -11,19 +11,19 @@
 
 namespace meshcast::evaluate {
 
-/// A range of indices that are painted alike.
+/// A range of indices with one material.
 struct DraftPart {
     std::uint32_t firstIndex = 0, indexCount = 0;
     Material material;
 };
 
-/// A mesh before it is part of a model: one geometry, whose indices are parted by material.
+/// A mesh that is not part of a model yet: a geometry with its indices grouped by material.
 struct MeshDraft {
     Geometry geometry;
     std::vector<DraftPart> parts;
 };
 
-/// Adds a range of indices for each part. Takes the indices out of `parts`.
+/// Adds a range of indices for each part. Moves the indices out of `parts`.
 inline void addParts(MeshDraft& draft, std::vector<std::vector<std::uint32_t>>& parts,
                      const std::vector<Material>& materials) {
     auto& all = draft.geometry.indices;
@@ -31,7 +31,8 @@ inline void addParts(MeshDraft& draft, std::vector<std::vector<std::uint32_t>>& 
         draft.parts.push_back({static_cast<std::uint32_t>(all.size()),
                                static_cast<std::uint32_t>(parts[i].size()), materials[i]});
         if (all.empty()) {
-            all = std::move(parts[i]); // Most shapes have one part, perhaps a large one.
+            all = std::move(
+                parts[i]); // Moved, not copied: most shapes have a single part, which may be large.
         } else {
             all.insert(all.end(), parts[i].begin(), parts[i].end());
         }

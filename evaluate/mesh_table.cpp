@@ -39,7 +39,7 @@ std::size_t MeshTableHash::operator()(const Material& material) const {
                          material.specular[2],
                          material.shininess};
     for (float& value : values) {
-        value += 0.0F; // Both zeros are equal.
+        value += 0.0F; // Turns -0 into 0.
     }
     return hashOfBytes(values);
 }
@@ -48,7 +48,8 @@ MeshKey MeshKey::withoutMaterial() const {
     MeshKey key = *this;
     key.material = 0;
     key.materialBinding = 0;
-    key.texture = texture == 0 ? 0 : 1; // All that matters is whether there are coordinates.
+    key.texture =
+        texture == 0 ? 0 : 1; // The geometry only depends on whether there are texture coordinates.
     return key;
 }
 

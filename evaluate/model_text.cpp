@@ -14,7 +14,7 @@ std::string number(float value) {
     constexpr double kDecimals = 1e5;
     const double rounded = std::round(static_cast<double>(value) * kDecimals) / kDecimals;
     std::array<char, 64> text{};
-    const double shown = rounded == 0 ? 0 : rounded; // Without the sign of -0.
+    const double shown = rounded == 0 ? 0 : rounded; // Drops the sign of -0.
     auto* const end = std::to_chars(text.data(), text.data() + text.size(), shown).ptr;
     return {text.data(), end};
 }
@@ -29,7 +29,7 @@ std::string numbers(std::span<const float> values) {
 
 std::string named(const std::string& name) { return " \"" + name + '"'; }
 
-/// The rows of a matrix, without the last one, which is always the same.
+/// The rows of a matrix except the last, which is always the same.
 std::string matrixText(const Matrix& matrix) {
     if (matrix == kIdentity) {
         return "";

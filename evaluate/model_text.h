@@ -7,10 +7,10 @@
 namespace meshcast::evaluate {
 
 /// A model as lines of text, for tests and for comparing builds. Numbers are rounded to five
-/// decimals. What is as it usually is, such as a matrix that changes nothing, is left out.
+/// decimals. Defaults, such as an identity matrix, are left out.
 std::string modelText(const Model& model);
 
-/// The same of a part of it.
+/// The same for parts of a model.
 std::string materialText(const Material& material);
 std::string geometryText(const Geometry& geometry);
 

@@ -8,7 +8,7 @@ void Notes::add(Note::Kind kind, std::string text) {
     if (notes_.size() + 1 < limit_) {
         notes_.push_back({kind, std::move(text), where_ == nullptr ? std::string() : *where_});
     } else if (notes_.size() < limit_) {
-        notes_.push_back({Note::Kind::kLimit, "there is more that is not listed", {}});
+        notes_.push_back({Note::Kind::kLimit, "further notes are not listed", {}});
     }
 }
 

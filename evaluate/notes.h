@@ -8,17 +8,18 @@
 
 namespace meshcast::evaluate {
 
-/// Collects the notes of a model, at most as many as a limit.
+/// Collects the notes of a model, up to a limit.
 class Notes {
 public:
     Notes(std::vector<Note>& notes, std::uint64_t limit) : notes_(notes), limit_(limit) {}
 
-    /// Where in the scene the notes are from now on; null: nowhere. `path` must outlive the notes.
+    /// Sets the place that further notes refer to; null: none. `path` is read when a note is added
+    /// and must outlive the notes.
     void follow(const std::string* path) { where_ = path; }
 
-    /// Adds a note about the place that is being walked.
+    /// Adds a note about the current place.
     void add(Note::Kind kind, std::string text);
-    /// Adds "COUNT NOUNs REST" for a count above 0, with a proper plural.
+    /// Adds "COUNT NOUNs REST" for a count above 0; NOUN is singular for 1.
     void addCount(Note::Kind kind, std::uint64_t count, const char* noun, const char* rest);
 
 private:

@@ -12,25 +12,26 @@
 
 namespace meshcast::evaluate {
 
-/// How the material values of a shape become materials and vertex colours. It is shown every face
-/// (or line, or point) first, and asked after that:
+/// Decides how the material values of a shape become materials and vertex colours. First all faces
+/// (or lines, or points) are passed to see(); after settle() the results are:
 ///
 /// - one value for all faces: one material;
 /// - values that differ in paint only: one white material, and the paint in vertex colours;
-/// - values that differ in their finish: a material for each value, or, where the corners of a face
-///   differ in paint, for each finish, and the paint in vertex colours. A face has one finish, the
+/// - values that differ in their finish: a material for each value. If corners of a face differ in
+///   paint, a material for each finish, and the paint in vertex colours. A face has one finish, the
 ///   mean of those of its corners.
 class PaintPlan {
 public:
-    /// More materials than this on one shape give way to vertex colours, or to the first finish.
+    /// If a shape needs more materials than this, only vertex colours vary, and the first finish is
+    /// used for all of it.
     static constexpr std::size_t kMostParts = 1000;
 
     /// `values` must outlive the plan.
     explicit PaintPlan(const MaterialValues& values) : values_(values) {}
 
-    /// Shows the plan a face, by the value of each corner.
+    /// Registers a face by the material value of each corner.
     void see(std::span<const std::int32_t> corners);
-    /// All faces have been seen.
+    /// Must be called once, after all faces were passed to see().
     void settle();
 
     /// Whether vertices need colours.
@@ -42,9 +43,9 @@ public:
     /// The materials, in the order in which the faces first needed them.
     std::vector<Material> materials() const;
 
-    /// Some face has corners of different finish.
+    /// Whether some face has corners of different finish.
     bool isAveraged() const { return isAveraged_; }
-    /// There were too many materials.
+    /// Whether there were too many materials.
     bool isReduced() const { return isReduced_; }
 
 private:

@@ -81,7 +81,7 @@ std::vector<std::uint8_t> encodePng(const Pixels& pixels) {
     const auto append = [](void* context, void* data, int size) {
         auto& sink = *static_cast<Sink*>(context);
         const auto* const from = static_cast<const std::uint8_t*>(data);
-        try { // The caller is C.
+        try { // No exception may pass through the C caller.
             sink.bytes.insert(sink.bytes.end(), from, from + size);
         } catch (const std::bad_alloc&) {
             sink.isOutOfMemory = true;

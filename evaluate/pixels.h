@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-// Image files and their pixels, by stb_image and stb_image_write.
+// Decoding and encoding of image files with stb_image and stb_image_write.
 
 namespace meshcast::evaluate {
 
@@ -16,23 +16,23 @@ struct ImageSize {
 /// Rows from top to bottom, pixels from left to right.
 struct Pixels {
     std::uint32_t width = 0, height = 0;
-    std::uint32_t components = 0; ///< 1: grey, 2: and alpha, 3: red, green, blue, 4: and alpha.
+    std::uint32_t components = 0; ///< 1: grey, 2: grey and alpha, 3: RGB, 4: RGBA.
     std::vector<std::uint8_t> bytes;
 };
 
 bool isPng(std::span<const std::uint8_t> file);
 bool isJpeg(std::span<const std::uint8_t> file);
 
-/// What the header of an image file says; nothing when it is of no kind that can be decoded.
+/// The size given in the header of an image file; nothing when the format is not supported.
 std::optional<ImageSize> sizeOfImage(std::span<const std::uint8_t> file);
 
-/// The pixels of an image file, the first one of a moving image; nothing when it is damaged.
+/// Decodes an image file, or the first frame of an animation; nothing when it is damaged.
 std::optional<Pixels> decodeImage(std::span<const std::uint8_t> file);
 
-/// Whether some pixel is not opaque.
+/// Whether any pixel is not opaque.
 bool hasAlpha(const Pixels& pixels);
 
-/// A PNG file of an image that is not empty. Throws std::bad_alloc.
+/// Encodes an image as a PNG file. It must not be empty. Throws std::bad_alloc.
 std::vector<std::uint8_t> encodePng(const Pixels& pixels);
 
 } // namespace meshcast::evaluate

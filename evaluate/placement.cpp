@@ -12,12 +12,12 @@ namespace meshcast::evaluate {
 
 namespace {
 
-// Matrices that scenes spell out have six digits or so; what is square to fewer is baked, which
-// is exact in any case.
+// Matrices in scenes have about six digits. If the axes are not orthogonal to that accuracy, the
+// matrix is baked, which is always exact.
 constexpr double kMostShear = 1e-6;
-// Less than this, in proportion, is a rounded 0.
+// A relative value below this counts as 0.
 constexpr double kFlat = 1e-9;
-// So that a float holds it, and its square.
+// Small enough that a float can hold its square.
 constexpr double kShortestAxis = 1e-18;
 
 Matrix narrowed(const glm::dmat4& matrix) {
@@ -32,7 +32,7 @@ bool areFinite(const Matrix& matrix) {
     return std::all_of(matrix.begin(), matrix.end(), [](float x) { return std::isfinite(x); });
 }
 
-/// The matrix that normals go with, up to a positive factor: the inverse transpose.
+/// The matrix for normals, up to a positive factor: the inverse transpose.
 glm::dmat3 normalMatrix(const glm::dmat3& m) {
     const glm::dmat3 cofactors(glm::cross(m[1], m[2]), glm::cross(m[2], m[0]),
                                glm::cross(m[0], m[1]));
@@ -44,7 +44,7 @@ Vec3 placed(const glm::dmat4& matrix, const Vec3& point) {
     return narrow(glm::dvec3(p) / p.w);
 }
 
-/// Replaces the vertices of triangles by three for each, with the normal of its plane.
+/// Gives each triangle three vertices of its own with the normal of its plane.
 class Flattener {
 public:
     Flattener(Geometry& from, Geometry& to) : from_(from), to_(to) {}
@@ -67,7 +67,7 @@ public:
         }
     }
 
-    /// Lines and points have no planes.
+    /// Lines and points have no flat normals.
     void addElement(const std::uint32_t* corners, std::size_t count) {
         const Vec3& first = from_.positions[corners[0]];
         const Vec3& last = from_.positions[corners[count - 1]];
@@ -100,7 +100,7 @@ void dropNormals(MeshDraft& mesh) {
                              : split.topology == Topology::kLines   ? 2
                                                                     : 1;
     for (DraftPart& part : mesh.parts) {
-        // Nothing lights lines and points that have no normals any more.
+        // Lines and points without normals are not lit.
         part.material.isUnlit |= size < 3;
         const std::uint32_t* const from = mesh.geometry.indices.data() + part.firstIndex;
         part.firstIndex = static_cast<std::uint32_t>(split.indices.size());
@@ -116,7 +116,7 @@ void dropNormals(MeshDraft& mesh) {
     mesh.geometry = std::move(split);
 }
 
-/// The axis that is farthest from a direction, Y before X.
+/// The axis with the largest angle to a direction; of equal ones Y before X.
 glm::dvec3 axisAcross(const glm::dvec3& direction) {
     const glm::dvec3 size = glm::abs(direction);
     if (size.y <= size.x && size.y <= size.z) {
@@ -155,7 +155,7 @@ std::optional<Placement> placementOf(const glm::dmat4& matrix) {
         placement.instance = narrowed(m);
         return placement;
     }
-    // The instance keeps the translation, so that shapes sheared alike share a mesh.
+    // The translation stays in the instance, so that shapes with the same shear share a mesh.
     glm::dmat4 moved(1.0);
     moved[3] = m[3];
     placement.instance = narrowed(moved);
@@ -172,7 +172,7 @@ void bake(MeshDraft& mesh, const Placement& placement) {
     for (Vec3& point : geometry.positions) {
         point = placed(*placement.baked, point);
     }
-    // Points that no float can hold go with the triangles that have them.
+    // A point outside the range of float is dropped with its triangles.
     if (placement.losesNormals ||
         !std::all_of(geometry.positions.begin(), geometry.positions.end(), isFinite)) {
         dropNormals(mesh);
@@ -192,7 +192,7 @@ void bake(MeshDraft& mesh, const Placement& placement) {
 
 Matrix rigidPart(const glm::dmat4& matrix, double& scale) {
     scale = std::cbrt(std::abs(glm::determinant(glm::dmat3(matrix))));
-    // What looks or shines along -z keeps that direction; x follows y as far as it can.
+    // Z keeps its direction, because cameras look and lights shine along it.
     glm::dmat4 rigid(1.0);
     const glm::dvec3 z(matrix[2]);
     if (glm::length(z) > kShortestAxis) {

@@ -8,28 +8,28 @@
 
 namespace meshcast::evaluate {
 
-/// How a shape gets to its place: by the matrix of an instance, after perhaps another one has been
-/// applied to its vertices.
+/// How a shape is placed: by the matrix of its instance and, if necessary, by another matrix that
+/// is applied to its vertices first.
 struct Placement {
     Matrix instance = kIdentity;
-    /// What no instance may hold: what shears, flattens, or shows things in perspective.
+    /// What the matrix of an instance cannot express: shearing, flattening, perspective.
     std::optional<glm::dmat4> baked;
-    /// The baked matrix has no inverse, or makes directions depend on the place.
+    /// The baked matrix has no inverse or is a perspective, so it cannot transform normals.
     bool losesNormals = false;
 };
 
-/// Parts a matrix into what an instance may hold and what must be baked. Nothing when some of it is
-/// no finite number, or no point would have a place.
+/// Splits a matrix into the part for an instance and the part to bake. Nothing when the matrix is
+/// not finite or maps no point to a finite one.
 std::optional<Placement> placementOf(const glm::dmat4& matrix);
 
-/// Applies the baked matrix of a placement to a mesh. A mirror turns the triangles over, so that
-/// they keep their front. Where normals are lost, triangles get those of their planes, and
-/// triangles and lines without extent are dropped.
+/// Applies the baked matrix of a placement to a mesh. If it mirrors, reverses the winding of the
+/// triangles, so that they keep their front. If normals are lost, triangles get flat normals, and
+/// degenerate triangles and lines are dropped.
 void bake(MeshDraft& mesh, const Placement& placement);
 
-/// Where a matrix moves and turns the axes to, without what it stretches, shears and mirrors: for
-/// cameras and lights. Z keeps its direction, Y as far as it can. `scale` receives how much longer
-/// lengths get, taken over all directions.
+/// The rotation and translation of a matrix, without scaling, shearing and mirroring, for cameras
+/// and lights. Z keeps its exact direction, Y the nearest one possible. `scale` receives the
+/// geometric mean of the scale.
 Matrix rigidPart(const glm::dmat4& matrix, double& scale);
 
 } // namespace meshcast::evaluate

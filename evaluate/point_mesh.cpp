@@ -14,7 +14,7 @@ namespace meshcast::evaluate {
 
 namespace {
 
-/// The range of points that a PointSet draws, cut to those that exist.
+/// The range of points that a PointSet draws, limited to existing ones.
 std::pair<std::int32_t, std::int32_t> rangeOf(const QvPointSet& shape,
                                               const Properties& properties) {
     if (properties.coordinates == nullptr) {

@@ -7,12 +7,12 @@
 
 namespace meshcast::evaluate {
 
-/// The points of a PointSet that exist, in the space of the shape. Lit when all of
-/// them have normals. Materials and normals are bound by the number of a point
-/// among those drawn, or, where the binding is indexed, among all of them.
+/// Makes a mesh of the existing points of a PointSet, in the space of the shape. It is lit when all
+/// of them have normals. Materials and normals are bound by the position among the drawn points or,
+/// for indexed bindings, among all points.
 MeshDraft makePoints(const QvPointSet& shape, const Properties& properties);
 
-/// How many points a PointSet draws, the ones without a place counted too.
+/// How many points a PointSet draws, including points that are not finite.
 std::size_t countPoints(const QvPointSet& shape, const Properties& properties);
 
 } // namespace meshcast::evaluate

@@ -6,12 +6,12 @@
 
 namespace meshcast::evaluate {
 
-/// Numbers the points that a shape uses. Many small shapes may share one list of a million points:
-/// what is kept by point should be as long as the points used, and so should the time it takes.
+/// Numbers the points that a shape uses. Many small shapes may share one list of a million points,
+/// so memory and time must depend on the points used, not on the list.
 class PointNumbers {
 public:
-    /// Begins a shape of so many indices into so many points. Where most points are used, points
-    /// keep their own numbers.
+    /// Begins a shape with a number of indices into a number of points. If most points are probably
+    /// used, points keep their own numbers.
     void begin(std::size_t points, std::size_t indices) {
         for (const std::size_t point : used_) {
             numbers_[point] = kNone;
@@ -24,7 +24,7 @@ public:
         }
     }
 
-    /// Tells of a point that is used.
+    /// Registers a point as used.
     void use(std::int32_t point) {
         const auto place = static_cast<std::size_t>(point);
         if (!isDirect_ && numbers_[place] == kNone) {
@@ -33,7 +33,7 @@ public:
         }
     }
 
-    /// The number of a point that is used, below count().
+    /// The number of a used point, below count().
     std::size_t of(std::int32_t point) const {
         const auto place = static_cast<std::size_t>(point);
         return isDirect_ ? place : numbers_[place];
@@ -42,9 +42,9 @@ public:
 
 private:
     static constexpr std::uint32_t kNone = UINT32_MAX;
-    static constexpr std::size_t kMostSpare = 4; // Points for each index.
+    static constexpr std::size_t kMostSpare = 4; // Points per index.
 
-    std::vector<std::uint32_t> numbers_; ///< By point; kNone for those that are not used.
+    std::vector<std::uint32_t> numbers_; ///< By point; kNone for unused points.
     std::vector<std::size_t> used_;
     std::size_t points_ = 0;
     bool isDirect_ = true;

@@ -8,7 +8,7 @@
 
 namespace meshcast::evaluate {
 
-/// What is in force for a shape. Null: nothing of the kind.
+/// The current properties for a shape. Null: none of this kind.
 struct Properties {
     const QvCoordinate3* coordinates = nullptr;
     const QvMaterial* material = nullptr;
@@ -16,7 +16,7 @@ struct Properties {
     const QvNormal* normals = nullptr;
     Binding::Value normalBinding = Binding::DEFAULT;
     const QvShapeHints* hints = nullptr;
-    const QvTexture2* texture = nullptr; ///< Null too where the texture has no image.
+    const QvTexture2* texture = nullptr; ///< Also null when the texture has no image.
     const QvTextureCoordinate2* textureCoordinates = nullptr;
     const QvFontStyle* fontStyle = nullptr;
 };

@@ -12,8 +12,8 @@
 #include <glm/gtc/type_ptr.hpp>
 #include <utility>
 
-// What the visitor does with a shape: it finds the mesh that the shape and its properties have
-// already become, or makes it, and adds an instance.
+// The part of the visitor that handles shapes: it finds the mesh for the shape and its properties,
+// or makes it, and adds an instance.
 
 namespace meshcast::evaluate {
 
@@ -79,7 +79,7 @@ bool Evaluator::mayAdd(std::uint64_t elements) {
 }
 
 bool Evaluator::mayAdd(const Use& use, const QvMFLong& indices) {
-    // Also an index that leads to nothing takes time.
+    // Counts all indices of the list, because invalid ones take time too.
     return use.isFirst || mayAdd(static_cast<std::uint64_t>(indices.num) / 3);
 }
 
@@ -215,7 +215,7 @@ std::optional<MeshDraft> Evaluator::makeTextMesh(const QvAsciiText& shape, const
     layout.spacing = shape.spacing.value;
     layout.width = shape.width.value;
     layout.justification = static_cast<TextLayout::Justification>(shape.justification.value);
-    // A character without triangles takes time too.
+    // Characters without triangles take time too.
     if (!(layout.size > 0) || !mayAdd(shape.string.value.size())) {
         return std::nullopt;
     }

@@ -6,27 +6,27 @@
 #include <cmath>
 #include <glm/geometric.hpp>
 
-// Most points are smooth or lie on few creases. So the normals around each point are added up
-// first. Where all of them are nearer to the mean than half the crease angle, no two can be farther
-// apart than all of it, and the mean is the normal of all corners. Only around the other points
-// corners are compared with one another.
+// Most points are not on a crease. So the normals around each point are added up first. If all of
+// them differ from the mean by less than half the crease angle, no two differ by more than the
+// crease angle, and the mean is the normal of all corners. Only at the other points are corners
+// compared with each other.
 
 namespace meshcast::evaluate {
 
 namespace {
 
-// A corner is compared with all others of its point, so that a million faces around one point
-// would take a million times a million steps. Around a point of more faces than this, a corner gets
-// the mean over all of them or else the normal of its face.
+// Each corner is compared with all others of its point, which is quadratic in the number of faces
+// around it. At points with more faces than this, a corner gets the mean over all of them, or the
+// normal of its face if that differs too much.
 constexpr std::uint32_t kMostCompared = 128;
 
 const Vec3 kNone{};
-// A sum of normals that is shorter than this is a rounded 0.
+// A sum of normals shorter than this counts as 0.
 constexpr double kNoDirection = 1e-6;
 
 } // namespace
 
-/// Hands over the number of each face that is not left out, with that of each of its points.
+/// Calls `use` with the number of each face that is not dropped and of each of its points.
 template <class Use>
 void SmoothNormals::forEachCorner(std::span<const std::int32_t> indices, Use use) const {
     Face face;
@@ -47,7 +47,7 @@ SmoothNormals::SmoothNormals(std::span<const std::int32_t> indices,
       halfCosine_(std::cos(static_cast<double>(creaseAngle) / 2)), isFaceted_(!(creaseAngle > 0)) {
     constexpr float kHalfTurn = 3.1415927F;
     if (creaseAngle >= kHalfTurn) {
-        cosine_ = halfCosine_ = -2; // No two normals are that far apart.
+        cosine_ = halfCosine_ = -2; // No angle is that large.
     }
     if (!isFaceted_) {
         addUp(indices);
@@ -90,7 +90,8 @@ void SmoothNormals::listFaces(std::span<const std::int32_t> indices) {
         firstFace_[i] += firstFace_[i - 1];
     }
     faces_.resize(firstFace_.back());
-    // Filling moves each start to its end, which is the start of the next point.
+    // After filling, each entry is the end of its range, which is the start of the next point's
+    // range.
     forEachCorner(indices, [this](std::uint32_t face, std::size_t point) {
         if (isCreased_[point]) {
             faces_[firstFace_[point + 1]++] = face;
@@ -116,11 +117,11 @@ Vec3 SmoothNormals::at(std::uint32_t face, std::int32_t point) const {
     glm::dvec3 sum{};
     for (std::uint32_t i = first; i < end; ++i) {
         const Vec3& other = faceNormals_[faces_[i]];
-        // A product instead of a branch, which no processor could predict.
+        // A product instead of a branch, which would be unpredictable.
         const double isNear = glm::dot(wide(own), wide(other)) > cosine_ ? 1 : 0;
         sum += isNear * wide(other);
     }
-    // Opposite faces may cancel out.
+    // Normals of opposite faces may cancel out.
     const double length = glm::length(sum);
     return length > kNoDirection ? narrow(sum / length) : own;
 }

@@ -10,18 +10,18 @@
 
 namespace meshcast::evaluate {
 
-/// Computes the normals of corners from those of faces. Corners of a point share a normal as far as
-/// the angles between the normals of their faces are smaller than the crease angle: a corner gets
-/// the mean over the faces around its point that are nearer to its own than that.
+/// Computes the normals of corners from the normals of faces. A corner gets the mean over those
+/// faces around its point whose normals differ from that of its own face by less than the crease
+/// angle.
 class SmoothNormals {
 public:
-    /// `indices` are faces that end in -1, `faceNormals` has one of length 1 for each of them, or 0
-    /// 0 0 for a face that is left out. All others must use points that have numbers. An angle of
-    /// 0, in radians, makes facets. The normals must outlive the object, and so must the numbers.
+    /// `indices` are faces that end in -1. `faceNormals` has a unit normal for each face, or 0 0 0
+    /// for a dropped face. All other faces must use points that have numbers. The crease angle is
+    /// in radians; 0 makes flat normals. `faceNormals` and `numbers` must outlive the object.
     SmoothNormals(std::span<const std::int32_t> indices, std::span<const Vec3> faceNormals,
                   const PointNumbers& numbers, float creaseAngle);
 
-    /// The normal of the corner that a face has at a point.
+    /// The normal of the corner of a face at a point.
     Vec3 at(std::uint32_t face, std::int32_t point) const;
 
 private:
@@ -33,8 +33,8 @@ private:
 
     std::span<const Vec3> faceNormals_;
     const PointNumbers& numbers_;
-    double cosine_;     ///< Of the crease angle.
-    double halfCosine_; ///< Of half of it.
+    double cosine_;     ///< The cosine of the crease angle.
+    double halfCosine_; ///< The cosine of half of it.
     bool isFaceted_;
     std::vector<Vec3> pointNormals_; ///< The mean over all faces around a point; 0 0 0 for none.
     std::vector<bool> isCreased_;    ///< By point. Empty when there is no crease.

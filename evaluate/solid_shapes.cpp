@@ -7,17 +7,18 @@
 #include <glm/gtc/matrix_transform.hpp>
 #include <utility>
 
-// What the visitor does with cubes, spheres, cones and cylinders: each is an instance of a solid of
-// unit size.
+// The part of the visitor that handles cubes, spheres, cones and cylinders: each becomes an
+// instance of a solid of unit size.
 
 namespace meshcast::evaluate {
 
 namespace {
 
-/// Solids of one kind share their geometry, whatever their size. The low bits are for their parts.
+/// Identifies the kind of a solid. Solids of one kind share a geometry, regardless of their size.
+/// The low bits are for their parts.
 enum SolidKind : KeyPart { kCube = 8, kSphere = 16, kCone = 24, kCylinder = 32 };
 
-/// The value of a part of a solid.
+/// The material value of a part of a solid.
 std::int32_t valueOfPart(Binding::Value binding, bool isCube, std::uint32_t part) {
     switch (binding) {
     case Binding::PER_PART:
@@ -31,7 +32,7 @@ std::int32_t valueOfPart(Binding::Value binding, bool isCube, std::uint32_t part
     }
 }
 
-/// Paints the parts of a solid.
+/// Assigns materials to the parts of a solid.
 MeshDraft paintSolid(const Solid& solid, const Properties& properties, bool isCube) {
     const MaterialValues values(properties.material, MaterialValues::Shading::kLit);
     PaintPlan plan(values);
@@ -81,7 +82,7 @@ void Evaluator::showSolid(const QvNode& shape, const QvState& state, KeyPart kin
     const Solid& solid = known->second;
     show(use, glm::scale(glm::dmat4(1.0), scale), [&]() -> std::optional<MeshDraft> {
         MeshDraft draft = paintSolid(solid, use.properties, kind == kCube);
-        // Geometry that is there already costs nothing.
+        // An existing geometry is not counted again.
         const bool isShared = draft.parts.size() == 1 && draft.geometry.colors.empty() &&
                               meshes_.findGeometry(use.key) != nullptr;
         if (!isShared && !mayAdd(draft.geometry.indices.size() / 3)) {

@@ -14,18 +14,19 @@ struct Direction {
     double x, z;
 };
 
-/// Where a fraction of the way around is: from the back, counterclockwise as seen from above.
+/// The point on the unit circle at a fraction of the way around, from the back, counterclockwise as
+/// seen from above.
 Direction around(double fraction) {
     const double angle = kTwoPi * fraction;
     return {-std::sin(angle), -std::cos(angle)};
 }
 
-/// The same for a step of so many, exact where the way ends in its start.
+/// The same for one of several steps. The last step gives exactly the first point.
 Direction around(std::uint32_t step, std::uint32_t segments) {
     return around(step == segments ? 0 : static_cast<double>(step) / segments);
 }
 
-/// Adds vertices and triangles to a solid, part after part.
+/// Builds a solid part by part.
 class SolidBuilder {
 public:
     void beginPart(std::uint32_t number) {
@@ -51,7 +52,7 @@ public:
         solid_.geometry.indices.insert(solid_.geometry.indices.end(), {a, b, c});
     }
 
-    /// A disc that faces along Y; `up` is 1 for a top and -1 for a bottom.
+    /// Adds a disc perpendicular to Y; `up` is 1 for a top and -1 for a bottom.
     void cap(std::uint32_t number, std::uint32_t segments, double up) {
         beginPart(number);
         const std::uint32_t center = vertex({0, up, 0}, {0, up, 0}, {0.5, 0.5});
@@ -119,7 +120,7 @@ Solid makeSphere(std::uint32_t segments) {
     SolidBuilder builder;
     builder.beginPart(0);
     const std::uint32_t rings = segments / 2 < 2 ? 2 : segments / 2;
-    // A pole has a vertex for each segment, in the middle of its part of the image.
+    // At a pole each segment has its own vertex, in the middle of its part of the image.
     for (std::uint32_t ring = 0; ring <= rings; ++ring) {
         const double t = static_cast<double>(ring) / rings;
         const bool isPole = ring == 0 || ring == rings;
@@ -153,7 +154,7 @@ Solid makeCone(std::uint32_t segments, bool hasSides, bool hasBottom) {
     SolidBuilder builder;
     if (hasSides) {
         builder.beginPart(0);
-        // The sides rise 2 over 1, so that their normals rise 1 over 2.
+        // The sides have slope 2, so their normals have slope 1/2.
         const double length = std::sqrt(5.0);
         const auto normal = [length](const Direction& out) {
             return std::array<double, 3>{2 * out.x / length, 1 / length, 2 * out.z / length};

@@ -26,7 +26,7 @@ Spread::Spread(Binding::Value binding, const QvMFLong& index, std::size_t values
         mode_ = isIndexed ? Mode::kFaceIndexed : Mode::kFace;
         break;
     case Binding::PER_VERTEX: {
-        // Files in use say so and mean the points.
+        // Existing files also use this binding with one value for each point.
         const bool meansPoints =
             values != shape.corners && (values == shape.points || values < shape.corners);
         mode_ = meansPoints ? Mode::kEntry : Mode::kCorner;

@@ -8,40 +8,42 @@
 
 namespace meshcast::evaluate {
 
-/// A place on a shape, by its numbers, all from 0. Dropped faces and segments count too.
+/// The position of a corner in a shape. All numbers start at 0 and include dropped faces and
+/// segments.
 struct PlaceOnShape {
     std::uint32_t part = 0;   ///< Of lines: the segment. Of faces: the face.
     std::uint32_t face = 0;   ///< Of lines: the line.
-    std::uint32_t entry = 0;  ///< The place in coordIndex.
-    std::uint32_t corner = 0; ///< The same without the -1 between.
+    std::uint32_t entry = 0;  ///< The position in coordIndex.
+    std::uint32_t corner = 0; ///< The same, not counting the -1 entries.
 };
 
-/// The indices of a shape, which its materials and normals are spread by.
+/// The indices of a shape, which decide how materials and normals are assigned.
 struct SpreadOver {
     std::span<const std::int32_t> coordIndex;
     std::size_t points = 0;
     std::size_t corners = 0; ///< Entries of coordIndex that are not -1.
 };
 
-/// Whether a list of indices is left at its default, or holds what the default is, or nothing.
+/// Whether a list of indices is not given, or equals the default, or is empty.
 bool isLeftAtDefault(const QvMFLong& index);
 
-/// Which value of a property each place on a face set or line set gets, by its binding.
+/// Assigns the values of a property to the corners of a face set or line set, according to its
+/// binding.
 class Spread {
 public:
-    /// What an index list that ends too early leads to: no list has this many values.
+    /// The result when the index list is too short. It is out of range for any list.
     static constexpr std::int32_t kPastEnd = INT32_MAX;
 
-    /// All places get the first value.
+    /// All corners get the first value.
     Spread() = default;
-    /// `index` is the list beside coordIndex that is meant for the property, `values` the number of
-    /// its values. The shape must outlive the spread.
+    /// `index` is the index list of the property, such as materialIndex; `values` is the number of
+    /// its values. The shape must outlive the object.
     Spread(Binding::Value binding, const QvMFLong& index, std::size_t values,
            const SpreadOver& shape);
 
-    /// The number of the value, which may be out of range.
+    /// The index of the value, which may be out of range.
     std::int32_t at(const PlaceOnShape& place) const;
-    /// Corners of one face may differ.
+    /// Whether corners of one face may have different values.
     bool isByCorner() const { return mode_ == Mode::kCorner || mode_ == Mode::kEntry; }
 
 private:

@@ -18,7 +18,7 @@ double widthOf(std::string_view line, Font& font) {
     return width;
 }
 
-/// Where a point of a font is in the plane.
+/// Converts a point of a glyph to a position in the plane.
 struct LinePlace {
     double x, y, scaleX, scaleY;
 };
@@ -51,7 +51,7 @@ std::optional<Geometry> makeText(std::string_view text, const TextLayout& layout
         if (line.ends_with('\r')) {
             line.remove_suffix(1);
         }
-        ++triangles; // Nor does an empty line cost nothing.
+        ++triangles; // An empty line takes time too.
         const double natural = widthOf(line, font) * scale;
         const bool isFitted = layout.width > 0 && natural > 0;
         const double width = isFitted ? layout.width : natural;
@@ -63,7 +63,7 @@ std::optional<Geometry> makeText(std::string_view text, const TextLayout& layout
         }
         while (!line.empty()) {
             const Glyph& glyph = font.glyph(takeCharacter(line));
-            // A glyph without triangles, as a space, costs little but not nothing.
+            // A glyph without triangles, such as a space, takes time too.
             triangles += std::max<std::uint64_t>(glyph.triangles.size() / 3, 1);
             if (triangles > mostTriangles) {
                 return std::nullopt;

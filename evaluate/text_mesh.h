@@ -9,19 +9,20 @@
 
 namespace meshcast::evaluate {
 
-/// How lines of text are laid out in the XY plane.
+/// The layout of lines of text in the XY plane.
 struct TextLayout {
     enum class Justification : std::uint8_t { kLeft, kCenter, kRight };
 
     double size = 10;   ///< The height of a line. Capitals are 0.8 of it.
-    double spacing = 1; ///< From one baseline to the next lower one, in sizes.
-    double width = 0;   ///< Above 0: each line is made that wide.
+    double spacing = 1; ///< The distance between baselines, as a multiple of `size`.
+    double width = 0;   ///< If above 0, each line is scaled to this width.
     Justification justification = Justification::kLeft;
 };
 
-/// The triangles of a text, which face +Z. The first baseline is at y = 0; x = 0 is where lines
-/// begin, have their middle, or end. A newline begins the next line. Texture coordinates are
-/// positions in sizes. Nothing when there would be more than `mostTriangles`.
+/// Makes the triangles of a text, facing +Z. The first baseline is at y = 0. At x = 0 is the start,
+/// the middle or the end of lines, by their justification. A newline starts a new line. Texture
+/// coordinates are positions divided by `size`. Nothing when there would be more than
+/// `mostTriangles`.
 std::optional<Geometry> makeText(std::string_view text, const TextLayout& layout, Font& font,
                                  std::uint64_t mostTriangles);
 

@@ -8,9 +8,9 @@
 #include <new>
 #include <utility>
 
-// GLU gets each corner as a pointer to its number, hands the pointers back, and asks for new ones
-// where corners coincide or edges cross. Its frames are C: no exception may pass through them, so
-// that memory that runs out inside a callback is noted and reported after the call.
+// GLU gets each corner as a pointer to its number and returns these pointers. It asks for new ones
+// where corners coincide or edges cross. No exception may pass through its C code, so a callback
+// that runs out of memory sets a flag, which is checked after the call.
 
 namespace meshcast::evaluate {
 
@@ -25,7 +25,7 @@ public:
         setCallback<GLvoid (*)(GLdouble*, void**, GLfloat*, void**, void*)>(GLU_TESS_COMBINE_DATA,
                                                                             combine);
         setCallback<GLvoid (*)(GLenum, void*)>(GLU_TESS_ERROR_DATA, takeError);
-        // Asked for edge flags, GLU yields triangles only, no fans and strips.
+        // With an edge flag callback, GLU produces only triangles, no fans and strips.
         setCallback<GLvoid (*)(GLboolean)>(GLU_TESS_EDGE_FLAG, [](GLboolean /*isEdge*/) {});
     }
     ~Tessellator() = default;
@@ -63,7 +63,7 @@ private:
         gluTessCallback(glu_.get(), which, reinterpret_cast<void (*)()>(callback));
     }
 
-    /// A place for a number that stays where it is.
+    /// Stores a number at a stable address.
     void* numbered(std::uint32_t number) { return &numbers_.emplace_back(number); }
 
     static std::uint32_t numberAt(const void* place) {
@@ -84,7 +84,7 @@ private:
         tessellator.guarded([&] { tessellator.result_.triangles.push_back(numberAt(corner)); });
     }
 
-    // GLU has the weights writable. NOLINTNEXTLINE(readability-non-const-parameter)
+    // GLU declares the weights without const. NOLINTNEXTLINE(readability-non-const-parameter)
     static void combine(GLdouble* /*at*/, void** corners, GLfloat* weights, void** out,
                         void* self) {
         auto& tessellator = *static_cast<Tessellator*>(self);
@@ -133,7 +133,7 @@ bool Triangulator::mayTessellate(std::span<const glm::dvec3> corners, const glm:
         return false;
     }
     work_ += pairs;
-    // Each crossing takes memory. Faces that mean something have few.
+    // Each crossing takes memory. Real faces have few.
     const std::size_t mostCrossings = 4 * corners.size();
     return countCrossings(corners, PlaneView(normal), mostCrossings) < mostCrossings;
 }

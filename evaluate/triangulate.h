@@ -9,16 +9,16 @@
 
 namespace meshcast::evaluate {
 
-/// A corner that lies where edges of a face cross: a weighted mean of four others.
+/// A new corner at a crossing of two edges: a weighted mean of four other corners.
 struct MixedCorner {
     std::array<std::uint32_t, 4> corners{};
     std::array<float, 4> weights{};
 };
 
-/// Triangles of one face. Corners count from 0 along the face; the numbers after the last one are
-/// `mixed`, each of which may be a mean of earlier ones.
+/// The triangles of one face. Its corners are numbered from 0; the numbers after the last one refer
+/// to `mixed`. A mixed corner may be a mean of earlier mixed corners.
 struct Triangulation {
-    std::vector<std::uint32_t> triangles; ///< Three corners each, turning as the face does.
+    std::vector<std::uint32_t> triangles; ///< Three corners each, with the winding of the face.
     std::vector<MixedCorner> mixed;
 
     void clear() {
@@ -27,10 +27,9 @@ struct Triangulation {
     }
 };
 
-/// Cuts faces into triangles: convex ones into a fan around the first corner, all others by GLU's
-/// tessellator, whose nonzero winding rule fills what a face covers in either direction. Corners
-/// that coincide and faces that are not quite flat are fine. Not to be copied: it holds buffers
-/// that faces share.
+/// Triangulates faces: convex faces as a fan around the first corner, all others with GLU's
+/// tessellator and the nonzero winding rule. Coinciding corners and not quite flat faces are
+/// allowed. Buffers are reused from face to face.
 class Triangulator {
 public:
     Triangulator();
@@ -38,20 +37,22 @@ public:
     Triangulator& operator=(const Triangulator&) = delete;
     ~Triangulator();
 
-    /// The triangles of a face whose corners are all finite. The normal must be of length 1, on the
-    /// side where the corners turn counterclockwise. False when a fan had to do for a face that is
-    /// not convex: its edges cross too often, or the work would be too much (see kMostWork).
+    /// Triangulates a face. All corners must be finite. The normal must have length 1 and be on the
+    /// side from which the corners are counterclockwise. Returns false when a face that is not
+    /// convex became a fan, because its edges cross too often or the work would be too much (see
+    /// kMostWork).
     bool triangulate(std::span<const glm::dvec3> corners, const glm::dvec3& normal,
                      Triangulation& result);
 
-    /// The triangles of an area in the XY plane between outlines, counterclockwise as seen from +Z:
-    /// corners of the outlines one after another, of each the count.
+    /// Triangulates an area in the XY plane that is bounded by outlines, counterclockwise as seen
+    /// from +Z. `corners` are those of all outlines, `counts` has the number of corners of each
+    /// outline.
     bool triangulateOutlines(std::span<const glm::dvec3> corners,
                              std::span<const std::uint32_t> counts, Triangulation& result);
 
 private:
-    /// The tessellator's time grows with the square of the corners at worst: this many pairs of
-    /// edges, over all faces, are some ten seconds.
+    /// In the worst case the tessellator's time is quadratic in the number of corners. This many
+    /// pairs of edges, over all faces, take about ten seconds.
     static constexpr std::uint64_t kMostWork = 2'000'000'000;
 
     bool mayTessellate(std::span<const glm::dvec3> corners, const glm::dvec3& normal);

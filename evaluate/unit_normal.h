@@ -10,8 +10,8 @@
 
 namespace meshcast::evaluate {
 
-/// A vector of a Normal node, made of length 1. Nothing when there is none of that number, or it
-/// has no direction.
+/// A vector of a Normal node, normalised. Nothing when the number is out of range or the vector has
+/// no direction.
 inline std::optional<Vec3> unitNormal(const QvNormal& normals, std::int32_t number) {
     if (number < 0 || number >= normals.vector.num) {
         return std::nullopt;

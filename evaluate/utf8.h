@@ -6,8 +6,8 @@
 
 namespace meshcast::evaluate {
 
-/// Takes the next character off a text and returns its number. A byte that is no part of valid
-/// UTF-8 is a character of ISO 8859-1: scenes are older than the other encoding.
+/// Removes the next character from a text and returns its code point. Bytes that are not valid
+/// UTF-8 are read as ISO 8859-1, because many scenes are older than UTF-8.
 inline char32_t takeCharacter(std::string_view& text) {
     const auto byteAt = [&text](std::size_t i) {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
@@ -52,7 +52,7 @@ inline void appendUtf8(std::string& text, char32_t character) {
     }
 }
 
-/// A text as valid UTF-8.
+/// Converts a text to valid UTF-8.
 inline std::string toUtf8(std::string_view text) {
     std::string result;
     while (!text.empty()) {

@@ -22,20 +22,20 @@ glm::dvec3 vector(const QvSFVec3f& field) {
     return {field.value[0], field.value[1], field.value[2]};
 }
 
-// So that a thousandth of a length is a float too.
+// Limits lengths so that a thousandth of a length, too, is a float.
 constexpr double kShortest = 1e-30;
 
 bool isUseful(double length) {
     return length >= kShortest && length <= std::numeric_limits<float>::max();
 }
 
-/// A length of a scene as it is in the world; 0 when it makes no sense.
+/// Converts a length of a scene to world units; 0 when it is invalid.
 float scaled(float length, double scale) {
     const double result = static_cast<double>(length) * scale;
     return isUseful(result) ? static_cast<float>(result) : 0;
 }
 
-/// What both kinds of camera have in common.
+/// Sets the values that both kinds of camera share.
 template <class Node>
 Camera placedCamera(const Node& node, const glm::dmat4& place, double& scale) {
     Camera camera;
@@ -70,7 +70,7 @@ struct Box {
     }
 };
 
-/// The box around all instances, by the boxes of their geometries.
+/// The bounding box of all instances, from the boxes of their geometries.
 Box worldOf(const Model& model) {
     std::vector<Box> boxes(model.geometries.size());
     for (std::size_t i = 0; i < boxes.size(); ++i) {
@@ -98,8 +98,8 @@ void setDistances(Camera& camera, const Box& world) {
         farthest = std::max(farthest, glm::distance(from, world.corner(i)));
     }
     constexpr double kMargin = 1.1;
-    constexpr double kUsual = 10;  // In an empty scene.
-    constexpr double kDepth = 1e3; // What a buffer of 24 bits sorts well.
+    constexpr double kUsual = 10;  // For an empty scene.
+    constexpr double kDepth = 1e3; // A depth buffer of 24 bits handles this ratio well.
     if (camera.farDistance <= camera.nearDistance) {
         const double distance = std::max(farthest > 0 ? farthest * kMargin : kUsual,
                                          2 * static_cast<double>(camera.nearDistance));
@@ -111,7 +111,7 @@ void setDistances(Camera& camera, const Box& world) {
     }
 }
 
-/// Moves to a place, with -Z turned into a direction of the world.
+/// A matrix that moves the origin to a position and rotates -Z to a direction.
 Matrix lookingAlong(const glm::dmat4& place, const glm::dvec3& at, const glm::dvec3& direction) {
     glm::dmat4 matrix(0.0);
     matrix[2] = glm::dvec4(-(glm::dmat3(place) * direction), 0);
@@ -184,7 +184,7 @@ std::optional<Light> lightOf(const QvSpotLight& node, const glm::dmat4& place) {
     if (light) {
         light->matrix = lookingAlong(place, vector(node.location), vector(node.direction));
         constexpr float kNarrowest = 0.001F;
-        constexpr float kSharpest = 0.99F; // No light ends in no angle at all.
+        constexpr float kSharpest = 0.99F; // Keeps the inner angle smaller than the outer one.
         light->outerAngle = std::clamp(node.cutOffAngle.value, kNarrowest, kHalfTurn / 2);
         light->innerAngle =
             light->outerAngle * std::min(1 - clampToUnit(node.dropOffRate.value), kSharpest);

@@ -8,16 +8,15 @@
 
 namespace meshcast::evaluate {
 
-/// A camera at its place. `place` is the transform in force. Distances that the scene does not give
+/// Converts a camera node. `place` is the current transform. Distances that the scene does not give
 /// are 0 until setDistances().
 Camera cameraOf(const QvPerspectiveCamera& node, const glm::dmat4& place);
 Camera cameraOf(const QvOrthographicCamera& node, const glm::dmat4& place);
 
-/// Gives the cameras of a model the distances that they lack, so that all of the model is between
-/// them.
+/// Sets missing near and far distances of cameras so that the whole model is between them.
 void setDistances(Model& model);
 
-/// A light at its place. Nothing when it is off.
+/// Converts a light node; nothing when it is off.
 std::optional<Light> lightOf(const QvDirectionalLight& node, const glm::dmat4& place);
 std::optional<Light> lightOf(const QvPointLight& node, const glm::dmat4& place);
 std::optional<Light> lightOf(const QvSpotLight& node, const glm::dmat4& place);

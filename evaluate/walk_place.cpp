@@ -16,7 +16,7 @@ void WalkPlace::enter(std::string_view name, GroupScope scope) {
     while (!rest.empty() && path_.size() + text.size() < kLongestPath) {
         appendUtf8(text, takeCharacter(rest));
     }
-    // What does not fit is left out, rather than cut off.
+    // A name that does not fit is left out as a whole.
     if (rest.empty() && path_.size() + text.size() <= kLongestPath) {
         path_ += text;
     }

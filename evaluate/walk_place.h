@@ -13,30 +13,30 @@
 
 namespace meshcast::evaluate {
 
-/// Where the walk stands: the transforms in force, each multiplied into a matrix when it comes into
-/// force, the names on the way, and the anchor around it.
+/// The state of the traversal: the product of the current transforms, the names of the groups
+/// around, and the address of the anchor around.
 class WalkPlace {
 public:
-    /// Enters a group of a name, perhaps empty, whose scope ends some properties with it.
+    /// Enters a group. Its name may be empty; its scope says what leave() restores.
     void enter(std::string_view name, GroupScope scope);
     /// Leaves the group that was entered last.
     void leave();
 
-    /// Puts a transform in force, which acts before those that are.
+    /// Adds a transform, which acts before the current ones.
     void transform(const glm::dmat4& matrix) { matrix_ = matrix_ * matrix; }
     void transformTexture(const glm::dmat3& matrix) { textureMatrix_ = textureMatrix_ * matrix; }
-    /// The address of the anchor that was just entered, if it counts.
+    /// Sets the address of the anchor that was just entered, or nothing.
     void setUrl(const std::optional<std::uint32_t>& url) { url_ = url; }
 
     const glm::dmat4& matrix() const { return matrix_; }
     const glm::dmat3& textureMatrix() const { return textureMatrix_; }
     const std::optional<std::uint32_t>& url() const { return url_; }
-    /// The names on the way, joined by `/`, as UTF-8, up to kLongestPath bytes.
+    /// The names of the groups around, joined by `/`, as UTF-8, up to kLongestPath bytes.
     const std::string& path() const { return path_; }
-    /// The number of scopes around, but for one that is around the whole scene.
+    /// The number of scopes around, not counting one around the whole scene.
     std::size_t scopes() const { return scopes_; }
 
-    /// Every instance gets a path, so that it must not be as long as the scene.
+    /// Every instance stores a path, so its length must be limited.
     static constexpr std::size_t kLongestPath = 256;
 
 private:

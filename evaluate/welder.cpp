@@ -34,8 +34,8 @@ std::uint32_t Welder::add(const Vec3& position, const Attributes& attributes) {
 
 std::uint32_t Welder::vertexAt(std::size_t point, const float* position,
                                const Attributes& attributes) {
-    // The vertices of one point may be as many as the corners of all faces, which would take the
-    // square of their number to search.
+    // All corners of a shape may be at one point. Searching all vertices of a point would then be
+    // quadratic.
     constexpr int kMostCompared = 32;
     std::uint32_t vertex = firstAt_[point];
     for (int i = 0; i < kMostCompared && vertex != kNone; ++i, vertex = next_[vertex]) {
@@ -65,7 +65,8 @@ std::uint32_t Welder::mixedVertex(const std::uint32_t* vertices, const float* we
         }
     }
     for (float& component : mean.color) {
-        component = component < 1 ? component : 1; // Weights may add up to a little more.
+        component =
+            component < 1 ? component : 1; // The weights may add up to slightly more than 1.
     }
     const double length = glm::length(normal);
     if (hasNormals_) {

@@ -8,22 +8,22 @@
 
 namespace meshcast::evaluate {
 
-/// What a vertex has besides its position.
+/// The attributes of a vertex other than its position.
 struct Attributes {
     Vec3 normal{};
     Color color{};
     Vec2 uv{};
 };
 
-/// Adds vertices to a geometry. Corners of one point that have the same attributes share a vertex.
+/// Adds vertices to a geometry. Corners of a point with equal attributes share a vertex.
 class Welder {
 public:
-    /// The geometry gets those lists of attributes that are asked for.
+    /// Only the requested attribute lists are filled.
     Welder(Geometry& geometry, std::size_t points, bool hasNormals, bool hasColors, bool hasUvs);
 
-    /// The vertex of a corner at a point, whose number is below `points`.
+    /// The vertex for a corner at a point. The point's number must be below `points`.
     std::uint32_t vertexAt(std::size_t point, const float* position, const Attributes& attributes);
-    /// A vertex that is a weighted mean of four others. Normals stay of length 1.
+    /// Adds a vertex that is a weighted mean of four others. Its normal is normalised.
     std::uint32_t mixedVertex(const std::uint32_t* vertices, const float* weights);
 
 private:
@@ -35,7 +35,7 @@ private:
     Geometry& geometry_;
     bool hasNormals_, hasColors_, hasUvs_;
     std::vector<std::uint32_t> firstAt_; ///< By point.
-    std::vector<std::uint32_t> next_;    ///< By vertex: another one of the same point.
+    std::vector<std::uint32_t> next_;    ///< By vertex: the next vertex of the same point.
 };
 
 } // namespace meshcast::evaluate

@@ -10,7 +10,7 @@
 
 namespace meshcast::io {
 
-/// An open descriptor, closed with its owner.
+/// Owns an open file descriptor and closes it when destroyed.
 class Descriptor {
 public:
     explicit Descriptor(int number = -1) : number_(number) {}
@@ -23,56 +23,56 @@ public:
 
     int number() const { return number_; }
     bool isOpen() const { return number_ >= 0; }
-    /// Closes it: some errors of writing come no earlier.
+    /// Closes it. Some write errors are only reported here.
     std::error_code close();
 
 private:
     int number_;
 };
 
-/// The error that the latest call of the system left in errno.
+/// The error in errno, as set by the last system call.
 std::error_code lastError();
 
-/// Reads to the end. Fails with file_too_large as soon as there are more than `limit` bytes.
+/// Reads to the end of the file. Fails with file_too_large as soon as there are more than `limit`
+/// bytes.
 std::variant<std::string, std::error_code> readWhole(int descriptor, std::uint64_t limit);
 
-/// The same for the file of that name. Folders are no files.
+/// Opens and reads a file in the same way. Fails for folders.
 std::variant<std::string, std::error_code> readFile(const std::string& path, std::uint64_t limit);
 
-/// Writes all bytes.
+/// Writes all bytes, waiting as often as needed.
 std::error_code writeAll(int descriptor, std::string_view bytes);
 
-/// Writes to standard output, whose descriptor `write` gets, and finds out what only closing it
-/// tells.
+/// Calls `write` with the descriptor of standard output. Also reports errors that only show when it
+/// is closed.
 std::error_code writeStandardOutput(const std::function<std::error_code(int descriptor)>& write);
 
-/// Writes a file so that its name leads to the old content or to all of the new one, whatever
-/// happens meanwhile; `write` gets the descriptor.
+/// Writes a file atomically: its name always refers to the complete old or the complete new
+/// content. `write` is called with the descriptor of the new file.
 ///
-/// - What is not a regular file is written to as it is: a device, a pipe, and what a name like
-///   /dev/stdout leads to.
-/// - A symbolic link stays, and what it leads to is replaced. Of a file with several names, only
-///   this one gets the new content.
-/// - The new file belongs to whoever runs the program. It keeps the permissions of the old one,
-///   but not set-user-ID, set-group-ID and the sticky bit.
-/// - When writing fails, is interrupted or the process ends, nothing is left behind: the new file
-///   has no name before it is complete (O_TMPFILE). Where the file system cannot do that, signals
-///   that end the process wait until the file is complete or gone.
+/// - Devices, pipes and names such as /dev/stdout are written to directly.
+/// - A symbolic link is kept, and its target is replaced. Other hard links of the file keep the
+///   old content.
+/// - The new file belongs to the user of the process. It gets the permissions of the old one, but
+///   not set-user-ID, set-group-ID and the sticky bit.
+/// - A failure, a signal or a crash leaves no partial file: the new file has no name until it is
+///   complete (O_TMPFILE). On file systems without O_TMPFILE, signals that would end the process
+///   are blocked until the file is complete or deleted.
 std::error_code writeFile(const std::string& path,
                           const std::function<std::error_code(int descriptor)>& write);
 
-/// A folder outside of which nothing is opened.
+/// A folder that files are opened in, and never outside of it.
 class Folder {
 public:
-    /// The folder of that name, or why it cannot be used.
+    /// Opens a folder, or returns the error.
     static std::variant<Folder, std::error_code> open(const std::string& path);
 
-    /// Opens the regular file of a name relative to the folder. It lies in the folder wherever
-    /// links lead and whoever swaps files meanwhile; what is not a regular file is never waited
-    /// for. Returns why not as the end of a sentence: "it is outside of the root folder".
+    /// Opens a regular file by a name relative to the folder. The file is inside the folder even if
+    /// links lead elsewhere or files are replaced during the call. Never blocks on files of other
+    /// kinds. On failure returns the reason as a clause: "it is outside of the root folder".
     std::variant<Descriptor, std::string> openFile(const std::string& name) const;
 
-    /// Its absolute name, without links.
+    /// The absolute path, without symbolic links.
     const std::string& path() const { return path_; }
 
 private:

@@ -16,15 +16,14 @@ namespace {
 
 constexpr int kReading = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 
-/// The absolute name of an open file; empty when it cannot be told.
+/// The absolute path of an open file; empty when it cannot be found out.
 std::string nameOf(int descriptor) {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), error)
         .string();
 }
 
-/// Opens a file wherever it lies, and closes it again unless that is in the folder: for kernels
-/// without openat2.
+/// Opens a file and closes it again if it is outside of the folder. For kernels without openat2.
 int openAndCheck(int folder, const std::string& folderName, const std::string& name) {
     const int file = ::openat(folder, name.c_str(), kReading);
     if (file < 0) {
@@ -44,7 +43,7 @@ int openBeneath(int folder, const std::string& folderName, const std::string& na
     open_how how{};
     how.flags = kReading;
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_MAGICLINKS;
-    constexpr int kMostTries = 16; // It gives up where a folder is renamed meanwhile.
+    constexpr int kMostTries = 16; // The call fails when a folder is renamed at the same time.
     for (int i = 0; i < kMostTries; ++i) {
         const long file = ::syscall(SYS_openat2, folder, name.c_str(), &how, sizeof how);
         if (file >= 0) {

@@ -28,7 +28,8 @@ std::variant<std::string, std::error_code> readWhole(int descriptor, std::uint64
     std::string bytes;
     std::uint64_t size = 0;
     const auto makeRoom = [&bytes, limit](std::uint64_t room) {
-        // One byte more, so that the end is met without more room, and the limit's passing seen.
+        // One byte more, so that the end of the file shows without growing, and too long a file is
+        // noticed.
         bytes.resize(static_cast<std::size_t>(std::min(room, limit) + 1));
     };
     if (S_ISREG(status.st_mode) && status.st_size > 0) {

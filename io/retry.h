@@ -8,12 +8,11 @@
 
 namespace meshcast::io {
 
-// Reading and writing on descriptors that a signal may interrupt, or that whoever shares them has
-// made to fail instead of waiting (O_NONBLOCK). Header-only, so that every library may use it.
+// Reads and writes that continue after a signal, and that wait even if another process has set
+// O_NONBLOCK on the shared descriptor. Header-only, so that every library may use it.
 
-/// Calls an operation again while a signal interrupts it, and waits for the descriptor where it
-/// would have to wait. Returns what the operation returns; negative with errno set for other
-/// errors.
+/// Repeats an operation while signals interrupt it, and polls for `events` when it would block.
+/// Returns the result of the operation; for other errors, that is negative with errno set.
 template <class Operation>
 ssize_t retried(int descriptor, short events, Operation operation) {
     for (;;) {

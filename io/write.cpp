@@ -19,10 +19,10 @@ namespace fs = std::filesystem;
 
 constexpr mode_t kPermissions = 0777;
 
-/// Where a name leads when its links have been followed. Links in /proc stand for open files: of
-/// the process's own the descriptor is told, so that writing goes on where others have left off.
+/// The target of a path after following its links. Links in /proc stand for open files. For those
+/// of this process the descriptor is returned, so that writing continues at its current position.
 struct Target {
-    std::optional<fs::path> path; ///< None in /proc.
+    std::optional<fs::path> path; ///< Nothing for a link in /proc.
     int descriptor = -1;
 };
 
@@ -48,8 +48,8 @@ Target followed(fs::path path) {
     return {path};
 }
 
-/// Holds back signals that would end the process, while a file with a name is incomplete, and makes
-/// the passing of a size limit an error of writing.
+/// Blocks signals that would end the process while a named file is incomplete. Also blocks SIGXFSZ,
+/// so that exceeding the file size limit becomes a write error.
 class SignalsHeld {
 public:
     explicit SignalsHeld(bool holdsAll) {
@@ -66,7 +66,7 @@ public:
     SignalsHeld(const SignalsHeld&) = delete;
     SignalsHeld& operator=(const SignalsHeld&) = delete;
     ~SignalsHeld() {
-        // The one that writing beyond the limit has left is settled by the error.
+        // Discards a pending SIGXFSZ: the write error has already reported it.
         sigset_t limit;
         sigemptyset(&limit);
         sigaddset(&limit, SIGXFSZ);
@@ -80,7 +80,7 @@ private:
     sigset_t before_{};
 };
 
-/// Writes a new file and makes sure that it is on the disk.
+/// Writes a new file and flushes it to the disk.
 std::error_code writeNew(int descriptor, const std::optional<mode_t>& mode,
                          const std::function<std::error_code(int)>& write) {
     if (const std::error_code error = write(descriptor)) {
@@ -91,7 +91,7 @@ std::error_code writeNew(int descriptor, const std::optional<mode_t>& mode,
     return isDone ? std::error_code() : lastError();
 }
 
-/// A name in a folder that no file has; its length is always the same.
+/// A random name for a temporary file in a folder.
 fs::path scratchName(const fs::path& folder) {
     std::array<unsigned char, 8> random{};
     std::string name = ".meshcast-";
@@ -105,7 +105,7 @@ fs::path scratchName(const fs::path& folder) {
     return folder / name;
 }
 
-/// Gives an unnamed file its name, in the place of what bears it.
+/// Links an unnamed file to `path`, replacing any existing file.
 std::error_code linkTo(int descriptor, const fs::path& folder, const fs::path& path) {
     const std::string open = "/proc/self/fd/" + std::to_string(descriptor);
     const auto link = [&open](const fs::path& name) {
@@ -130,7 +130,7 @@ std::error_code linkTo(int descriptor, const fs::path& folder, const fs::path& p
     return {};
 }
 
-/// Writes a file under another name first, for file systems without unnamed files.
+/// Writes to a temporary name and renames. For file systems without O_TMPFILE.
 std::error_code writeNamed(const fs::path& folder, const fs::path& path,
                            const std::optional<mode_t>& mode,
                            const std::function<std::error_code(int)>& write) {

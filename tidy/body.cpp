@@ -64,8 +64,8 @@ void parseInGroup(Parse& parse) {
     }
 }
 
-/// The end of a token that is dropped. A quote that closes on another line is more likely the end
-/// of a string with a quote in it.
+/// The end of a dropped token. A quote that only closes on another line is dropped by itself: it is
+/// more likely the end of a string that contains a quote.
 const char* endOfStray(Lexer& lexer, const char* p) {
     const char* const end = skipToken(lexer, p);
     return *p == '"' && std::find(p, end, '\n') != end ? p + 1 : end;
@@ -105,7 +105,7 @@ void parseClosingBrace(Parse& parse) {
     }
 }
 
-/// A brace without a class before it. In a group it opens one, so that nothing is lost.
+/// A brace without a class before it. In a group it becomes a Group, so that its content is kept.
 void parseOpeningBrace(Parse& parse) {
     const char* const brace = parse.at;
     if (parse.top().kind == Kind::kLeaf) {
@@ -118,7 +118,7 @@ void parseOpeningBrace(Parse& parse) {
     openNode(parse, *findClass("Group"), beginning, brace);
 }
 
-/// Drops what nothing can be made of, up to where something may begin.
+/// Drops stray text up to the next position where something valid may begin.
 void parseStray(Parse& parse) {
     Lexer& lexer = parse.lexer;
     struct Run {
@@ -160,7 +160,7 @@ void parseStray(Parse& parse) {
         tokens == 1 ? "dropped " + quoted(shown)
                     : "dropped " + counted(tokens, "word") + " from " + quoted(shown) + " on";
     message +=
-        isTopLevel && parse.roots > 0 ? " after the last node" : ", which nothing can be made of";
+        isTopLevel && parse.roots > 0 ? " after the last node" : ", which makes no sense here";
     for (const Run& run : runs) {
         parse.edits.drop(run.first, run.end, message);
         message.clear();
@@ -169,8 +169,8 @@ void parseStray(Parse& parse) {
 
 namespace {
 
-/// Ends a comment that runs into the end. Carriage returns before a newline would be part of a line
-/// end the next time.
+/// Adds a newline to a comment that the end of the file cuts off. Removes carriage returns before
+/// it, which would be converted as part of the line end in a second run.
 void endComment(Parse& parse, std::string_view message) {
     const char* const end = parse.lexer.end();
     const char* first = end;
@@ -216,7 +216,8 @@ void parseEnd(Parse& parse) {
     if (parse.job.deepest + (isWrapped ? 1 : 0) > static_cast<std::size_t>(kMaxNestingDepth)) {
         parse.job.refusal = "is nested deeper than " + std::to_string(kMaxNestingDepth) + " levels";
     }
-    // The reader looks for a first node to the end, and expects a newline after each comment.
+    // In a scene without nodes the reader goes on to the end, and expects a newline after each
+    // comment.
     if (endsInComment && (parse.roots == 0 || source.parent != nullptr)) {
         endComment(parse, source.parent == nullptr ? "ended the last comment" : "");
     }

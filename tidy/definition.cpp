@@ -10,20 +10,20 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// Whether a string gives a node a name. To the reader, names end at their first zero byte.
+/// Whether a string is a usable name. For the reader, names end at their first zero byte.
 bool isNodeName(const StringToken& name) {
     return !name.inner().empty() && name.inner().front() != '\0';
 }
 
-/// True for a name that needs no quotes, to the filter and to other programs.
+/// True for a name that needs no quotes, neither for the filter nor for other programs.
 bool isPlainName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
         return isNameCharacter(c) || c == '-' || c == '.' || c == ':';
     });
 }
 
-/// The name after DEF or USE. A brace belongs to it, as it does to the reader, if the braces of
-/// the scene do not match without it.
+/// The name after DEF or USE. For the reader a brace is part of it. Here it is only if the braces
+/// of the scene do not match otherwise.
 StringToken nameAt(Parse& parse, const char* p, bool isDefinition) {
     constexpr std::size_t kLongestBracedName = 256;
     Lexer& lexer = parse.lexer;
@@ -40,8 +40,8 @@ StringToken nameAt(Parse& parse, const char* p, bool isDefinition) {
     return isKnown ? whole : name;
 }
 
-/// Names a node, and writes the name as it is to be: with quotes only where braces or blanks need
-/// them, and not as one of those that are taken.
+/// Sets the name of a node and rewrites it if needed: with quotes only if it holds braces or
+/// spaces, and renamed if the name is taken.
 void writeName(Parse& parse, Beginning& beginning, const StringToken& name) {
     beginning.name = name.nodeName();
     beginning.writtenName = parse.source.nameToWrite(beginning.name);
@@ -52,7 +52,7 @@ void writeName(Parse& parse, Beginning& beginning, const StringToken& name) {
     }
     const bool unquotes = name.isQuoted && isPlainName(name.value());
     if (unquotes) {
-        message = "took the name " + quoted(beginning.name) + " out of its quotes";
+        message = "removed the quotes around the name " + quoted(beginning.name);
     } else if (beginning.writtenName.empty()) {
         return;
     }
@@ -62,7 +62,7 @@ void writeName(Parse& parse, Beginning& beginning, const StringToken& name) {
     parse.edits.replace(name.text.data(), name.end(), written, message);
 }
 
-/// The class of the node that follows a few words: those of a name with blanks in it.
+/// The class of a node after a few words, which are the rest of a name with spaces in it.
 std::string_view classAfterWords(Parse& parse, const char* p) {
     constexpr int kMostWords = 8;
     Lexer& lexer = parse.lexer;
@@ -80,7 +80,7 @@ std::string_view classAfterWords(Parse& parse, const char* p) {
     return {};
 }
 
-/// Makes something of a DEF that no node with a class follows as it should.
+/// Repairs a DEF that is not followed by a name and a node with a class.
 void mendDefinition(Parse& parse, Beginning beginning, const StringToken& name) {
     Lexer& lexer = parse.lexer;
     const char* const first = name.text.data();
@@ -105,15 +105,15 @@ void mendDefinition(Parse& parse, Beginning beginning, const StringToken& name) 
         parseNode(parse, beginning, className);
         return;
     }
-    // "DEF Cube {" has no name; of anything else nothing but the name can be told.
+    // "DEF Cube {" has no name. In all other cases only the name is known.
     const bool keepsWord = lexer.at(next) == '{' && isClass;
     parse.at = keepsWord ? first : end;
     parse.edits.drop(beginning.begin, parse.at,
                      keepsWord ? "dropped a DEF without a name" : "dropped a DEF without a node");
 }
 
-/// Writes a definition once more, in place of a USE. False when its node would only be dropped, or
-/// too much would be written.
+/// Repeats a definition in place of a USE. False when its node would only be dropped, or the text
+/// would grow too much.
 bool restore(Parse& parse, const char* use, const char* useEnd, std::string_view name,
              const char* definition, const std::string& why) {
     Job& job = parse.job;
@@ -140,20 +140,20 @@ bool restore(Parse& parse, const char* use, const char* useEnd, std::string_view
         return true;
     }
     std::vector<Edit> edits = restored.edits.finish();
-    // The definitions in it count as written, so it is kept even if it passes the bound: those
-    // after it are not.
+    // The definitions in it now count as written, so it is kept even if it exceeds the limit. Later
+    // ones are not.
     job.mayStillRepeat -= std::min<std::uint64_t>(job.mayStillRepeat, editedLength(part, edits));
     for (Edit& edit : edits) {
         edit.line = edit.line != 0 ? edit.line : parse.source.lineOf(part.data() + edit.offset);
     }
     parse.edits.replace(use, useEnd, job.store.take(applyEdits(part, edits)),
-                        "wrote " + quoted(name) + " once more here" + why);
+                        "repeated the definition of " + quoted(name) + " here" + why);
     parse.edits.quote(useEnd, edits);
     return true;
 }
 
-/// What of a word after USE is the name: all of it, or the part before a bracket or comma. Looking
-/// up long words again and again could take long, so there is an end to it.
+/// The part of a word after USE that is the name: all of it, or the part before a bracket or comma.
+/// The total work is limited, because looking up long words again and again could take long.
 std::string_view writtenName(Source& source, const StringToken& token) {
     const std::size_t cut =
         token.isQuoted ? std::string_view::npos : token.text.find_first_of("[](),;\"");
@@ -175,7 +175,7 @@ Beginning beginHere(Parse& parse) {
     return {parse.at, parse.edits.edits().size(), parse.edits.mark(parse.at), {}, {}};
 }
 
-/// Takes DEF, its name, and the node after it as far as its opening brace.
+/// Parses DEF, its name, and the node after it up to the opening brace.
 void parseDef(Parse& parse) {
     Lexer& lexer = parse.lexer;
     Beginning beginning = beginHere(parse);
@@ -215,7 +215,7 @@ void parseUse(Parse& parse) {
     const bool isRestored = (!definition.isWritten || isForOtherPoints) &&
                             restore(parse, first, end, name, definition.source,
                                     definition.isWritten ? ", for other coordinates"
-                                                         : ", since it was in something dropped");
+                                                         : ", because it was in something dropped");
     if (!definition.isWritten && !isRestored) {
         source.names.erase(name);
         dropChild(parse, first,

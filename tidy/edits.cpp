@@ -65,9 +65,9 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
     while (changing > runLast_ + 1 && !edits_[changing - 1].changesText()) {
         --changing;
     }
-    // Nothing may have been put between the parts of a run.
+    // A run has no insertions between its parts.
     if (runEnd_ != begin || changing != runLast_ + 1) {
-        // Blanks up to the edit before: what that has passed is not looked at again.
+        // The white space after the previous edit. Text before that edit is not searched again.
         const std::size_t least = edits_.empty() ? 0 : edits_.back().offset + edits_.back().length;
         runBlanks_ = begin;
         while (runBlanks_ > least && isBlank(text_[runBlanks_ - 1])) {
@@ -87,7 +87,7 @@ void EditList::drop(const char* first, const char* last, std::string_view messag
               0,
               !message.empty()};
     if (rest == textEnd || *rest == '\n') {
-        // Nothing is left on the line after it: the blanks before it go, too.
+        // The rest of the line is empty, so the white space before it is removed too.
         const Edit* const before = runBegin_ == 0 ? nullptr : &edits_[runBegin_ - 1];
         const bool follows = before != nullptr && !before->replacement.empty() &&
                              before->offset + before->length == runBlanks_;
@@ -145,7 +145,7 @@ std::vector<Edit> EditList::finish() {
             break;
         }
         all.push_back(edits_.front());
-        edits_.pop_front(); // Gives its memory back.
+        edits_.pop_front(); // Frees its memory.
     }
     late_.clear();
     return all;

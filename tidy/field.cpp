@@ -7,7 +7,8 @@ namespace {
 
 using Kind = OpenNode::Kind;
 
-/// The end of what follows a word: an enumeration's bars, a bracket, or the name of a DEF or USE.
+/// The end of a word with what belongs to it: the bars of a mask, a bracket, or the name of a DEF
+/// or USE.
 const char* endOfWordValue(Parse& parse, const char* p, bool mayBeNode) {
     Lexer& lexer = parse.lexer;
     const std::string_view word = lexer.word(p);
@@ -36,7 +37,7 @@ const char* endOfWordValue(Parse& parse, const char* p, bool mayBeNode) {
                : p;
 }
 
-/// The end of a value of whatever shape. A word with which the node goes on is none.
+/// The end of a value of any kind. A word with which the node may continue is not a value.
 const char* endOfAnyValue(Parse& parse, const char* p, bool mayBeNode) {
     Lexer& lexer = parse.lexer;
     const char* const first = lexer.skipSpace(p);
@@ -55,7 +56,7 @@ const char* endOfAnyValue(Parse& parse, const char* p, bool mayBeNode) {
     } else {
         const char* const end = endOfWordValue(parse, first, mayBeNode);
         if (end == first) {
-            // Only a body is left to be dropped: one that belongs to no word.
+            // A body that belongs to no word is all that may be dropped here.
             return mayBeNode && c == '{' ? skipBody(lexer, first, parse.source.onDropped) : p;
         }
         p = end;
@@ -66,7 +67,7 @@ const char* endOfAnyValue(Parse& parse, const char* p, bool mayBeNode) {
 
 } // namespace
 
-/// Takes a known field; false when it had to be dropped.
+/// Parses a known field; false when it had to be dropped.
 bool parseField(Parse& parse, const Field& known) {
     Lexer& lexer = parse.lexer;
     const char* const first = parse.at;
@@ -84,7 +85,7 @@ bool parseField(Parse& parse, const Field& known) {
         parse.at = hasNone ? first + lexer.name(first).size() : end;
         parse.edits.drop(first, parse.at,
                          "dropped the field " + quoted(known.name) +
-                             (hasNone ? ", which has no value" : ", whose value has no meaning"));
+                             (hasNone ? ", which has no value" : ", whose value is invalid"));
         return false;
     }
     const char* const next = lexer.skipSpace(passed.end);
@@ -113,7 +114,8 @@ bool parseField(Parse& parse, const Field& known) {
     return true;
 }
 
-/// A group's field after its children, where the reader takes it for a node: moved to the others.
+/// Moves a group's field that comes after its children to the other fields. The reader would take
+/// it for a node.
 void parseLateField(Parse& parse, const Field& known) {
     const char* const first = parse.at;
     const std::size_t count = parse.edits.edits().size();
@@ -144,7 +146,7 @@ void parseUnknownField(Parse& parse, std::string_view word) {
         parse.edits.replace(first, first + word.size(), meant->name,
                             "wrote " + quoted(word) + " as " + meant->name);
         if (!parseField(parse, *meant)) {
-            // The field is dropped as it is: an edit of its name would overlap.
+            // The field is dropped as a whole, so an edit of its name would overlap.
             std::vector<Edit> edits = parse.edits.takeSince(count);
             parse.edits.drop(first, parse.at, edits.back().message);
         } else if (!isLeaf) {

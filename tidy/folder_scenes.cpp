@@ -17,7 +17,7 @@ std::string identityOf(const struct stat& status) {
     return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
 }
 
-/// "a%20b" as "a b".
+/// Decodes `%20` and the like.
 std::string percentDecoded(const std::string& name) {
     std::string decoded;
     for (std::size_t i = 0; i < name.size(); ++i) {
@@ -37,7 +37,7 @@ bool hasScheme(const std::string& name) {
     const auto end = std::find_if_not(name.begin(), name.end(), [](char c) {
         return (isNameCharacter(c) && c != '_') || c == '+' || c == '-' || c == '.';
     });
-    // One letter and a colon is a drive, which is not a network but cannot be found here either.
+    // A single letter before the colon is a drive, which does not exist here.
     return end != name.end() && *end == ':';
 }
 
@@ -67,9 +67,9 @@ std::shared_ptr<const InlineSource::Scene> FolderScenes::read(const io::Descript
     auto bytes = io::readWhole(file.number(), mayStillRead_);
     if (const auto* const error = std::get_if<std::error_code>(&bytes)) {
         const bool isTooLong = *error == std::errc::file_too_large;
-        scene.failure = isTooLong ? "files of more than " + std::to_string(kMostInlinedBytes) +
-                                        " bytes are named"
-                                  : error->message();
+        scene.failure =
+            isTooLong ? "the inlined files exceed " + std::to_string(kMostInlinedBytes) + " bytes"
+                      : error->message();
         mayStillRead_ = isTooLong ? 0 : mayStillRead_;
     } else {
         scene.bytes = std::get<std::string>(std::move(bytes));
@@ -88,7 +88,7 @@ std::shared_ptr<const InlineSource::Scene> FolderScenes::read(const io::Descript
 std::shared_ptr<const InlineSource::Scene> FolderScenes::open(const std::string& name,
                                                               const std::string& fromPath) {
     if (hasScheme(name)) {
-        return failed("only files are put in place");
+        return failed("it is not the name of a file");
     }
     const std::filesystem::path folder = std::filesystem::path(fromPath).parent_path();
     const std::string written = name.substr(0, name.find('#'));
@@ -96,7 +96,8 @@ std::shared_ptr<const InlineSource::Scene> FolderScenes::open(const std::string&
     for (const std::string& file : {written, percentDecoded(written)}) {
         const std::filesystem::path path = folder / file;
         std::error_code error;
-        // The root's own name is followed, links below it are not: openFile sees to those.
+        // Resolves links, so that the name can be compared with that of the root. openFile checks
+        // that the file is inside the root.
         const std::filesystem::path absolute =
             std::filesystem::canonical(path.has_parent_path() ? path.parent_path() : ".", error) /
             path.filename();

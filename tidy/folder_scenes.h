@@ -10,14 +10,14 @@
 
 namespace meshcast::tidy {
 
-/// Scenes from the files of one folder and those below it. Each is read once, and all together to
-/// kMostInlinedBytes, whether they can be used or not.
+/// Scenes from the files of one folder and its subfolders. Each file is read once. All files
+/// together may have kMostInlinedBytes; files that turn out to be unusable count too.
 class FolderScenes final : public InlineSource {
 public:
     explicit FolderScenes(io::Folder root) : root_(std::move(root)) {}
 
-    /// The file that a name means beside the file `fromPath`. Names with a scheme ("http:") mean
-    /// none, nor do files outside the folder, wherever links lead.
+    /// The file that `name` means, relative to the file `fromPath`. Fails for names with a scheme
+    /// ("http:") and for files outside the folder, also when symbolic links lead there.
     std::shared_ptr<const Scene> open(const std::string& name,
                                       const std::string& fromPath) override;
 
@@ -29,7 +29,7 @@ private:
     std::map<std::string, std::shared_ptr<const Scene>> scenes_; ///< By identity.
 };
 
-/// What a file is known by, however it is named; empty when there is no such file.
+/// A key that is equal for all names of one file; empty when there is no such file.
 std::string fileIdentity(const std::string& path);
 
 } // namespace meshcast::tidy

@@ -17,8 +17,8 @@ struct CloseFile {
 };
 using File = std::unique_ptr<gzFile_s, CloseFile>;
 
-/// Hands bytes to zlib, whose file functions know all that a gzip file may be made of, through a
-/// file in memory.
+/// Passes the bytes to zlib through a file in memory, because only zlib's file functions handle
+/// everything that a gzip file may contain.
 File openInMemory(const std::string& bytes) {
     const int memory = ::memfd_create("compressed scene", MFD_CLOEXEC);
     bool isWritten = memory >= 0;
@@ -68,9 +68,9 @@ std::string inflate(std::string& bytes, std::uint64_t limit) {
     if (error == Z_OK || error == Z_STREAM_END) {
         return {};
     }
-    return error == Z_BUF_ERROR   ? "is compressed, and cut short"
+    return error == Z_BUF_ERROR   ? "is compressed but truncated"
            : error == Z_MEM_ERROR ? "cannot be inflated: out of memory"
-                                  : "is compressed, and damaged";
+                                  : "is compressed but damaged";
 }
 
 } // namespace meshcast::tidy

@@ -9,21 +9,22 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// Why an inline node stays whatever it names; empty when it need not.
+/// Why an inline node is kept regardless of the file it names; empty when there is no such reason.
 std::string reasonToStay(const Job& job, const std::string& name) {
     if (job.inlinesTried >= kMostInlines) {
-        return "the scene has more than " + std::to_string(kMostInlines) + " of them";
+        return "the scene has more than " + std::to_string(kMostInlines) + " inlined scenes";
     }
     if (name.find('\0') != std::string::npos) {
         return "its name holds a zero byte";
     }
     if (job.openScenes.size() >= kDeepestInline) {
-        return "scenes name one another to more than " + std::to_string(kDeepestInline) + " levels";
+        return "inlined scenes are nested deeper than " + std::to_string(kDeepestInline) +
+               " levels";
     }
     return {};
 }
 
-/// What a scene's edits have to say, as said about its file.
+/// Makes the messages of an inlined scene's edits point to its file.
 void locate(Source& source, std::vector<Edit>& edits) {
     const std::string* const file = &*source.job.files.emplace(source.path).first;
     for (Edit& edit : edits) {
@@ -35,7 +36,7 @@ void locate(Source& source, std::vector<Edit>& edits) {
     }
 }
 
-/// The folder of an inlined scene, as seen from that of the scene around all; empty when it is the
+/// The folder of an inlined scene, relative to that of the outermost scene; empty when it is the
 /// same.
 std::filesystem::path folderFromOutside(const Source& source) {
     const auto folderOf = [](const std::string& file) {
@@ -51,7 +52,8 @@ std::filesystem::path folderFromOutside(const Source& source) {
 
 std::string imageNameFromOutside(const Source& source, std::string_view value) {
     const std::string name = StringToken{value, value.starts_with('"'), true}.value();
-    // Absolute names and addresses mean the same everywhere. No quote may follow a backslash.
+    // Absolute names and addresses mean the same everywhere. A name that ends in a backslash cannot
+    // be quoted.
     if (source.parent == nullptr || name.empty() || name.front() == '/' || name.front() == '\\' ||
         name.back() == '\\' || name.find_first_of(":\"") != std::string::npos) {
         return {};
@@ -88,7 +90,7 @@ void replaceInline(Parse& parse, const OpenNode& node) {
         return;
     }
     const std::string tooMuch =
-        "scenes of more than " + std::to_string(kMostInlinedBytes) + " bytes are put in place";
+        "the inlined scenes exceed " + std::to_string(kMostInlinedBytes) + " bytes";
     if (scene->bytes.size() > kMostInlinedBytes - job.bytesPut) {
         leave(tooMuch);
         return;
@@ -103,7 +105,7 @@ void replaceInline(Parse& parse, const OpenNode& node) {
     const std::string_view body = std::string_view(bytes).substr(preamble.headerSize);
     Source inner(job, bytes, body, scene->path, &parse.source);
     ++job.inlinedScenes;
-    ++job.depth; // Of the Separator: what is in force after an inline was in force before it.
+    ++job.depth; // For the Separator, which keeps the scene from changing the state after it.
     outer.push_back(scene->identity);
     const Coordinates inForce = job.coordinates;
     Parse child(inner, body, body);
@@ -132,7 +134,7 @@ void replaceInline(Parse& parse, const OpenNode& node) {
     parse.edits.replace(node.classBegin, parse.at,
                         job.store.take("Separator { " + applyEdits(body, edits) + " }"));
     parse.edits.quote(parse.at, before);
-    const std::string put = "put " + printable(scene->path) + " in the place of " + shown;
+    const std::string put = "replaced " + shown + " by " + printable(scene->path);
     parse.edits.quote(parse.at, {remark(job.store.keepMessage(put), line)});
     parse.edits.quote(parse.at, edits);
 }

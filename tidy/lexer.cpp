@@ -10,7 +10,7 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// What separates words in whatever dialect.
+/// The characters that end a word in any dialect of the language.
 constexpr std::array<bool, 256> kWordEnds = [] {
     std::array<bool, 256> table{};
     for (const char c : std::string_view("{}[]()\",;#|~ \t\n\v\f\r")) {
@@ -91,7 +91,7 @@ StringToken Lexer::string(const char* p) {
             p, [this](const char* first) { return std::find_if(first, end(), isSpace); });
         return {between(p, last), false, true};
     }
-    // A quote after a backslash never ends the string, whatever is before the backslash.
+    // A quote after a backslash never ends the string, even if another backslash is before it.
     const char* const quote = quote_.from(p + 1, [this](const char* first) {
         const char* found = std::find(first, end(), '"');
         while (found != end() && found[-1] == '\\') {

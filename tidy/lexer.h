@@ -13,30 +13,31 @@ inline std::string_view between(const char* first, const char* last) {
     return {first, static_cast<std::size_t>(last - first)};
 }
 
-/// A string as the reader takes it: in double quotes, or a word that runs to the next white space.
+/// A string as the reader sees it: in double quotes, or a word up to the next white space.
 struct StringToken {
-    /// The text that the string stands for.
+    /// The value of the string, without quotes and escapes.
     std::string value() const;
-    /// The name that it is after DEF or USE: names end at their first zero byte.
+    /// The string as a name after DEF or USE: names end at their first zero byte.
     std::string nodeName() const {
         const std::string name = value();
         return name.substr(0, name.find('\0'));
     }
-    /// What stands between the quotes, as written; of a word all of it.
+    /// The text between the quotes, as written; the whole text of a word.
     std::string_view inner() const;
     const char* end() const { return text.data() + text.size(); }
 
     std::string_view text; ///< As written, with its quotes.
     bool isQuoted = false;
-    bool isClosed = true; ///< False when no closing quote follows; then `text` is the quote.
+    bool isClosed =
+        true; ///< False when the closing quote is missing; then `text` is just the opening quote.
 };
 
-/// Cuts a text into tokens, by the character classes and rules of the reader. Places are pointers
-/// into the text. The text is followed by a zero byte, or ends in a brace, so that numbers can be
-/// scanned without regard to its end.
+/// Splits a text into tokens by the character classes and rules of the reader. Positions are
+/// pointers into the text. The text is followed by a zero byte or ends in a brace, so that numbers
+/// can be scanned without checking for the end.
 ///
-/// The ends of long tokens are remembered: a text in which every byte could begin a token of all
-/// the rest is cut in linear time all the same.
+/// The ends of long tokens are cached. So the time stays linear even for a text in which every byte
+/// could begin a token that reaches to the end.
 class Lexer {
 public:
     explicit Lexer(std::string_view text) : text_(text) {}
@@ -44,10 +45,10 @@ public:
     std::string_view text() const { return text_; }
     const char* begin() const { return text_.data(); }
     const char* end() const { return text_.data() + text_.size(); }
-    /// The character at a place, or a zero at the end.
+    /// The character at `p`, or zero at the end.
     char at(const char* p) const { return p == end() ? '\0' : *p; }
 
-    /// The first place at or after `p` that is neither white space nor part of a comment.
+    /// The first position at or after `p` that is neither white space nor part of a comment.
     const char* skipSpace(const char* p) {
         p += *p == ' ' && p != end() ? 1 : 0;
         return *p <= ' ' || *p == '#' ? skipLongSpace(p) : p;
@@ -60,15 +61,16 @@ public:
     /// The characters up to the next white space, bracket, quote, comma, semicolon or bar. The `#`
     /// of a `1.#INF` belongs to the word, and so do the parentheses of `-nan(ind)`.
     std::string_view word(const char* p) const;
-    /// The string at `p`, as the reader takes it.
+    /// The string at `p`, as the reader sees it.
     StringToken string(const char* p);
-    /// The string at `p`, where a word also ends before a brace.
+    /// The string at `p`; unlike for the reader, a word also ends before a brace.
     StringToken stringBeforeBrace(const char* p);
 
 private:
     const char* skipLongSpace(const char* p);
 
-    /// What a search from `first` has found at `found`: it is the same for all places between.
+    /// A cached search: started at `first`, it found `found`. The result is the same for all
+    /// positions in between.
     struct Remembered {
         template <class Search>
         const char* from(const char* p, Search search) {
@@ -89,18 +91,19 @@ private:
     bool endsInComment_ = false;
 };
 
-/// The string in quotes at `p`, or else the word.
+/// The quoted string at `p`, or the word if there is no quote.
 StringToken quotedOrWord(Lexer& lexer, const char* p);
 
-/// Names are compared up to the length at which the reader cuts them.
+/// Cuts a name to the length that the reader keeps. Names are compared in this form.
 std::string_view cutName(std::string_view name);
 
-/// A word with braces in quotes, so that every program sees the braces as the reader does; empty
-/// for other words and for those that end in a backslash, which no quote can follow.
+/// Puts quotes around a word with braces, so that every program takes the braces as part of it, as
+/// the reader does. Empty for words without braces, and for words that end in a backslash, because
+/// that would escape the closing quote.
 std::string inQuotes(std::string_view word);
 
-/// True where the `#` after a point begins INF, IND, QNAN or SNAN: how some C libraries print
-/// numbers that are not finite.
+/// True when INF, IND, QNAN or SNAN follows a `#`. Some C libraries print infinities and NaNs as
+/// `1.#INF` and the like.
 bool isPrintedNonNumber(const char* hash, const char* end);
 
 } // namespace meshcast::tidy

@@ -19,7 +19,7 @@ bool Items::isClosedLater() {
 }
 
 bool Items::isNumber() {
-    // A word stands for a number unless the list's bracket is missing before it.
+    // A word counts as a damaged number, unless the list's closing bracket is missing before it.
     return beginsNumber(lexer_, at_) ||
            (inBrackets_ && (!isNameStart(lexer_.at(at_)) || isClosedLater()));
 }
@@ -33,7 +33,7 @@ Item Items::next() {
     if (c == ',' || c == ';') {
         return take(Item::Kind::kComma, 1);
     }
-    // Nearly all that lists hold.
+    // The common case, tried first for speed.
     const char* const end = endOfNumber(at_, kind_);
     if (end != nullptr && std::string_view(" \t\n\v\f\r,]").find(*end) != std::string_view::npos) {
         return take(Item::Kind::kNumber, static_cast<std::size_t>(end - at_), true);

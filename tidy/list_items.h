@@ -15,10 +15,10 @@ struct Item {
 
     Kind kind;
     std::string_view text;
-    bool isSound = false; ///< A number as the reader takes it.
+    bool isSound = false; ///< A number that the reader accepts.
 };
 
-/// Cuts the text of a list into numbers, commas and what does not belong there.
+/// Splits the text of a list into numbers, commas and stray items.
 class Items {
 public:
     Items(Lexer& lexer, const char* first, NumberKind kind, bool inBrackets)
@@ -44,11 +44,11 @@ private:
     NumberKind kind_;
     bool inBrackets_;
     int depth_ = 0;
-    const char* closedAt_ = nullptr; ///< What isClosedLater has found.
+    const char* closedAt_ = nullptr; ///< The position for which isClosed_ was computed.
     bool isClosed_ = false;
 };
 
-/// How a list's numbers are grouped by its commas. Groups without numbers do not count.
+/// How commas group the numbers of a list. Empty groups do not count.
 struct Grouping {
     void endGroup(std::size_t width) {
         if (size != 0) {
@@ -64,8 +64,8 @@ struct Grouping {
     std::size_t groups = 0;
     std::size_t lastSize = 0;
     std::size_t largest = 0;
-    bool hasBroken = false; ///< Some group makes no whole number of values.
-    std::size_t size = 0;   ///< Of the group at hand.
+    bool hasBroken = false; ///< The size of some group is not a multiple of the width.
+    std::size_t size = 0;   ///< Of the current group.
 };
 
 /// The grouping of the items up to the end of the list.

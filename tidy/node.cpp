@@ -8,7 +8,7 @@ namespace meshcast::tidy {
 
 using Kind = OpenNode::Kind;
 
-/// Takes a node, from its class on.
+/// Parses the beginning of a node, starting at its class.
 void parseNode(Parse& parse, const Beginning& beginning, std::string_view className) {
     const char* const classEnd = className.data() + className.size();
     const NodeClass* info = findClass(className);
@@ -37,7 +37,7 @@ void parseNode(Parse& parse, const Beginning& beginning, std::string_view classN
     }
 }
 
-/// Enters a node whose opening brace is at hand.
+/// Opens a node at its opening brace.
 void openNode(Parse& parse, const NodeClass& info, const Beginning& beginning,
               const char* classBegin) {
     Job& job = parse.job;
@@ -68,7 +68,7 @@ void openNode(Parse& parse, const NodeClass& info, const Beginning& beginning,
     parse.open.push_back(std::move(node));
     parse.leaf = {};
 
-    // A group of the catalogue has children in the place of a declaration.
+    // In a group of the catalogue, this would be children, not a declaration.
     if (info.isDeclared || !info.isGroup) {
         const char* const inside = parse.lexer.skipSpace(parse.at);
         const std::string_view word = parse.lexer.at(inside) == '"' && info.isDeclared
@@ -84,7 +84,7 @@ void openNode(Parse& parse, const NodeClass& info, const Beginning& beginning,
     }
 }
 
-/// Leaves the node whose closing brace has been passed.
+/// Closes the node whose closing brace has been read.
 void closeNode(Parse& parse) {
     OpenNode node = std::move(parse.top());
     parse.open.pop_back();
@@ -101,7 +101,7 @@ void closeNode(Parse& parse) {
     }
 }
 
-/// Notes that a child begins, or a node at the top.
+/// Counts a child or a top-level node.
 void addChild(Parse& parse, const EditList::Mark& begin) {
     OpenNode& parent = parse.container();
     parent.isInFields = false;
@@ -113,8 +113,8 @@ void addChild(Parse& parse, const EditList::Mark& begin) {
     }
 }
 
-/// Closes a node that has no children before one. Whether its brace is missing or the node stands
-/// inside it is seen later: then a brace too many is dropped.
+/// Closes a node that cannot have children before a node in it. Either its closing brace is
+/// missing, or the node is really inside. In the second case the extra brace is dropped later.
 void closeLeafEarly(Parse& parse) {
     parse.edits.insert(parse.at, "} ",
                        "closed " + parse.top().info->name + " before the node in it");
@@ -135,7 +135,7 @@ void dropNode(Parse& parse, const Beginning& beginning, std::string_view classNa
         parse.source.names.erase(beginning.name);
     }
     const std::string message = "dropped the unknown node " + quoted(className);
-    parse.edits.takeSince(beginning.editsBefore); // A name that has been written.
+    parse.edits.takeSince(beginning.editsBefore); // Undoes a rewritten name.
     if (parse.top().kind == Kind::kLeaf) {
         parse.edits.drop(beginning.begin, parse.at, message);
     } else {
@@ -158,7 +158,7 @@ void parseNull(Parse& parse) {
     const char* const first = parse.at;
     parse.at += 4;
     const Kind kind = parse.top().kind;
-    // At the end of a group the reader takes it for the end of the children.
+    // At the end of a group the reader accepts it as the end of the children.
     if (kind == Kind::kGroup && parse.lexer.at(parse.lexer.skipSpace(parse.at)) == '}') {
         parse.container().isInFields = false;
     } else if (kind == Kind::kLeaf) {

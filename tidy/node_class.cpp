@@ -14,7 +14,7 @@ using Kind = ValueType::Kind;
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-/// What the text of a field is made of, by FieldType.
+/// The syntax of values by FieldType.
 constexpr ValueType kTypes[] = {
     {Kind::kReal, 3, true}, {Kind::kReal, 1, true}, {Kind::kInteger, 1, true},
     {Kind::kReal, 2, true}, {Kind::kReal, 3, true}, {Kind::kMask},
@@ -50,7 +50,7 @@ NodeClass describe(const ClassInfo& info) {
 
 using Classes = std::map<std::string_view, NodeClass>;
 
-/// Every class of the catalogue. Never destroyed: open nodes point into it.
+/// All classes of the catalogue. Never destroyed: open nodes point into it.
 const Classes& classes() {
     static const Classes& table = *[] {
         auto* const made = new Classes;
@@ -77,7 +77,7 @@ const Field* NodeClass::field(std::string_view fieldName) const {
 
 const Field* NodeClass::fieldInAnyCase(std::string_view fieldName) const {
     if (!places_.empty()) {
-        return nullptr; // Too many to be searched for each unknown word.
+        return nullptr; // Searching so many for each unknown word would be too slow.
     }
     const auto found = std::find_if(fields.begin(), fields.end(), [fieldName](const Field& field) {
         return equalInAnyCase(field.name, fieldName);

@@ -14,7 +14,7 @@ bool isWhole(const std::string& word, NumberKind kind) {
     return endOfNumber(word.c_str(), kind) == word.c_str() + word.size();
 }
 
-/// `0X1F` as `0x1F`; empty for what is not hexadecimal.
+/// `0X1F` as `0x1F`; empty for other words.
 std::string lowerHexadecimal(std::string_view word) {
     const std::size_t sign = word.starts_with('-') ? 1 : 0;
     const std::string_view digits = word.substr(std::min(word.size(), sign + 2));
@@ -24,7 +24,7 @@ std::string lowerHexadecimal(std::string_view word) {
     return isHexadecimal ? std::string(word.substr(0, sign)).append("0x").append(digits) : "";
 }
 
-/// An integer that is written as a real, without its fraction; empty when it does not fit.
+/// A real without its fraction, as an integer; empty when it does not fit.
 std::string truncated(const std::string& word) {
     constexpr double kTooLarge = 2147483648.0;
     const ScannedReal scanned = scanReal(word.c_str());

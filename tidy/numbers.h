@@ -12,10 +12,10 @@ namespace meshcast::tidy {
 enum class NumberKind : std::uint8_t {
     kReal,
     kInteger,
-    kUnsigned, ///< A pixel.
+    kUnsigned, ///< The value of a pixel.
 };
 
-/// The end of the number at `p` as the reader takes it, or null where it takes none.
+/// The end of the number that the reader accepts at `p`, or null when it accepts none.
 inline const char* endOfNumber(const char* p, NumberKind kind) {
     if (kind == NumberKind::kReal) {
         return endOfReal(p);
@@ -28,18 +28,19 @@ inline const char* endOfNumber(const char* p, NumberKind kind) {
 struct MendedNumber {
     enum class How : std::uint8_t {
         kAsIs,
-        kRewritten, ///< The same number as the reader takes it.
-        kNone,      ///< No number can be made out: 0.
+        kRewritten, ///< The same number in a notation that the reader accepts.
+        kNone,      ///< Not recognisable as a number: 0.
     };
     How how;
     std::string text;
 };
 
-/// Mends a word: C's suffixes, `0X1F`, hexadecimal reals, Fortran's exponents and decimal commas
-/// become what the reader takes; a real where an integer belongs loses its fraction.
+/// Converts a word to a number that the reader accepts. Understands C's suffixes, `0X1F`,
+/// hexadecimal reals, Fortran's exponents and decimal commas. A real loses its fraction where an
+/// integer is expected.
 MendedNumber mendNumber(std::string_view word, NumberKind kind);
 
-/// True when the word at `p` begins as numbers do, or is `nan` or `inf`.
+/// True when the word at `p` begins like a number, or is `nan` or `inf`.
 bool beginsNumber(const Lexer& lexer, const char* p);
 
 } // namespace meshcast::tidy

@@ -4,16 +4,16 @@
 #include <limits>
 #include <string>
 
-// A point set without a number of points shows all points of the coordinates in force, by the
-// language, but none through the filter. So the coordinates in force are kept track of, as the walk
-// of the filter has them, and the number is written. A definition whose point sets got theirs from
-// coordinates outside of it is written once more where other coordinates are in force.
+// By the language, a point set without a number of points shows all current coordinates, but the
+// filter shows none. So the current coordinates are tracked in the same way as by the filter's
+// traversal, and the number is written. A definition may hold point sets that use coordinates from
+// outside it. Where it is used with other coordinates, the definition is repeated.
 
 namespace meshcast::tidy {
 
 namespace {
 
-/// True when the walk goes into the latest child of a node.
+/// True when the traversal visits the latest child of a node.
 bool showsLatestChild(const OpenNode& node) {
     constexpr std::int64_t kAllChildren = -3;
     if (node.info == nullptr || !node.info->picksChild) {
@@ -24,8 +24,8 @@ bool showsLatestChild(const OpenNode& node) {
                                 : node.whichChild == kAllChildren || node.whichChild == index;
 }
 
-/// Writes the number of points of a point set that is left, which is all that the coordinates in
-/// force have after its first.
+/// Writes the number of points at the end of a point set: all current coordinates from its start
+/// index on.
 void writePoints(Parse& parse, OpenNode& node) {
     const LeafFields& leaf = parse.leaf;
     const Coordinates& inForce = parse.job.coordinates;

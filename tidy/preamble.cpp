@@ -12,7 +12,7 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// How files begin that are something else, in lower case.
+/// How other kinds of files begin, in lower case.
 struct Beginning {
     std::string_view text;
     std::string_view what;
@@ -41,7 +41,7 @@ void skipBlanks(std::string_view& text) {
         std::find_if_not(text.begin(), text.end(), isBlank) - text.begin()));
 }
 
-/// The digit after "#VRML V", in whatever spelling; 0 when it is not there.
+/// The digit after "#VRML V" in any spelling of it; 0 when there is none.
 char headerVersion(std::string_view line) {
     constexpr std::string_view kName = "vrml";
     if (!line.starts_with('#')) {
@@ -65,7 +65,7 @@ std::string_view lineAt(std::string_view text, std::size_t first) {
     return text.substr(first, text.find('\n', first) - first);
 }
 
-/// The place of a line that is a header, among the first lines; npos when there is none.
+/// The offset of a header line among the first lines; npos when there is none.
 std::size_t findHeaderLine(std::string_view text) {
     constexpr std::size_t kFarthest = std::size_t(64) * 1024;
     for (std::size_t first = 0; first < std::min(text.size(), kFarthest);) {
@@ -78,7 +78,7 @@ std::size_t findHeaderLine(std::string_view text) {
     return std::string_view::npos;
 }
 
-/// True for text that begins with a node though no header stands before it.
+/// True for text that begins with a node but has no header.
 bool beginsWithNode(std::string_view text) {
     Lexer lexer(text);
     const char* p = lexer.skipSpace(lexer.begin());
@@ -90,7 +90,7 @@ bool beginsWithNode(std::string_view text) {
     return findClass(word) != nullptr && lexer.at(lexer.skipSpace(p + word.size())) == '{';
 }
 
-/// Finds out what text without a header at its beginning is, if it is no scene.
+/// For text without a header at its beginning: what it is instead of a scene.
 std::string refusalOf(std::string_view text, std::string_view line) {
     for (const Beginning& other : kOthers) {
         if (beginsWith(line, other.text)) {
@@ -113,7 +113,7 @@ std::string refusalOf(std::string_view text, std::string_view line) {
     return text.empty() ? "is empty" : "is not VRML 1.0: it begins with " + quoted(line);
 }
 
-/// True for a first line after which only another kind of scene can come.
+/// True for the first line of another kind of scene.
 bool isOtherFormat(std::string_view line) {
     const char version = headerVersion(line);
     return (version != 0 && version != '1') || beginsWith(line, "#inventor") ||
@@ -121,8 +121,8 @@ bool isOtherFormat(std::string_view line) {
                        [line](const Beginning& other) { return beginsWith(line, other.text); });
 }
 
-/// Makes line ends LF. Lone carriage returns are line ends only where the first line ends in one:
-/// elsewhere they are space to the filter, or part of a comment.
+/// Converts line ends to LF. Lone carriage returns count as line ends only if the first line ends
+/// in one. Otherwise the filter takes them as white space or as part of a comment.
 void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
     char* const first = text.data();
     char* const last = first + text.size();
@@ -141,7 +141,7 @@ void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
     while (from != last) {
         char* const after = std::find_if(from, last, [](char c) { return c != '\r'; });
         const auto count = static_cast<std::size_t>(after - from);
-        // What programs make of a line end that they turned into CRLF twice is one line end.
+        // A file that was converted to CRLF twice has CR CR LF for one line end.
         const bool isPair = after != last && *after == '\n';
         const std::size_t kept = !isPair ? count : (areAlone ? count - 1 : 0);
         to = std::fill_n(to, kept, areAlone ? '\n' : '\r');
@@ -156,21 +156,21 @@ void mendLineEnds(std::string& text, std::vector<std::string>& repairs) {
     }
     text.resize(static_cast<std::size_t>(to - first));
     if (pairs != 0) {
-        repairs.push_back("made the " + counted(pairs, "CRLF line end") + " LF");
+        repairs.push_back("converted " + counted(pairs, "CRLF line end") + " to LF");
     }
     if (alone != 0) {
-        repairs.push_back("made the " + counted(alone, "CR line end") + " LF");
+        repairs.push_back("converted " + counted(alone, "CR line end") + " to LF");
     }
 }
 
-/// The filter takes a byte 255 for the end of the file in some places.
+/// In some places the filter takes a byte of value 255 for the end of the file.
 void mendEndMarks(std::string& text, std::vector<std::string>& repairs) {
     constexpr char kEndMark = '\xff';
     if (text.find(kEndMark) != std::string::npos) {
         const auto count = std::count(text.begin(), text.end(), kEndMark);
         std::replace(text.begin(), text.end(), kEndMark, ' ');
-        repairs.push_back("made " + counted(static_cast<std::size_t>(count), "byte") +
-                          " of value 255 blank");
+        repairs.push_back("replaced " + counted(static_cast<std::size_t>(count), "byte") +
+                          " of value 255 by blanks");
     }
 }
 

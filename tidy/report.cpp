@@ -8,7 +8,7 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// The length of the UTF-8 sequence of one printable character at the beginning of a text, or 0.
+/// The length of the UTF-8 sequence of the printable character that a text begins with, or 0.
 std::size_t sequenceLength(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text.front());
     if (lead < 0x80) {

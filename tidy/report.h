@@ -7,7 +7,7 @@
 
 namespace meshcast::tidy {
 
-/// Turns places of a text into line numbers.
+/// Converts offsets in a text to line numbers.
 class LineIndex {
 public:
     explicit LineIndex(std::string_view text) : text_(text) {}
@@ -17,17 +17,18 @@ public:
 
 private:
     std::string_view text_;
-    std::vector<std::size_t> newlinesBefore_; ///< Of each block, counted when first asked for.
-    // The latest answer: the next place is mostly a little further.
+    std::vector<std::size_t>
+        newlinesBefore_; ///< Newlines before each block, counted when first needed.
+    // The latest result: the next offset is usually a little further.
     std::size_t lastOffset_ = 0;
     std::size_t lastLine_ = 1;
 };
 
-/// Text of a scene, or the name of a file, without characters that would reach a terminal as
-/// commands: control characters and bytes of no valid UTF-8 become `?`.
+/// Makes text from a scene, or a file name, safe for a terminal: control characters and invalid
+/// UTF-8 bytes become `?`.
 std::string printable(std::string_view text);
 
-/// A piece of a scene in quotes, as a message shows it: cut when it is long, ASCII only.
+/// Text from a scene in quotes, for a message: ASCII only, and cut when it is long.
 std::string quoted(std::string_view text);
 
 /// "1 value", "2 values".

@@ -7,8 +7,8 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// Passes over tokens until `braces` and `brackets` are closed. In brackets, a closing brace that
-/// was not opened there ends the skip before it.
+/// Skips tokens until `braces` and `brackets` are closed. In brackets, stops before a closing brace
+/// that was not opened there.
 const char* skipBalanced(Lexer& lexer, const char* p, std::int64_t braces, std::int64_t brackets,
                          const OnDefinition& onDefinition) {
     for (;;) {

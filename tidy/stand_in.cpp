@@ -5,20 +5,20 @@
 #include <algorithm>
 #include <optional>
 
-// Nodes of classes that are not of the catalogue, but say what they are like: by declaring their
-// fields, by naming a class that they can stand for (`isA`), or by being known from other programs.
+// Nodes of classes that are not in the catalogue but can still be understood: they declare their
+// fields, they name a known class in `isA`, or they are known from other programs.
 
 namespace meshcast::tidy {
 
 namespace {
 
-/// The word `fields` at `p`, which may be in quotes where the reader takes a string; empty if not.
+/// The word `fields` at `p`, which may be in quotes where the reader reads a string; else empty.
 std::string_view fieldsWord(Lexer& lexer, const char* p) {
     const StringToken token = lexer.at(p) == '"' ? lexer.string(p) : StringToken{lexer.name(p)};
     return token.inner() == "fields" ? token.text : std::string_view();
 }
 
-/// The end of a declaration of whatever types, from its bracket on.
+/// The end of a declaration with any types, starting at its bracket.
 const char* endOfAnyDeclaration(Lexer& lexer, const char* p) {
     p = lexer.skipSpace(p);
     return lexer.at(p) == '[' ? skipToBracket(lexer, p + 1) : nullptr;
@@ -47,7 +47,7 @@ const NodeClass* firstKnown(Lexer& lexer, const char* p) {
 
 const char* endOfDeclaration(Lexer& lexer, const char* p, NodeClass* declared) {
     p = lexer.skipSpace(p);
-    // The reader takes any character for the opening bracket.
+    // The reader accepts any character as the opening bracket.
     p = lexer.skipSpace(p + (p == lexer.end() ? 0 : 1));
     while (lexer.at(p) != ']') {
         const std::string_view type = lexer.name(p);
@@ -70,8 +70,8 @@ const char* endOfDeclaration(Lexer& lexer, const char* p, NodeClass* declared) {
     return p + 1;
 }
 
-/// The class of an unknown node that declares its fields; null when it does not, or not so that
-/// the reader could take it.
+/// The class of an unknown node that declares its fields; null when there is no declaration that
+/// the reader accepts.
 const NodeClass* declaredClass(Parse& parse, std::string_view className) {
     Lexer& lexer = parse.lexer;
     const char* const brace = lexer.skipSpace(className.data() + className.size());
@@ -87,7 +87,7 @@ const NodeClass* declaredClass(Parse& parse, std::string_view className) {
     }
     made->name = className;
     made->isGroup = made->isDeclared = made->keepsItsState = true;
-    // The reader takes a whole word here.
+    // The reader reads a whole word here.
     if (*word.data() != '"' && !isSpace(lexer.at(end))) {
         parse.edits.insert(end, " ", "separated \"fields\" from its bracket");
     }
@@ -95,9 +95,9 @@ const NodeClass* declaredClass(Parse& parse, std::string_view className) {
     return parse.declared.back().get();
 }
 
-/// The class that an unknown node names in its field `isA` as one that it can stand for. The node
-/// is written as one of that class, without its declaration; the fields that the class does not
-/// know are dropped like all others of that kind.
+/// The known class that an unknown node names in its field `isA`. The node is rewritten as a node
+/// of that class, without its declaration. Fields that the class does not have are dropped as
+/// usual.
 StandIn standIn(Parse& parse, std::string_view className) {
     Lexer& lexer = parse.lexer;
     const char* const classEnd = className.data() + className.size();

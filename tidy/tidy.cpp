@@ -20,7 +20,7 @@ Source::Source(Job& sourceJob, std::string_view wholeFile, std::string_view scen
     };
     onDropped = [this](const StringToken& name, const char* definition) {
         Definition& known = names[name.nodeName()];
-        // A node of what is dropped that has been written elsewhere is still there.
+        // A definition that was written elsewhere stays valid when this text is dropped.
         if (!known.isWritten || known.source != definition) {
             known = {};
             known.source = definition;
@@ -72,7 +72,7 @@ std::vector<Edit> takeEditsFrom(Parse& parse, const char* at) {
 
 namespace {
 
-/// Tells what the edits have to say, and counts the repairs.
+/// Reports the messages of the edits and counts the repairs.
 std::size_t report(const std::vector<Edit>& edits, Source& source, const Options& options) {
     std::size_t repairs = 0;
     std::size_t untold = 0;
@@ -92,12 +92,12 @@ std::size_t report(const std::vector<Edit>& edits, Source& source, const Options
     return repairs;
 }
 
-/// Where the edited text has what stands at `offset` in the text before.
+/// Maps offsets of the edited text to offsets of the original text.
 class OriginalPlaces {
 public:
     explicit OriginalPlaces(const std::vector<Edit>& edits) : edits_(edits) {}
 
-    /// For places of the edited text in their order.
+    /// The offsets must be passed in increasing order.
     std::size_t of(std::size_t edited) {
         while (next_ < edits_.size() && edits_[next_].offset + grown_ < edited) {
             const Edit& edit = edits_[next_++];
@@ -105,7 +105,7 @@ public:
             if (edited < end) {
                 return edit.offset;
             }
-            // Modulo 2^64, as all of this is.
+            // All of this is computed modulo 2^64.
             grown_ += edit.replacement.size() - edit.length;
         }
         return edited - grown_;
@@ -117,10 +117,9 @@ private:
     std::size_t grown_ = 0;
 };
 
-/// Goes through a repaired text once more, with nothing put in place. Only there it is certain
-/// which coordinates are in force for a point set: damage hides it, such as a `whichChild` after
-/// the children of its Switch. Reports with the lines of the text before; false when nothing
-/// changed.
+/// Parses a repaired text once more, without inlining. In damaged text it is not always known which
+/// coordinates a point set uses, for example when `whichChild` comes after the children of its
+/// Switch. Reports with line numbers of the original text. False when nothing changed.
 bool tidyAgain(std::string& text, const std::vector<Edit>& before, Source& source,
                const Options& options, std::size_t& repairs) {
     Options inPlace = options;

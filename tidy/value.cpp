@@ -42,7 +42,7 @@ bool maySeparate(const ValuePlace& place, const char* end) {
     if (next == lexer.end() || c == '}' || c == '~') {
         return true;
     }
-    // "5height" is a 5 and a height, "5f" is neither.
+    // "5height" is the number 5 and a field; "5f" is not.
     return isNameStart(c) && (next != end || place.mayFollow(lexer.name(next)));
 }
 

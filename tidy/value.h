@@ -11,10 +11,10 @@
 
 namespace meshcast::tidy {
 
-/// A field whose value is at hand, and what may follow it, by which a value that only looks right
-/// is known.
+/// A field whose value is being parsed. Also says what may follow the value, which shows when a
+/// value only looks right.
 struct ValuePlace {
-    /// True for a word with which the node may go on.
+    /// True when the node may continue with this word.
     bool mayFollow(std::string_view word) const;
     const ValueType& type() const { return field.type; }
 
@@ -22,22 +22,24 @@ struct ValuePlace {
     EditList& edits;
     const NodeClass& owner;
     const Field& field;
-    const std::function<bool()>& bracesMatch; ///< Of the whole scene, those within words counted.
+    const std::function<bool()>&
+        bracesMatch; ///< Whether the braces of the whole scene match, counting those inside words.
 };
 
-/// What was taken for a value.
+/// The result of parsing a value.
 struct PassedValue {
     explicit operator bool() const { return end != nullptr; }
 
-    const char* end = nullptr; ///< Null when there is no value that could be kept.
-    std::size_t count = 1;     ///< Of the values of a list.
+    const char* end = nullptr; ///< Null when there is no usable value.
+    std::size_t count = 1;     ///< The number of values of a list.
 };
 
-/// Passes over the value of a field at `p`. What the reader takes stays as it is; anything else is
-/// mended by one edit. Null, and no edit, when nothing can be made of it.
+/// Parses the value of a field at `p`. A value that the reader accepts stays as it is; any other is
+/// repaired by one edit. Returns null and makes no edit when the value cannot be repaired.
 PassedValue passValue(const ValuePlace& place, const char* p);
 
-// The kinds of values. Each first looks for what the reader takes, then for what may be meant.
+// One function for each kind of value. Each first tries what the reader accepts, then what may be
+// meant.
 PassedValue passNumbers(const ValuePlace& place, const char* p);
 PassedValue mendList(const ValuePlace& place, const char* first);
 PassedValue passBool(const ValuePlace& place, const char* p);
@@ -46,15 +48,15 @@ PassedValue passMask(const ValuePlace& place, const char* first);
 PassedValue passString(const ValuePlace& place, const char* p);
 PassedValue passImage(const ValuePlace& place, const char* first);
 
-/// True when the node may go on at `end`, which a value has been taken up to.
+/// True when the node may continue at `end`, the end of a value.
 bool maySeparate(const ValuePlace& place, const char* end);
 
-/// Writes `meant` for [first, end), and says so.
+/// Replaces [first, end) by `meant` and reports it.
 PassedValue rewrite(const ValuePlace& place, const char* first, const char* end,
                     std::string_view meant);
 
-/// The word of an enumeration that another spelling or dialect means; empty when none or more than
-/// one could be meant.
+/// The word of an enumeration that `written` means in another spelling or dialect. Empty when no
+/// word, or more than one, could be meant.
 std::string_view meantWord(const Enumeration* words, std::string_view written);
 
 } // namespace meshcast::tidy

@@ -9,8 +9,8 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// How many numbers an image has, by the three of its head; 0 where the reader takes no such
-/// head. More than four components a pixel make no image.
+/// How many numbers an image has, computed from the first three; 0 when the reader rejects these.
+/// Images with more than four components per pixel are invalid.
 std::uint64_t numberCount(const std::int32_t (&head)[3]) {
     constexpr std::int32_t kMostComponents = 4;
     const auto width = static_cast<std::int16_t>(head[0]);
@@ -33,8 +33,8 @@ const char* skipCommas(Lexer& lexer, const char* p, bool skips) {
     return p;
 }
 
-/// Where an image ends, or null. The reader takes numbers apart from one another; with
-/// `isTolerant`, commas may stand between them and words that are to be mended in their place.
+/// The end of an image, or null. The reader accepts numbers separated by white space. With
+/// `isTolerant`, also commas and damaged numbers.
 const char* endOfImage(Lexer& lexer, const char* p, bool isTolerant) {
     std::int32_t head[3] = {};
     std::uint64_t count = 3;

@@ -5,21 +5,21 @@
 
 #include <string>
 
-// A list that the reader does not take is gone through twice: first to see how its numbers are
-// grouped by commas, then to write it anew. Commas are taken seriously where the groups make whole
-// values; elsewhere they are but space. Space and comments between the items are kept.
+// A list that the reader rejects is parsed twice: first to see how commas group its numbers, then
+// to rewrite it. Commas count as separators only where every group makes whole values; otherwise
+// they are treated as white space. White space and comments between the items are kept.
 
 namespace meshcast::tidy {
 
 namespace {
 
-/// Things of one kind that were done to a list.
+/// Counts repairs of one kind in a list.
 struct Tally {
     void add(std::string_view text) {
         first = count == 0 ? text : first;
         ++count;
     }
-    /// The first of them, and how many more there are.
+    /// The first repaired item, and how many more there are.
     std::string shown() const {
         return quoted(first) + (count > 1 ? " and " + counted(count - 1, "other") : "");
     }
@@ -27,13 +27,13 @@ struct Tally {
     std::string_view first;
 };
 
-/// Writes a list anew.
+/// Rewrites a list.
 class ListWriter {
 public:
     ListWriter(NumberKind kind, std::size_t width, const char* first, bool isSingle, bool isFlat)
         : kind_(kind), width_(width), copied_(first), isSingle_(isSingle), isFlat_(isFlat) {}
 
-    /// Writes the items to the end of the list, all but the last numbers, which make no value.
+    /// Writes the items up to the end of the list, except for an incomplete last value.
     void write(Items& items, std::size_t kept);
     std::string report(bool hadBrackets) const;
     std::string& text() { return text_; }
@@ -50,12 +50,12 @@ private:
 
     NumberKind kind_;
     std::size_t width_;
-    const char* copied_; ///< What has been written or left out of the source ends here.
-    bool isSingle_;      ///< One value, without commas.
-    bool isFlat_;        ///< Commas stand between all numbers and mean nothing.
+    const char* copied_; ///< The source is processed up to here.
+    bool isSingle_;      ///< A single value, without commas.
+    bool isFlat_;        ///< There are commas between all numbers, so they do not separate values.
     std::string text_;
     std::size_t numbers_ = 0;
-    std::size_t lastEnd_ = 0; ///< Of the latest number in the text.
+    std::size_t lastEnd_ = 0; ///< The end of the latest number in the text.
     bool needsComma_ = false; ///< A value is complete, and no comma follows it.
 
     Tally missing_;
@@ -161,7 +161,7 @@ std::string ListWriter::report(bool hadBrackets) const {
     };
     tell(missing_.count != 0, "added " + counted(missing_.count, "missing comma"));
     tell(stray_.count != 0, "removed " + counted(stray_.count, "stray item"));
-    tell(none_.count != 0, "put 0 for " + none_.shown());
+    tell(none_.count != 0, "replaced " + none_.shown() + " by 0");
     tell(rewritten_.count != 0, "rewrote " + rewritten_.shown());
     tell(padded_.count != 0, "filled up " + counted(padded_.count, "short value") + " with 0");
     tell(incomplete_.count != 0, "dropped the incomplete last value");

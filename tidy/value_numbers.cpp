@@ -15,7 +15,7 @@ NumberKind kindOf(const ValueType& type) {
     return type.kind == ValueType::Kind::kReal ? NumberKind::kReal : NumberKind::kInteger;
 }
 
-/// The end of one value's numbers as the reader takes them, or null.
+/// The end of the numbers of one value if the reader accepts them, or null.
 template <NumberKind kind>
 const char* endOfValue(Lexer& lexer, const char* p, int width) {
     for (int i = 0; i < width; ++i) {
@@ -36,7 +36,7 @@ const char* endOfValue(Lexer& lexer, const char* p, int width) {
     return p;
 }
 
-/// Passes over a list as the reader takes it, which is what nearly every byte of a scene is.
+/// Parses a list that the reader accepts. Nearly every byte of a scene is in such a list.
 template <NumberKind kind>
 PassedValue passList(Lexer& lexer, const char* p, int width) {
     std::size_t count = 0;
@@ -53,17 +53,17 @@ PassedValue passList(Lexer& lexer, const char* p, int width) {
             return {};
         }
     }
-    // Beyond the end of a part of a text lies the rest of it.
+    // The parsed text may be part of a longer one, so a number could continue after its end.
     return p >= lexer.end() ? PassedValue{} : PassedValue{p + 1, count};
 }
 
 struct NumberWord {
     std::string_view text;
-    bool isGlued; ///< To the word before, by nothing but a comma.
+    bool isGlued; ///< Only a comma separates it from the word before.
 };
 
-/// The words of numbers from `p` on, and where they end. Words beyond the first forty are passed
-/// over: they make no single value.
+/// The words of numbers from `p` on, and their end. Words after the first forty are skipped: no
+/// single value has so many.
 const char* gatherWords(Lexer& lexer, const char* p, std::vector<NumberWord>& words) {
     constexpr std::size_t kMostWords = 40;
     const char* end = p;
@@ -85,8 +85,8 @@ const char* gatherWords(Lexer& lexer, const char* p, std::vector<NumberWord>& wo
     }
 }
 
-/// Joins words at the commas between them: there are too many for these to separate numbers, so
-/// they are decimal commas.
+/// Joins words at the commas between them. There are too many words for one value, so these are
+/// decimal commas.
 std::vector<NumberWord> joinedAtCommas(const std::vector<NumberWord>& words) {
     std::vector<NumberWord> joined;
     for (const NumberWord& word : words) {
@@ -100,8 +100,8 @@ std::vector<NumberWord> joinedAtCommas(const std::vector<NumberWord>& words) {
     return joined;
 }
 
-/// One value that is written with commas, in brackets or in words that the reader does not take.
-/// Of lists only a bare value with decimal commas.
+/// Repairs a single value written with commas, in brackets, or with damaged numbers. For a list,
+/// only a value without brackets and with decimal commas.
 PassedValue mendSingle(const ValuePlace& place, const char* first) {
     Lexer& lexer = place.lexer;
     const ValueType& type = place.type();
@@ -138,7 +138,7 @@ PassedValue mendSingle(const ValuePlace& place, const char* first) {
     }
     const std::string field = " in " + quoted(place.field.name);
     if (!none.empty()) {
-        place.edits.replace(first, end, meant, "put 0 for " + quoted(none) + field);
+        place.edits.replace(first, end, meant, "replaced " + quoted(none) + " by 0" + field);
     } else if (inBrackets) {
         place.edits.replace(first, end, meant, "kept the first value" + field);
     } else if (meant != between(first, end)) {

@@ -10,8 +10,8 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// True for a string over several lines that holds braces and after which the node does not go on:
-/// the quote that closes it was meant to open another one.
+/// True for a string over several lines that holds braces and after which the node cannot continue.
+/// Then its closing quote was meant to open another string.
 bool runsOver(const ValuePlace& place, const StringToken& string) {
     const std::size_t newline = string.text.find('\n');
     if (newline == std::string_view::npos ||
@@ -34,7 +34,8 @@ PassedValue closeAtLineEnd(const ValuePlace& place, const char* first) {
     return {line};
 }
 
-/// A text in doubled quotes (`""text""`): a program wrote the quotes, and those of the text.
+/// A text in doubled quotes (`""text""`), as written by programs that add quotes to a text that
+/// already has them.
 PassedValue unquoteTwice(const ValuePlace& place, const StringToken& empty) {
     const char* const first = empty.end();
     const char c = place.lexer.at(first);
@@ -52,8 +53,8 @@ PassedValue unquoteTwice(const ValuePlace& place, const StringToken& empty) {
     return {line + 2};
 }
 
-/// Of a list of strings all, as the lines of one string, or the first one where the field names a
-/// file. Null where there are not several strings.
+/// Replaces a list of strings by one string: joined as lines, or only the first if the field names
+/// a file. Null when there is no list.
 PassedValue joinStrings(const ValuePlace& place, const char* first) {
     Lexer& lexer = place.lexer;
     const bool inBrackets = lexer.at(first) == '[';
@@ -105,7 +106,7 @@ PassedValue passString(const ValuePlace& place, const char* p) {
         const PassedValue joined = joinStrings(place, p);
         return joined ? joined : PassedValue{beforeBrace.end()};
     }
-    // To the reader a brace is part of a word.
+    // The reader takes a brace as part of a word.
     const char* const brace = beforeBrace.end();
     const bool isCut = lexer.at(brace) == '}' && place.bracesMatch();
     const std::string_view word = isCut ? beforeBrace.text : lexer.string(p).text;
@@ -113,8 +114,8 @@ PassedValue passString(const ValuePlace& place, const char* p) {
         return {};
     }
     if (!isCut) {
-        // A bracket and, in a node without children, a brace are part of a word if the node goes
-        // on well after it.
+        // A bracket, or in a node without children a brace, is part of a word if the node can
+        // continue after it.
         const char* const end = p + word.size();
         const bool hasBrace = !place.owner.isGroup && word.find('}') != std::string_view::npos;
         const char* const next = lexer.skipSpace(end);

@@ -13,8 +13,8 @@ namespace meshcast::tidy {
 
 namespace {
 
-/// Words of other dialects (letters and digits only, in lower case) and the words that they mean,
-/// where a field has them.
+/// Words of other dialects, reduced to letters and digits in lower case, and the words of the
+/// catalogue that they mean.
 struct Synonym {
     std::string_view dialect;
     std::string_view meant;
@@ -69,7 +69,7 @@ bool holdsWord(const Enumeration* words, std::string_view word) {
     return words != nullptr && words->find(word) != nullptr;
 }
 
-/// The word TRUE or FALSE that another spelling means, or a 0 or 1 in another notation.
+/// TRUE or FALSE for another spelling of it, or for a 0 or 1 in another notation.
 std::string meantTruth(const std::string& written) {
     for (const std::string_view word : {"true", "yes", "on"}) {
         if (equalInAnyCase(written, word)) {
@@ -87,7 +87,7 @@ std::string meantTruth(const std::string& written) {
     return isTruth ? mended.text : "";
 }
 
-/// The end of a mask as the reader takes it, or null.
+/// The end of a mask that the reader accepts, or null.
 const char* endOfMask(const ValuePlace& place, const char* p) {
     Lexer& lexer = place.lexer;
     if (lexer.at(p) != '(') {
@@ -131,7 +131,8 @@ std::string_view meantWord(const Enumeration* words, std::string_view written) {
             return synonym.meant;
         }
     }
-    // "UNKNOWN" for UNKNOWN_ORDERING: a beginning that only one word has, and not just a letter.
+    // "UNKNOWN" means UNKNOWN_ORDERING: an abbreviation that fits one word only and is longer than
+    // a letter.
     constexpr std::size_t kShortestBeginning = 3;
     return begun.size() == 1 && text.size() >= kShortestBeginning ? begun.front()
                                                                   : std::string_view();
@@ -139,7 +140,7 @@ std::string_view meantWord(const Enumeration* words, std::string_view written) {
 
 PassedValue passBool(const ValuePlace& place, const char* p) {
     Lexer& lexer = place.lexer;
-    // As the reader does it: a sign alone is passed over.
+    // Like the reader, skips a sign without a number.
     const ScannedInteger scanned = scanInteger(p);
     const bool isNumber = scanned.ok && (scanned.value == 0 || scanned.value == 1);
     if (isNumber && maySeparate(place, scanned.end)) {
@@ -165,7 +166,7 @@ PassedValue passEnum(const ValuePlace& place, const char* p) {
     if (holdsWord(place.type().words, name)) {
         return {p + name.size()};
     }
-    // In quotes, or in the brackets of a list or a mask, of which the first word is kept.
+    // In quotes, or in brackets or parentheses; the first word is kept.
     const bool inBrackets = lexer.at(p) == '[' || lexer.at(p) == '(';
     const StringToken token = quotedOrWord(lexer, inBrackets ? lexer.skipSpace(p + 1) : p);
     const std::string_view meant = meantWord(place.type().words, token.inner());
@@ -197,7 +198,7 @@ PassedValue passMask(const ValuePlace& place, const char* first) {
             break;
         }
         const std::string_view meant = meantWord(place.type().words, token.inner());
-        // Outside brackets, what is no word of the mask may be the next field.
+        // Outside parentheses, an unknown word may be the next field.
         if (meant.empty() && (!inBrackets || place.mayFollow(token.text))) {
             break;
         }

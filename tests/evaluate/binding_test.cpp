@@ -42,7 +42,8 @@ TEST(Binding, SpreadsMaterialsOverFaces) {
                    {"PER_FACE_INDEXED", "RGBWYC", "-1", "RRRGGG"},
                    {"PER_FACE_INDEXED", "RGBWYC", "77 -5", "CCCRRR"},
                    {"PER_FACE_INDEXED", "RGBWYC", "0", "RRRCCC"},
-                   // As many values as corners, more, as many as points, and fewer than corners.
+                   // As many values as corners; more than corners; as many as points; fewer than
+                   // corners.
                    {"PER_VERTEX", "RGBWYC", "3 3 3", "RGBWYC"},
                    {"PER_VERTEX", "RGBWYCM", "", "RGBWYC"},
                    {"PER_VERTEX", "RGBW", "", "RGBBGW"},
@@ -53,7 +54,8 @@ TEST(Binding, SpreadsMaterialsOverFaces) {
 }
 
 TEST(Binding, DroppedFacesKeepTheirNumber) {
-    // Faces 0, with no such point, and 1, without corners, are dropped; corners 0 to 2 with them.
+    // Face 0 has an invalid index and face 1 no corners. Both are dropped, and corners 0 to 2 with
+    // them.
     expectRows("IndexedFaceSet", "0 1 9 -1 -1 0 1 2",
                {
                    {"PER_FACE", "RGBWYC", "", "BBB"},
@@ -96,13 +98,13 @@ TEST(Binding, SpreadsMaterialsOverPoints) {
     }
     EXPECT_EQ(colorsOf(evaluated(bound("RGB", "PER_VERTEX", points))), "RG");
     EXPECT_EQ(colorsOf(evaluated(bound("RGB", "PER_VERTEX_INDEXED", points))), "GB");
-    // Ranges are cut to the points that there are.
+    // Ranges are limited to the existing points.
     EXPECT_EQ(colorsOf(evaluated(bound("R", "OVERALL", "PointSet { startIndex 2 numPoints 99 }"))),
               "RR");
     EXPECT_EQ(colorsOf(evaluated(bound("R", "OVERALL", "PointSet { startIndex 9 }"))), "");
 }
 
-/// The colours that a solid shows along directions.
+/// The colours of a solid seen along directions.
 std::string colorsAlong(const Model& model, const std::vector<Vec3>& normals) {
     const std::string letters = colorsOf(model);
     std::string found;
@@ -144,7 +146,7 @@ TEST(Binding, SpreadsMaterialsOverSolids) {
     }
 }
 
-// Normals as letters of their x, y and z.
+// Normals are letters for their x, y and z.
 TEST(Binding, SpreadsNormals) {
     const auto normals = [](const std::string& binding, const std::string& vectors,
                             const std::string& more = "") {
@@ -168,7 +170,8 @@ TEST(Binding, SpreadsNormals) {
     EXPECT_EQ(normals("PER_VERTEX_INDEXED", four), "RGBBGR");
     EXPECT_EQ(normals("DEFAULT", four), "RGBBGR");
     EXPECT_EQ(normals("DEFAULT", four, "normalIndex [ 0 0 0 -1 1 1 1 -1 ]"), "RRRGGG");
-    // Too few, or an index that leads to none: computed, along Z here. So is one of no length.
+    // With too few normals, an invalid index or a normal of length 0, normals are computed: along Z
+    // here.
     EXPECT_EQ(normals("DEFAULT", "1 0 0, 0 1 0"), "BBBBBB");
     EXPECT_EQ(normals("PER_FACE_INDEXED", four, "normalIndex [ 1 9 ]"), "BBBBBB");
     EXPECT_EQ(normals("PER_FACE", "0 0 0, 1 0 0"), "BBBRRR");

@@ -13,7 +13,7 @@
 
 namespace meshcast::evaluate {
 
-/// A scene text with commas in its lists of indices, which the tests leave out.
+/// Adds the commas that the tests leave out in lists of indices.
 inline std::string withCommas(std::string_view body) {
     std::string text;
     bool isInList = false;
@@ -28,7 +28,7 @@ inline std::string withCommas(std::string_view body) {
     return text;
 }
 
-/// The model of a scene text, to which the header line is added.
+/// Evaluates a scene text, to which the header line is added.
 inline Model evaluated(std::string_view body, const EvaluateOptions& options = {}) {
     const ReadScene scene(withCommas(body));
     EXPECT_TRUE(scene.ok) << scene.messages;
@@ -36,7 +36,7 @@ inline Model evaluated(std::string_view body, const EvaluateOptions& options = {
     return evaluateScene(scene.scene, options, messages);
 }
 
-/// The lines of a listing that begin with one of some words.
+/// The lines of a listing that begin with one of the given words.
 inline std::string linesOf(const Model& model, std::initializer_list<std::string_view> words) {
     std::string found;
     std::string_view text;
@@ -55,7 +55,7 @@ inline std::string linesOf(std::string_view body, std::initializer_list<std::str
     return linesOf(evaluated(body), words);
 }
 
-/// A letter for a colour whose components are 0 or 1, and ? for others.
+/// The letter of a colour whose components are 0 or 1; ? for others.
 inline char letterOf(float red, float green, float blue) {
     const auto isBit = [](float x) { return x == 0 || x == 1; };
     if (!isBit(red) || !isBit(green) || !isBit(blue)) {
@@ -65,7 +65,7 @@ inline char letterOf(float red, float green, float blue) {
                       4 * static_cast<int>(blue)];
 }
 
-/// Diffuse colours of those letters.
+/// A Material with the diffuse colours of these letters.
 inline std::string diffuse(std::string_view letters) {
     std::string text = " diffuseColor [";
     for (const char letter : letters) {
@@ -77,7 +77,7 @@ inline std::string diffuse(std::string_view letters) {
     return text;
 }
 
-/// The colour of each index of the model's meshes, as letters, with a blank between primitives.
+/// The colour at each index of the model's meshes, as letters, with a space between primitives.
 inline std::string colorsOf(const Model& model) {
     std::string letters;
     for (const Mesh& mesh : model.meshes) {
@@ -96,8 +96,8 @@ inline std::string colorsOf(const Model& model) {
     return letters;
 }
 
-/// Twice the area of the triangles of a geometry as seen from +Z: those that turn clockwise count
-/// as negative.
+/// Twice the area of the triangles of a geometry as seen from +Z. Clockwise triangles count as
+/// negative.
 inline double doubledArea(const Geometry& geometry) {
     double area = 0;
     for (std::size_t i = 0; i + 2 < geometry.indices.size(); i += 3) {
@@ -109,8 +109,7 @@ inline double doubledArea(const Geometry& geometry) {
     return area;
 }
 
-/// Whether a solid that is convex and contains the origin shows its outside everywhere, with
-/// normals that agree.
+/// Whether all triangles of a convex solid around the origin face outwards, with matching normals.
 inline bool facesOutward(const Geometry& geometry) {
     for (std::size_t i = 0; i + 2 < geometry.indices.size(); i += 3) {
         std::array<Vec3, 3> p{};

@@ -90,7 +90,7 @@ TEST(FaceMesh, CutsEveryKindOfFace) {
         EXPECT_NEAR(doubledArea(model.geometries[0]), 2 * c.area, 1e-3) << c.what;
         EXPECT_TRUE(model.notes.empty()) << modelText(model);
     }
-    // Edges that cross get a corner there, with the mean of what the corners have.
+    // A crossing of edges becomes a corner with mean attributes.
     const Model bow = evaluated("Separator { Material {" + diffuse("RB") +
                                 "} MaterialBinding { value PER_VERTEX_INDEXED } Coordinate3 { "
                                 "point [ 0 0 0, 4 3 0, 4 0 0, 0 1 0 ] } IndexedFaceSet { "
@@ -108,18 +108,18 @@ TEST(FaceMesh, DropsFacesThatShowNothing) {
     const auto listed = [&](const std::string& points, const std::string& indices) {
         return linesOf(faces(points, indices), {words[0], words[1]});
     };
-    const std::string badIndex = "note dropped \"\": 3 faces dropped: an index names no point\n";
+    const std::string badIndex = "note dropped \"\": 3 faces dropped: an index is invalid\n";
     EXPECT_EQ(listed(kSquare, "0 1 4 -1 -2 1 2 -1 0 1 2147483647 -1"), badIndex);
-    // Two corners, one point three times, points on a line, far away too.
+    // Two corners; one point three times; collinear points, also far from the origin.
     const std::string noArea = "note dropped \"\": 4 faces dropped: no area\n";
     EXPECT_EQ(listed("0 0 0, 1 1 1, 1e6 1e6 1e6", "0 1 -1 0 0 0 -1 0 1 2 -1 0 1 0 1"), noArea);
     EXPECT_EQ(listed("1e39 0 0, 1 0 0, 1 1 0", "0 1 2"),
-              "note dropped \"\": 1 face dropped: an index names no point\n");
+              "note dropped \"\": 1 face dropped: an index is invalid\n");
     EXPECT_EQ(modelText(evaluated("IndexedFaceSet { }")), "");
     EXPECT_EQ(modelText(evaluated("Separator { Coordinate3 { } IndexedFaceSet { } }")), "");
 }
 
-/// Two triangles that meet in the edge from the origin along X, turned from one another.
+/// Two triangles with a common edge from the origin along X and an angle between them.
 Model folded(double angle, const std::string& hints) {
     const std::string tip =
         "0 " + std::to_string(std::cos(angle)) + ' ' + std::to_string(std::sin(angle));
@@ -138,7 +138,7 @@ TEST(FaceMesh, CreasesWhereFacesMeetAtTheAngleOrMore) {
     EXPECT_EQ(vertices(0.49, "ShapeHints { }"), 4U);
     EXPECT_EQ(vertices(0.01, "ShapeHints { creaseAngle 0 }"), 6U);
     EXPECT_EQ(vertices(3, "ShapeHints { creaseAngle 3.1416 }"), 4U);
-    // The shared normal is half way: 0.2 from that of each face.
+    // The shared normal is half way between those of the faces, 0.2 from each.
     const Vec3 normal = folded(0.4, "").geometries.at(0).normals.at(0);
     EXPECT_NEAR(normal[0], 0, 1e-6);
     EXPECT_NEAR(normal[1], -std::sin(0.2), 1e-5);
@@ -146,7 +146,7 @@ TEST(FaceMesh, CreasesWhereFacesMeetAtTheAngleOrMore) {
 }
 
 TEST(FaceMesh, ManyFacesAroundAPointAreSmoothOrFacets) {
-    // A cone of 200 triangles: around its tip they are not compared one by one.
+    // A cone of 200 triangles, too many at its tip to be compared one by one.
     const auto cone = [](const std::string& height) {
         std::string points = "0 0 " + height;
         std::string indices;
@@ -159,10 +159,10 @@ TEST(FaceMesh, ManyFacesAroundAPointAreSmoothOrFacets) {
         }
         return evaluated(faces(points, indices)).geometries.at(0);
     };
-    const Geometry flat = cone("0.4"); // Its faces lean by 0.38 from the axis.
+    const Geometry flat = cone("0.4"); // The normals of its faces are 0.38 from the axis.
     EXPECT_EQ(flat.positions.size(), 201U);
     EXPECT_NEAR(flat.normals[0][2], 1, 1e-6);
-    const Geometry steep = cone("0.6"); // By 0.54.
+    const Geometry steep = cone("0.6"); // They are 0.54 from the axis.
     EXPECT_EQ(steep.positions.size(), 400U);
     EXPECT_NEAR(steep.normals[0][2], std::cos(0.5404), 1e-3);
 }

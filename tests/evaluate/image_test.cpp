@@ -43,7 +43,7 @@ TEST(Image, PixelsOfScenesBecomePng) {
               "note missing \"\": texture \"\" is an image of an unknown kind\n");
 }
 
-/// A folder with a scene's folder in it, for the time of a test.
+/// A temporary folder with the folder of a scene in it.
 class ImageFiles : public testing::Test {
 protected:
     ImageFiles() : top_(std::filesystem::temp_directory_path() / "meshcast-XXXXXX") {
@@ -105,7 +105,7 @@ TEST_F(ImageFiles, OutsideOfTheRootAreNotRead) {
         EXPECT_EQ(listed(name), missing(name));
     }
     EXPECT_NE(listed("maps/../inside.png").find("image 0: png"), std::string::npos);
-    // A root around the folder of the scene allows more, none allows nothing.
+    // A root above the folder of the scene allows more; an empty root allows nothing.
     options_.root = top_;
     EXPECT_NE(listed("../outside.png").find("image 0: png"), std::string::npos);
     options_.root.clear();
@@ -118,7 +118,7 @@ TEST_F(ImageFiles, ThatCannotBeDecodedAreNoted) {
     write("scene/b.rgb", {1, 2, 3});
     EXPECT_EQ(listed("b.rgb"), "note missing \"\": texture \"b.rgb\" is an image of an unknown "
                                "kind\n");
-    // The image in the scene stands in for the file.
+    // The image in the scene replaces the file.
     EXPECT_EQ(
         linesOf(evaluated("Separator { Texture2 { filename \"b.rgb\" image 1 1 1 5 } Cube { } }",
                           options_),
@@ -138,7 +138,7 @@ TEST_F(ImageFiles, AreLimited) {
     EXPECT_NE(listed("a.png").find("note"), std::string::npos);
 }
 
-// A scene can give one file any number of names, and name what never ends.
+// A scene can use many names for one file, and name endless devices.
 TEST_F(ImageFiles, AreNotReadWithoutEnd) {
     write("scene/a.png", kPng);
     options_.limits.imageBytes = 2 * kPng.size();

@@ -10,20 +10,19 @@ std::string notesOf(const std::string& body, const EvaluateOptions& options) {
 TEST(Limits, DoublingFortyTimesEnds) {
     EvaluateOptions options;
     options.limits.nodes = 100'000;
-    const std::string rest = "note limit \"\": the rest of the scene left out: nodes use one "
-                             "another too often\n";
+    const std::string rest = "note limit \"\": the rest of the scene left out: nodes are used "
+                             "too often\n";
     EXPECT_EQ(notesOf(doubled("Separator { Material { } }", 40), options), rest);
     const Model cubes = evaluated(doubled("Group { Cube { } }", 40), options);
     EXPECT_EQ(cubes.meshes.size(), 1U);
     EXPECT_GT(cubes.instances.size(), 30'000U);
-    EXPECT_EQ(cubes.notes.back().text,
-              "the rest of the scene left out: nodes use one another too often");
+    EXPECT_EQ(cubes.notes.back().text, "the rest of the scene left out: nodes are used too often");
 }
 
 TEST(Limits, RepeatedShapesAreCounted) {
     EvaluateOptions options;
     options.limits.repeatedInstances = 7;
-    // The first of eight is no repetition; Switch shows none of the others.
+    // The first of eight is not a repetition.
     EXPECT_EQ(evaluated(doubled("Cube { }", 3), options).instances.size(), 8U);
     EXPECT_EQ(notesOf(doubled("Cube { }", 3), options), "");
     options.limits.repeatedInstances = 6;
@@ -39,7 +38,8 @@ TEST(Limits, RepeatedElementsAreCounted) {
     EXPECT_EQ(notesOf("Cube { }", options), "");
     options.limits.repeatedElements = 11 + 10;
     EXPECT_EQ(notesOf("Cube { }", options), tooMany);
-    // A face set is bounded by its text when it is met first, and counted by its indices then.
+    // The first use of a face set is limited by the size of the scene; later uses count by their
+    // indices.
     const std::string faces = "Separator { Coordinate3 { point [ 0 0 0, 1 0 0, 0 1 0 ] } DEF f "
                               "IndexedFaceSet { coordIndex [ 0 1 2 -1 ] } ShapeHints { "
                               "creaseAngle 0 } USE f }";
@@ -70,7 +70,7 @@ TEST(Limits, OthersAndNotesAreCounted) {
                       "\"c\" } }",
                       options),
               "note missing \"\": inlined scene \"a\" not shown\n"
-              "note limit \"\": there is more that is not listed\n");
+              "note limit \"\": further notes are not listed\n");
 }
 
 TEST(Limits, PathsAreShort) {

@@ -12,7 +12,7 @@ std::string materials(const std::string& material, const std::string& shape = "C
 }
 
 TEST(Material, ColoursBecomeLinear) {
-    // Both branches of the curve, its ends, and the inverse.
+    // Both branches of the sRGB curve, its ends, and the inverse.
     EXPECT_FLOAT_EQ(linearFromSrgb(0.04F), 0.0030959751F);
     EXPECT_FLOAT_EQ(linearFromSrgb(0.5F), 0.21404114F);
     EXPECT_EQ(linearFromSrgb(0.0F), 0);
@@ -51,7 +51,7 @@ TEST(Material, LightBeforehandIsShownWithoutLight) {
                                   "MaterialBinding { value PER_FACE } " + kFaces + "}");
     EXPECT_EQ(colorsOf(model), "RRRBBB");
     EXPECT_TRUE(model.materials.at(0).isUnlit);
-    // A black surface that glows is lit, and glows.
+    // A black emissive surface is lit and emissive.
     EXPECT_EQ(materials("Material { diffuseColor 0 0 0 emissiveColor 1 0 0 }"),
               "material 0: color 0 0 0 1 emissive 1 0 0 roughness 1\n");
 }
@@ -82,7 +82,7 @@ TEST(Material, PaintGoesIntoVertexColours) {
               "mesh 0: geometry 0 from 0 count 6 material 0\n");
     EXPECT_EQ(model.geometries.at(0).colors.at(0), (Color{1, 0, 0, 1}));
     EXPECT_EQ(model.geometries[0].colors.at(3), (Color{0, 1, 0, 0.5}));
-    // Values that are all one need none.
+    // Equal values need no vertex colours.
     EXPECT_EQ(linesOf("Separator { " + kPoints +
                           "Material { diffuseColor [ 1 0 0, 1 0 0, 0 1 0 ] } "
                           "MaterialBinding { value PER_FACE } " +
@@ -101,7 +101,7 @@ TEST(Material, FinishMakesPrimitives) {
               "mesh 0: geometry 0 from 0 count 3 material 0\n"
               "mesh 0: geometry 0 from 3 count 3 material 1\n");
     // By corner: 0 1 2 and 2 1 3 get the values 0 1 0 and 0 1 1. The finish is their mean: 1/3 and
-    // 2/3 of blue on the screen, in light.
+    // 2/3 of blue in sRGB, converted to linear light.
     const Model mixed = evaluated("Separator { " + kPoints + glowing +
                                   "PER_VERTEX_INDEXED } IndexedFaceSet { coordIndex [ 0 1 2 -1 2 1 "
                                   "3 ] materialIndex [ 0 1 0 -1 0 1 1 ] } }");
@@ -114,7 +114,7 @@ TEST(Material, FinishMakesPrimitives) {
 }
 
 TEST(Material, TooManyBecomeFew) {
-    // 2,000 faces, each with a finish of its own.
+    // 2,000 faces, each with a different finish.
     std::string colors;
     std::string indices;
     for (int i = 0; i < 2000; ++i) {

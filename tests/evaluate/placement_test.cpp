@@ -6,7 +6,7 @@ namespace {
 const std::string kTriangle = "Coordinate3 { point [ 0 0 0, 1 0 0, 0 1 0 ] } "
                               "DEF t IndexedFaceSet { coordIndex [ 0 1 2 ] } ";
 
-/// What a triangle in the XY plane becomes under transforms: its vertices and its place.
+/// A triangle in the XY plane after transforms: its vertices and its instance.
 std::string placed(const std::string& transforms) {
     return linesOf("Separator { " + transforms + kTriangle + "}", {"  ", "instance", "note"});
 }
@@ -40,7 +40,7 @@ TEST(Placement, TransformsNearestTheShapeActFirst) {
     EXPECT_EQ(matrix("Transform { translation 10 0 0 rotation 0 0 1 1.5707963 scaleFactor 2 1 1 "
                      "center 1 0 0 }"),
               "instance \"t\" mesh 0 matrix 0 -1 0 11, 2 0 0 -2, 0 0 1 0\n");
-    // The axes that are stretched are turned by a quarter: y gets twice as long.
+    // The scaled axes are rotated by a quarter turn, so y is doubled.
     EXPECT_EQ(matrix("Transform { scaleFactor 2 1 1 scaleOrientation 0 0 1 1.5707963 }"),
               "instance \"t\" mesh 0 matrix 1 0 0 0, 0 2 0 0, 0 0 1 0\n");
 }
@@ -75,14 +75,14 @@ TEST(Placement, WhatShearsIsAppliedToVertices) {
               "  2: -1.41421 0.70711 0 normal 0 0 1\n"
               "  0 1 2\n"
               "instance \"t\" mesh 0 matrix 1 0 0 5, 0 1 0 0, 0 0 1 0\n");
-    // Mirrored as well, the triangle is turned over to keep its front.
+    // With a mirror, the winding of the triangle is reversed to keep its front.
     EXPECT_EQ(placed("Scale { scaleFactor -2 1 1 } Rotation { rotation 0 0 1 0.7853982 }"),
               "  0: 0 0 0 normal 0 0 1\n"
               "  1: -1.41421 0.70711 0 normal 0 0 1\n"
               "  2: 1.41421 0.70711 0 normal 0 0 1\n"
               "  0 2 1\n"
               "instance \"t\" mesh 0\n");
-    // z follows x: normals go with the inverse transpose, 0 0 1 to -1 0 1 over the root of 2.
+    // z depends on x. The inverse transpose takes the normal 0 0 1 to -1 0 1 over the root of 2.
     const std::string sheared =
         placed("MatrixTransform { matrix 1 0 1 0  0 1 0 0  0 0 1 0  0 0 0 1 }");
     EXPECT_EQ(sheared.substr(0, sheared.find("  2:")), "  0: 0 0 0 normal -0.70711 0 0.70711\n"
@@ -102,7 +102,7 @@ TEST(Placement, FlatShapesKeepWhatHasArea) {
               "  0 1 2\n"
               "instance \"t\" mesh 0 matrix 1 0 0 0, 0 1 0 0, 0 0 1 3\n");
     EXPECT_EQ(placed("Scale { scaleFactor 0 1 1 }"), "");
-    // Of a flat cube the front and the back stay, two triangles each, with normals of their own.
+    // A flat cube keeps its front and its back, two triangles each, with flat normals.
     const Model cube = evaluated("Separator { Scale { scaleFactor 1 1 0 } Cube { } }");
     EXPECT_EQ(cube.geometries.at(0).indices.size(), 12U);
     for (std::size_t i = 0; i < 12; ++i) {
@@ -116,7 +116,7 @@ TEST(Placement, FlatShapesKeepWhatHasArea) {
 }
 
 TEST(Placement, ShapesWithoutAPlaceAreNoted) {
-    const std::string note = "note dropped \"\": 1 shape dropped: its place is no finite point\n";
+    const std::string note = "note dropped \"\": 1 shape dropped: its position is not finite\n";
     EXPECT_EQ(placed("Scale { scaleFactor 1e30 1 1 } Scale { scaleFactor 1e30 1 1 }"), note);
     EXPECT_EQ(placed("MatrixTransform { matrix 1 0 0 0  0 1 0 0  0 0 1 0  0 0 0 0 }"), note);
 }
@@ -130,14 +130,14 @@ TEST(Placement, ShapesUsedAgainShareWhatTheyCan) {
     };
     using Counts = std::array<std::size_t, 4>;
     EXPECT_EQ(counts(kTriangle + moved + "USE t " + moved + "USE t "), (Counts{1, 1, 1, 3}));
-    // Another material: another mesh of the same geometry.
+    // Another material gives another mesh with the same geometry.
     EXPECT_EQ(counts(kTriangle + "Material { diffuseColor 1 0 0 } USE t "), (Counts{1, 2, 2, 2}));
     EXPECT_EQ(counts(kTriangle + "ShapeHints { creaseAngle 0 } USE t "), (Counts{2, 1, 2, 2}));
-    // Two that are sheared alike share the sheared vertices.
+    // Shapes with the same shear share the sheared vertices.
     const std::string shear = "MatrixTransform { matrix 1 0 1 0  0 1 0 0  0 0 1 0  0 0 0 1 } ";
     EXPECT_EQ(counts(kTriangle + "Separator { " + shear + "USE t } " + moved + shear + "USE t "),
               (Counts{2, 1, 2, 3}));
-    // Solids of any size are one mesh, and equal materials are one.
+    // Solids of different sizes share a mesh, and equal materials are shared.
     EXPECT_EQ(counts("Sphere { } Material { diffuseColor 0.8 0.8 0.8 } Sphere { radius 2 }"),
               (Counts{1, 1, 2, 2}));
 }

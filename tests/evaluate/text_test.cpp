@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-// Which font is installed is unknown, but what does not depend on it is.
+// The installed font is unknown, so only properties that do not depend on it are tested.
 namespace meshcast::evaluate {
 namespace {
 
@@ -38,7 +38,7 @@ TEST(Text, StandsOnItsBaseline) {
     EXPECT_EQ(usual.high[2], 0);
     EXPECT_NEAR(extentOf("string \"H\"", "FontStyle { size 2 family SANS style BOLD }").high[1],
                 1.6, 1e-3);
-    // The second line stands 1.5 sizes below the first.
+    // The second line is 1.5 sizes below the first.
     EXPECT_NEAR(extentOf("string \"H\nH\" spacing 1.5").low[1], -15, 1e-3);
     EXPECT_NEAR(extentOf("string \"H\r\nH\"").low[1], -10, 1e-3);
 }
@@ -49,7 +49,7 @@ TEST(Text, IsJustifiedAndFitted) {
     const Extent right = extentOf("string \"HOH\" justification RIGHT");
     EXPECT_NEAR(center.low[0], -center.high[0], 0.01);
     EXPECT_NEAR(right.high[0], -left.low[0], 0.01);
-    // The gap beside an H is stretched with it.
+    // The space beside an H is scaled with it.
     const Extent fitted = extentOf("string \"HOH\" width 100");
     const double natural = static_cast<double>(left.high[0] + left.low[0]);
     EXPECT_NEAR(fitted.high[0] + fitted.low[0], 100, 1e-3);
@@ -81,7 +81,7 @@ TEST(Text, BytesThatAreNoUtf8AreLatin) {
     EXPECT_EQ(toUtf8("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"),
               "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_EQ(toUtf8("\xE9t\xE9"), "\xC3\xA9t\xC3\xA9");
-    // Cut short, too long for its number, half a pair, beyond the last.
+    // Truncated, overlong, a surrogate, and above U+10FFFF.
     EXPECT_EQ(toUtf8("\xE2\x82"), "\xC3\xA2\xC2\x82");
     EXPECT_EQ(toUtf8("\xC0\x80"), "\xC3\x80\xC2\x80");
     EXPECT_EQ(toUtf8("\xED\xA0\x80"), "\xC3\xAD\xC2\xA0\xC2\x80");

@@ -5,7 +5,8 @@ namespace {
 
 const std::string kTexture = "Texture2 { image 1 1 1 255 } ";
 
-/// The texture coordinates of the vertices at a place, with a normal if it has any size.
+/// The texture coordinates of the vertices at a position. If `normal` is not zero, only vertices
+/// with that normal count.
 std::string uvsAt(const Geometry& geometry, const Vec3& position, const Vec3& normal = {}) {
     const auto isNear = [](const Vec3& a, const Vec3& b) {
         return std::abs(a[0] - b[0]) + std::abs(a[1] - b[1]) + std::abs(a[2] - b[2]) < 1e-4F;
@@ -50,12 +51,12 @@ TEST(TextureMapping, CubeShowsTheImageUprightOnEachSide) {
 
 TEST(TextureMapping, RoundSolidsAreWrappedFromTheBack) {
     const Geometry cylinder = solid("Cylinder { }");
-    // The back is both ends of the image; left, front and right follow.
+    // The image begins and ends at the back, with left, front and right in between.
     EXPECT_EQ(uvsAt(cylinder, {0, -1, -1}, {0, 0, -1}), "0 0, 1 0");
     EXPECT_EQ(uvsAt(cylinder, {-1, 1, 0}, {-1, 0, 0}), "0.25 1");
     EXPECT_EQ(uvsAt(cylinder, {0, 1, 1}, {0, 0, 1}), "0.5 1");
     EXPECT_EQ(uvsAt(cylinder, {1, -1, 0}, {1, 0, 0}), "0.75 0");
-    // Caps: the back is up on the top, down on the bottom.
+    // Caps: towards the back is up on the top and down on the bottom.
     EXPECT_EQ(uvsAt(cylinder, {0, 1, -1}, {0, 1, 0}), "0.5 1");
     EXPECT_EQ(uvsAt(cylinder, {1, 1, 0}, {0, 1, 0}), "1 0.5");
     EXPECT_EQ(uvsAt(cylinder, {0, -1, -1}, {0, -1, 0}), "0.5 0");
@@ -99,12 +100,12 @@ std::string mapped(const std::string& points, const Vec3& at, const std::string&
 }
 
 TEST(TextureMapping, FaceSetsAreMappedAlongTheLongestSides) {
-    // Longest z, then x. A point that no face uses does not count.
+    // z is the longest side, then x. Unused points do not count.
     const std::string flat = "1 5 2, 1 5 6, 3 5 6, 3 5 2, 900 900 900";
     EXPECT_EQ(mapped(flat, {1, 5, 2}), "0 0");
     EXPECT_EQ(mapped(flat, {1, 5, 6}), "1 0");
     EXPECT_EQ(mapped(flat, {3, 5, 6}), "1 0.5");
-    // Of sides of one length x comes before y, and y before z.
+    // Between sides of equal length, x comes before y, and y before z.
     EXPECT_EQ(mapped("0 0 0, 2 0 0, 2 2 0, 0 2 0", {2, 0, 0}), "1 0");
     EXPECT_EQ(mapped("0 0 0, 0 2 0, 0 2 2, 0 0 2", {0, 2, 0}), "1 0");
     EXPECT_EQ(mapped("0 0 0, 2 0 0, 2 2 2, 0 2 2", {0, 2, 2}), "0 1");
@@ -115,11 +116,11 @@ TEST(TextureMapping, FaceSetsBringCoordinates) {
     const std::string four = "TextureCoordinate2 { point [ 0.1 0.2, 3 4, 5 6, 7 8 ] } ";
     EXPECT_EQ(mapped(square, {1, 0, 0}, four), "3 4");
     EXPECT_EQ(mapped(square, {1, 0, 0}, four, "textureCoordIndex [ 0 3 2 1 -1 ]"), "7 8");
-    // An index that leads nowhere, or too few: as without.
+    // With an invalid index or too few indices: as if there were no coordinates.
     EXPECT_EQ(mapped(square, {1, 0, 0}, four, "textureCoordIndex [ 0 9 2 1 ]"), "1 0");
     EXPECT_EQ(mapped(square, {1, 0, 0}, four, "textureCoordIndex [ 0 1 ]"), "1 0");
     EXPECT_EQ(mapped(square, {1, 0, 0}, "TextureCoordinate2 { }"), "1 0");
-    // Without an image there is nothing to cover.
+    // Without an image there are no texture coordinates.
     EXPECT_TRUE(evaluated("Separator { " + four + "Cube { } }").geometries.at(0).uvs.empty());
 }
 
@@ -128,11 +129,11 @@ TEST(TextureMapping, TransformsAddUp) {
         const Model model = evaluated("Separator { " + kTexture + transforms + " Cube { } }");
         return uvsAt(model.geometries.at(0), {1, 1, 1}, {0, 0, 1});
     };
-    // 1 1 less the center is 0 1, scaled 0 3, turned -3 0, and back: -2 0, moved 8 20.
+    // 1 1 minus the center is 0 1, scaled 0 3, rotated -3 0, plus the center -2 0, translated 8 20.
     EXPECT_EQ(corner("Texture2Transform { center 1 0 scaleFactor 2 3 rotation 1.5707963 "
                      "translation 10 20 }"),
               "8 20");
-    // The nearest one acts first: 1 + 1, doubled.
+    // The innermost transform acts first: (1 + 1) x 2.
     EXPECT_EQ(corner("Texture2Transform { scaleFactor 2 2 } Texture2Transform { translation 1 0 }"),
               "4 2");
     EXPECT_EQ(corner("Separator { Texture2Transform { scaleFactor 2 2 } }"), "1 1");

@@ -10,13 +10,14 @@ TEST(Viewpoints, CamerasAreAtTheirPlace) {
                       {"camera"}),
               "camera \"front\" perspective 0.5 aspect 2 from 0.1 to 50 matrix 1 0 0 1, 0 1 0 2, 0 "
               "0 1 8\n");
-    // A scale makes lengths longer, not the camera. The second looks down from above.
+    // A scale applies to the distances of the camera, and its matrix stays free of it. The second
+    // camera looks straight down.
     EXPECT_EQ(
         linesOf("Separator { Scale { scaleFactor 2 2 2 } OrthographicCamera { height 3 "
                 "nearDistance 1 farDistance 4 orientation 1 0 0 -1.5707963 } }",
                 {"camera"}),
         "camera \"\" orthographic 6 aspect 0 from 2 to 8 matrix 1 0 0 0, 0 0 1 0, 0 -1 0 2\n");
-    // Distances that are not given fit the scene: its farthest corner is 9 away, 1 2 2 times 3.
+    // Missing distances fit the scene: its farthest corner is 9 away, 1 2 2 times 3.
     EXPECT_EQ(linesOf("Separator { PerspectiveCamera { position 2 5 5 } Cube { } }", {"camera"}),
               "camera \"\" perspective 0.7854 aspect 0 from 0.0099 to 9.9 matrix 1 0 0 2, 0 1 0 5, "
               "0 0 1 5\n");
@@ -41,7 +42,7 @@ TEST(Viewpoints, ASwitchListsCameras) {
         return found + ' ' + std::to_string(model.instances.size()) + ' ' +
                std::to_string(model.lights.size()) + ' ' + std::to_string(model.infos.size());
     };
-    // The one that is shown comes first, and again where the Switch is used again.
+    // The active camera comes first, and again where the Switch is used again.
     EXPECT_EQ(names("-1"), "acd 1 0 0");
     EXPECT_EQ(names("0"), "acda 1 0 0");
     EXPECT_EQ(names("1"), "cadc 3 2 1");
@@ -51,7 +52,7 @@ TEST(Viewpoints, LightsShineAlongTheirDirection) {
     EXPECT_EQ(linesOf("Separator { DirectionalLight { color 1 0.5 0 intensity 0.5 } }",
                       {"light", "note"}),
               "light \"\" directional color 1 0.21404 0 intensity 0.5\n");
-    // To the left: -Z of the light is -X of the world, so that Z is X, and X is -Z with Y up.
+    // To the left: the light's -Z is the world's -X. So its Z is X and, with Y up, its X is -Z.
     EXPECT_EQ(linesOf("DirectionalLight { direction -3 0 0 }", {"light"}),
               "light \"\" directional color 1 1 1 intensity 1 matrix 0 0 1 0, 0 1 0 0, -1 0 0 0\n");
     EXPECT_EQ(linesOf("Group { Translation { translation 1 2 3 } DEF l PointLight { location 0 0 4 "
@@ -63,7 +64,7 @@ TEST(Viewpoints, LightsShineAlongTheirDirection) {
     EXPECT_EQ(linesOf("SpotLight { location 0 0 0 cutOffAngle 9 }", {"light"}),
               "light \"\" spot color 1 1 1 intensity 1 angles 1.55509 1.5708\n");
     EXPECT_EQ(linesOf("Separator { PointLight { } Separator { PointLight { } } }", {"note"}),
-              "note approximated \"\": 1 light shown without end: in the scene it ends with its "
+              "note approximated \"\": 1 light not limited: in the scene its effect ends with its "
               "Separator\n");
 }
 

@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A folder of its own for each test.
+/// Each test has its own folder.
 class Files : public testing::Test {
 protected:
     void SetUp() override {
@@ -69,7 +69,7 @@ TEST_F(Files, PipesAreReadToTheirLimitAndWaitedFor) {
             writeAll(in.number(), std::string(300'000, 'x'));
         });
         const auto bytes = readWhole(out.number(), limit);
-        // What is left is taken out, so that the writer ends.
+        // Reads the rest, so that the writer can end.
         std::array<char, 4096> rest{};
         while (readSome(out.number(), rest.data(), rest.size()) > 0) {
         }
@@ -116,7 +116,7 @@ TEST_F(Files, WhatIsNoRegularFileIsWrittenTo) {
     const Descriptor reader(::open(path("fifo").c_str(), O_RDONLY | O_NONBLOCK));
     EXPECT_FALSE(write(path("fifo"), "x"));
     EXPECT_TRUE(fs::is_fifo(path("fifo")));
-    // A link into /proc is the open file itself, even where that is a regular one.
+    // A link into /proc means the open file itself, even if that is a regular file.
     const Descriptor file(::open(path("x").c_str(), O_RDWR | O_CREAT, 0600));
     const ino_t before = [&] {
         struct stat status {};
@@ -147,7 +147,7 @@ TEST_F(Files, AnInterruptionLeavesNothing) {
         int status = 0;
         ASSERT_EQ(::waitpid(child, &status, 0), child);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
-        EXPECT_EQ(fileCount(), 1) << signal; // The folder inside.
+        EXPECT_EQ(fileCount(), 1) << signal; // Only the subfolder.
     }
 }
 

@@ -14,17 +14,17 @@
 
 namespace meshcast {
 
-/// A scene read from a text, in pieces of a size. The header line is put in front of the text.
+/// A scene read from a text, in pieces of a given size. The header line is added before the text.
 class ReadScene {
 public:
     explicit ReadScene(std::string_view body, std::size_t pieceSize = std::size_t(-1));
 
-    /// The root as a node of a class, which it must be.
+    /// The root, which must be of the given class.
     template <class Node>
     Node& root() {
         return dynamic_cast<Node&>(*scene.root);
     }
-    /// A child of the root, which must be a group, as a node of a class.
+    /// A child of the root, which must be a group. The child must be of the given class.
     template <class Node>
     const Node& child(std::int32_t index) {
         return dynamic_cast<const Node&>(*root<QvGroup>().getChild(index));
@@ -35,21 +35,21 @@ public:
     std::string messages;
 };
 
-/// What a scene becomes.
+/// The result of a conversion.
 struct Conversion {
     std::vector<geom_stream::Object> objects;
     std::string bytes;
-    std::string printed; ///< The text among the records.
+    std::string printed; ///< The text printed between the records.
     std::string messages;
 };
 
 /// Converts a scene text, to which the header line is added.
 Conversion convert(std::string_view body, const ConvertOptions& options = {});
 
-/// The same for a text that brings its own header.
+/// The same for a text with its own header.
 Conversion convertWhole(std::string_view text, const ConvertOptions& options = {});
 
-/// The text of nodes that use a leaf 2 to the power of `levels` times, each level the one below it
+/// A scene text that uses a leaf 2 to the power of `levels` times: each level uses the one below it
 /// twice.
 std::string doubled(const std::string& leaf, int levels);
 

@@ -63,7 +63,7 @@ ssize_t __wrap_read(int fd, void* bytes, std::size_t n) {
 }
 }
 
-// The library's own, but on the malloc that fails.
+// The default operators, but on top of the malloc that can fail.
 void* operator new(std::size_t bytes) {
     for (;;) {
         if (void* const block = std::malloc(std::max<std::size_t>(bytes, 1)))

@@ -2,18 +2,19 @@
 
 #include <deque>
 
-// Faults between the code under test, which is what ships, and the C library. Tests that link
-// test_faults have every malloc, calloc, realloc and operator new, read and write of the project's
-// code pass through here.
+// Injects faults between the unchanged code under test and the C library. In tests that link
+// test_faults, every malloc, calloc, realloc, operator new, read and write of the project's code
+// goes through here.
 
-// The number of the allocation that fails, counted from now on; 0 for none.
+// The number of the allocation that fails, counted from when it is set; 0 for none.
 extern int allocation_to_fail;
-// Whether every one after it fails too.
+// Whether all later allocations fail too.
 extern bool all_later_fail;
 
-// What the next calls of write() or read() do, in order; later ones do what they should.
+// The results of the next calls of write() or read(), in order. Later calls work as usual.
 struct IoFault {
-    long result; // below 0: fails with `error`; 0: returns 0; else: moves that many bytes at most
+    long result; // below 0: fails with `error`; 0: returns 0; else: transfers at most this many
+                 // bytes
     int error = 0;
 };
 extern std::deque<IoFault> write_faults;

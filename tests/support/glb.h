@@ -5,7 +5,7 @@
 #include <string>
 #include <tiny_gltf.h>
 
-/// Loads a GLB file by another implementation, which has to have nothing to say.
+/// Loads a GLB file with an independent implementation, which must report no errors or warnings.
 inline tinygltf::Model loadedGlb(const std::string& bytes) {
     tinygltf::TinyGLTF loader;
     tinygltf::Model model;

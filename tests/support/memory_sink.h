@@ -12,7 +12,7 @@
 
 namespace meshcast {
 
-/// Keeps the records of a conversion, in a file in memory, and the text that comes with them.
+/// Collects the records of a conversion in a file in memory, and its printed text.
 class MemorySink final : public ObjectSink {
 public:
     /// Takes records again as the filter's sink does, if it is to: shapes that come again are then
@@ -47,7 +47,7 @@ private:
     bool takesCopies_;
 };
 
-/// Keeps messages in the filter's words.
+/// Collects messages as the filter prints them.
 class MessageText final : public Diagnostics {
 public:
     void report(const Diagnostic& diagnostic) override { text += messageText(diagnostic); }

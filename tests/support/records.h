@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-/// Records written by hand, byte for byte, from docs/stream-format.md: what the library must write
-/// and the decoder must read.
+/// Records written by hand from docs/stream-format.md. The library must write these bytes, and the
+/// decoder must read them.
 namespace records {
 
-/// Bytes and where the items of the format begin among them.
+/// The bytes of a record and the offsets of its items.
 struct Bytes {
     std::string str() const { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
 
@@ -18,8 +18,8 @@ struct Bytes {
     std::vector<std::size_t> items;
 };
 
-/// Reads hexadecimal digits in pairs. A comma ends an item, `zN` is N zero bytes, spaces are for
-/// the eye.
+/// Reads hexadecimal digits in pairs. A comma ends an item, `zN` is N zero bytes, spaces are
+/// ignored.
 inline Bytes from_hex(const std::string& text) {
     Bytes result;
     std::size_t item = 0;
@@ -63,7 +63,7 @@ inline constexpr std::int32_t vertex_data = 7;     // 00000007
 inline constexpr std::int32_t primitive_data = -8; // fffffff8
 inline constexpr float vertex_trans = 0.25F;       // 3e800000
 
-/// Kind and version to record.
+/// Records by kind and version.
 inline const std::map<std::string, std::string> by_name{
     {"mesh 10",
      header_10("z3 44", "z3 01", "0054") + "z7 02,z7 02,z44 3f800000,z28 40000000,fffffff8,"},
@@ -74,7 +74,7 @@ inline const std::map<std::string, std::string> by_name{
                       "z3 06,z3 03,z3 04,010203,00,z3 02,4162,z2,z4,"
                       "z7 02,z7 02,z7 01,z7 01 z7 01 z24,z8 3f800000,z8 3f000000,z8,z8 40400000,"
                       "z3 07,z4 fffffff8,"},
-    // Vertex numbers that are none, and a vertex of nan, infinity and minus zero.
+    // Invalid vertex numbers, and a vertex of NaN, infinity and minus zero.
     {"polyhedron 7",
      "34364d47,10z3,z4,02z3,z4,z4,z4,z4,z4,z4,z4,28z7,01z3,"
      "06z3,01z3,02z3,ff,4e,00,00,"

@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// What a command of the shell did.
+/// The result of a shell command.
 struct ShellOutcome {
     int status = -1; ///< -1 when a signal ended it.
     std::string out, err;

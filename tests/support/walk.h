@@ -6,7 +6,7 @@
 
 namespace meshcast {
 
-/// A visitor that no shape is of interest to.
+/// A visitor that ignores all shapes.
 class NoShapes final : public ShapeVisitor {
 public:
     void visit(const QvAsciiText& /*shape*/, const QvState& /*state*/) override {}
@@ -21,7 +21,7 @@ public:
     void prepareTexture(const QvTexture2& /*texture*/) override {}
 };
 
-/// A state that can be looked at, after the walk of a scene or on its own.
+/// A traversal state that tests can inspect, with or without a scene.
 struct Walk {
     Walk() : state(shapes, messages) {}
     explicit Walk(const ReadScene& scene) : Walk() { scene.scene.root->traverse(state); }

@@ -9,7 +9,7 @@
 namespace meshcast::tidy {
 namespace {
 
-/// A text and edits of it, by the words that they are about.
+/// A text and its edits, which are given by the words to change.
 class Edits : public testing::Test {
 protected:
     const char* at(std::string_view word, std::size_t skip = 0) const {

@@ -41,8 +41,8 @@ TEST(Lexer, CutsTokensAsTheReaderDoes) {
 }
 
 TEST(Lexer, RemembersEndsWithoutMixingThemUp) {
-    // Every place is asked for, forwards and backwards, and compared with a lexer that knows
-    // nothing.
+    // Queries every position forwards and backwards, and compares the result with that of a fresh
+    // lexer.
     const std::string text = "ab\\\"c \"d}e\" f\"\\\"g{h\" \"i\n";
     Lexer lexer(text);
     for (int round = 0; round < 2; ++round) {

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 
 const std::string kHeaderLine = "#VRML V1.0 ascii\n";
 
-/// Scenes in memory, which count how often they are asked for.
+/// Scenes in memory. Counts how often they are opened.
 class MemoryScenes final : public InlineSource {
 public:
     std::shared_ptr<const Scene> open(const std::string& name, const std::string&) override {
@@ -63,7 +63,7 @@ TEST(Inlines, AreBoundedInNumber) {
     EXPECT_EQ(at.messages.find("has more than"), std::string::npos);
     EXPECT_EQ(scenes.asked, static_cast<int>(kMostInlines));
     const Outcome past = tidied("Group{" + repeated(node, kMostInlines + 1) + "}", &scenes);
-    EXPECT_THAT(past.messages, HasSubstr("the scene has more than 10000 of them"));
+    EXPECT_THAT(past.messages, HasSubstr("the scene has more than 10000 inlined scenes"));
     EXPECT_EQ(scenes.asked, 2 * static_cast<int>(kMostInlines));
     EXPECT_EQ(past.result.repairs, 0U);
 }
@@ -76,7 +76,7 @@ TEST(Inlines, AreBoundedInDepth) {
     const Outcome outcome = tidied("WWWInline{name \"0\"}", &scenes);
     EXPECT_EQ(scenes.asked, static_cast<int>(kDeepestInline) - 1);
     EXPECT_THAT(outcome.messages,
-                HasSubstr("62:2: left WWWInline \"63\" as it is: scenes name one another to more "
+                HasSubstr("62:2: left WWWInline \"63\" as it is: inlined scenes are nested deeper "
                           "than 64 levels"));
 }
 
@@ -85,8 +85,7 @@ TEST(Inlines, AreBoundedInBytes) {
     scenes.scenes["large"] = "Info{string \"" + std::string(std::size_t(200) << 20, 'x') + "\"}";
     const Outcome outcome =
         tidied("Group{" + repeated("WWWInline{name \"large\"}", 5) + "}", &scenes);
-    EXPECT_THAT(outcome.messages,
-                HasSubstr("scenes of more than 1073741824 bytes are put in place"));
+    EXPECT_THAT(outcome.messages, HasSubstr("the inlined scenes exceed 1073741824 bytes"));
     ASSERT_TRUE(outcome.result.text);
     EXPECT_GT(outcome.result.text->size(), std::size_t(400) << 20);
     EXPECT_LT(outcome.result.text->size(), kMostInlinedBytes);
@@ -143,10 +142,10 @@ TEST(Inflate, TakesAllMembersUpToTheLimit) {
     bytes = two;
     EXPECT_EQ(inflate(bytes, text.size() + 2), "inflates to more than 300002 bytes");
     bytes = two.substr(0, two.size() - 9);
-    EXPECT_EQ(inflate(bytes, text.size() + 3), "is compressed, and cut short");
+    EXPECT_EQ(inflate(bytes, text.size() + 3), "is compressed but truncated");
     bytes = two;
     bytes[two.size() / 2] ^= 0x55;
-    EXPECT_EQ(inflate(bytes, text.size() + 3), "is compressed, and damaged");
+    EXPECT_EQ(inflate(bytes, text.size() + 3), "is compressed but damaged");
     EXPECT_EQ(mostInflated(10), std::uint64_t(16) << 20);
     EXPECT_EQ(mostInflated(std::uint64_t(1) << 20), std::uint64_t(128) << 20);
     EXPECT_EQ(mostInflated(kLargestScene), kLargestScene);

@@ -7,7 +7,7 @@
 namespace meshcast::tidy {
 namespace {
 
-/// What becomes of a word: itself, another one, or "none".
+/// The repaired form of a word: the word itself, another one, or "none".
 std::string mended(std::string_view word, NumberKind kind) {
     const MendedNumber number = mendNumber(word, kind);
     switch (number.how) {

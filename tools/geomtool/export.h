@@ -13,8 +13,8 @@ struct ExportOptions {
     const meshcast::exporter::Format* format = nullptr;
 };
 
-/// Writes the objects of a stream, each in its own space, in another format; what is wrong goes to
-/// standard error. Of a broken stream, the objects before the record that breaks it are written.
+/// Writes the objects of a stream in another format, each in its own coordinate system. Reports
+/// errors on standard error. Of a damaged stream, writes the objects before the damaged record.
 ExitStatus runExport(const ExportOptions& options);
 
 } // namespace geomtool

@@ -29,7 +29,7 @@ public:
         return size;
     }
 
-    /// The error of opening or reading the file, if there was one.
+    /// The error of opening or reading the file, if any.
     const std::error_code& error() const { return error_; }
 
 private:

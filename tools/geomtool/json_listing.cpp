@@ -21,8 +21,8 @@ using geom_stream::Object;
 
 namespace {
 
-// Ordered, with float as the type of real numbers, so that a float is written in its shortest form
-// and not in that of the double.
+// Keeps the order of keys. Real numbers are floats, so that they are written in the shortest form
+// for a float, not in the longer one for a double.
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, float>;
 

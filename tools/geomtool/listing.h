@@ -13,14 +13,14 @@ namespace geomtool {
 /// The end of a listing.
 struct Totals {
     std::uint64_t objects = 0;
-    std::int64_t vertices = 0; ///< of the objects listed, as their counts name them
+    std::int64_t vertices = 0; ///< of the objects listed, by their vertex counts
     std::int64_t polygons = 0;
     std::uint64_t bytes = 0;       ///< of the objects listed
     std::uint64_t streamBytes = 0; ///< of the whole stream; more than `bytes` if it is damaged
     std::optional<geom_stream::Error> error;
 };
 
-/// What a listing has before its totals.
+/// What a listing shows before its totals.
 enum class Coverage {
     kNone,    ///< nothing
     kObjects, ///< every object
@@ -35,7 +35,7 @@ public:
     Listing& operator=(const Listing&) = delete;
     virtual ~Listing() = default;
 
-    /// Lists the object that is the `number`th of the stream, counted from 1.
+    /// Lists an object. `number` is its position in the stream, counted from 1.
     virtual void add(std::uint64_t number, const geom_stream::Object& object) = 0;
     virtual void finish(const Totals& totals) = 0;
 };

@@ -1,6 +1,6 @@
 #include "tools/geomtool/info.h"
 
-// Builds without the evaluation of scenes have no writers of other formats either.
+// Builds without scene evaluation have no exporters either.
 #ifdef GEOMTOOL_EXPORTS
 #include "tools/export_output/export_output.h"
 #include "tools/geomtool/export.h"
@@ -38,10 +38,11 @@ int run(int argc, char** argv) {
         ->required();
     exports
         ->add_option("OUTPUT", exporting.output,
-                     "The file to write, replaced in one step; standard output when -")
+                     "The file to write, replaced atomically; standard output when -")
         ->required();
-    exports->add_option("--format", format, "Write this format, whatever OUTPUT is called");
-    exports->footer("OUTPUT's extension, or --format, says what is written:\n" +
+    exports->add_option("--format", format,
+                        "Write this format, regardless of the extension of OUTPUT");
+    exports->footer("The extension of OUTPUT, or --format, selects the format:\n" +
                     meshcast::formatsHelp());
 #endif
 

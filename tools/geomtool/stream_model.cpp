@@ -34,7 +34,7 @@ bool isFinite(const Vec3& vector) {
     return std::all_of(vector.begin(), vector.end(), [](float x) { return std::isfinite(x); });
 }
 
-/// Colours of a stream are those of a screen, of any value.
+/// Converts a colour of a stream, which is sRGB and may be out of range, to linear light.
 Vec3 linear(const Vec3& color) {
     Vec3 result = color;
     for (float& component : result) {
@@ -50,7 +50,7 @@ Vec3 narrow(const glm::dvec3& vector) {
             static_cast<float>(vector.z)};
 }
 
-/// The normals at length 1; none if some vertex that is used has no direction.
+/// The normals scaled to length 1; empty if the normal of some used vertex is zero.
 std::vector<Vec3> unitNormals(const std::vector<Vec3>& normals,
                               const std::vector<std::uint32_t>& indices) {
     std::vector<Vec3> units(normals.size(), Vec3{0, 0, 1});
@@ -65,8 +65,8 @@ std::vector<Vec3> unitNormals(const std::vector<Vec3>& normals,
     return units;
 }
 
-/// The direction of a face by Newell's method (Sutherland, Sproull and Schumacker, 1974); zero for
-/// one without an area.
+/// The normal of a face by Newell's method (Sutherland, Sproull and Schumacker, 1974); zero for a
+/// face without area.
 glm::dvec3 faceNormal(const std::vector<glm::dvec3>& corners) {
     glm::dvec3 sum(0);
     for (std::size_t i = 0; i < corners.size(); ++i) {
@@ -76,8 +76,8 @@ glm::dvec3 faceNormal(const std::vector<glm::dvec3>& corners) {
     return length > 0 && std::isfinite(length) ? sum / length : glm::dvec3(0);
 }
 
-/// Adds a vertex where edges of a face cross: a mean of others. Lists other than `vertices` are
-/// empty or as long.
+/// Adds the vertex at a crossing of edges, as a weighted mean of other vertices. The other lists
+/// must be empty or as long as `vertices`.
 void addMean(VertexArrays& arrays, const std::vector<std::uint32_t>& corners,
              const evaluate::MixedCorner& mixed) {
     for (std::vector<Vec3>* const list : {&arrays.vertices, &arrays.normals, &arrays.colours}) {
@@ -130,14 +130,15 @@ void StreamModel::place(std::uint32_t mesh, const Matrix& matrix) {
     model_.instances.push_back({mesh, matrix, name_, std::nullopt});
 }
 
-/// Completes a geometry, which has its indices, by the lists of a stream, and places it.
+/// Adds the vertices and attributes of a stream object to a geometry that already has its indices,
+/// then adds an instance of it.
 void StreamModel::addGeometry(Geometry&& geometry, const VertexArrays& arrays) {
     if (geometry.indices.empty()) {
         return;
     }
     geometry.positions = arrays.vertices;
     for (Vec3& position : geometry.positions) {
-        position = isFinite(position) ? position : Vec3{}; // No element uses it.
+        position = isFinite(position) ? position : Vec3{}; // Not used by any element.
     }
     if (geometry.topology == Topology::kTriangles && !arrays.normals.empty()) {
         geometry.normals = unitNormals(arrays.normals, geometry.indices);
@@ -212,7 +213,7 @@ void StreamModel::addBody(const geom_stream::Mesh& mesh) {
 void StreamModel::addStrip(const VertexArrays& strip) {
     Geometry geometry;
     for (std::uint32_t i = 2; i < strip.vertices.size(); ++i) {
-        // Every other triangle of a strip turns the other way.
+        // Every second triangle of a strip has the opposite winding.
         const std::array corners = {i - 2, i % 2 == 0 ? i - 1 : i, i % 2 == 0 ? i : i - 1};
         if (std::all_of(corners.begin(), corners.end(), [&strip](std::uint32_t corner) {
                 return isFinite(strip.vertices[corner]);
@@ -251,7 +252,7 @@ void StreamModel::addBody(const geom_stream::Polytriangle& polytriangle) {
 void StreamModel::addBody(const geom_stream::Sphere& sphere) {
     for (std::size_t i = 0; i < sphere.vertices.size(); ++i) {
         const Vec3& center = sphere.vertices[i];
-        // One without a radius is the unit sphere.
+        // A sphere without a radius is the unit sphere.
         const float radius = sphere.radii.empty() ? 1 : std::abs(sphere.radii[i]);
         if (!isFinite(center) || !std::isfinite(radius) || radius == 0) {
             ++droppedElements_;

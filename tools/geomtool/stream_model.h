@@ -12,17 +12,18 @@
 
 namespace geomtool {
 
-/// Makes a model of the objects of a stream, each in its own space as the stream has them.
-/// Polyhedra and meshes become triangles, polylines and segments lines, spheres are tessellated,
-/// and labels become points with names.
+/// Builds a model from the objects of a stream, each in its own coordinate system. Polyhedra and
+/// meshes become triangles, polylines and segments become lines, spheres are tessellated, and
+/// labels become points with names.
 class StreamModel {
 public:
     StreamModel();
 
-    /// Adds the object of that number, counted from 1; it is named "object 17 (polyhedron)".
+    /// Adds an object. `number` counts from 1 and becomes part of its name, "object 17
+    /// (polyhedron)".
     void add(std::uint64_t number, const geom_stream::Object& object);
 
-    /// The model of what has been added, with notes of what was left out.
+    /// Returns the model of the objects added, with notes about what was left out.
     meshcast::evaluate::Model finish();
 
 private:
@@ -42,11 +43,12 @@ private:
 
     meshcast::evaluate::Model model_;
     meshcast::evaluate::Triangulator triangulator_;
-    std::string name_; ///< Of the object that is being added.
+    std::string name_; ///< The name of the object being added.
     std::map<meshcast::evaluate::Material, std::uint32_t> materials_;
-    /// Meshes of one geometry and one material, of spheres and points.
+    /// Meshes of spheres and points, by geometry and material.
     std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> meshes_;
-    std::optional<std::uint32_t> ball_, dot_; ///< Geometries that spheres and labels share.
+    std::optional<std::uint32_t> ball_,
+        dot_; ///< The geometries shared by all spheres and by all labels.
     std::uint64_t droppedElements_ = 0;
 };
 

@@ -52,7 +52,7 @@ struct CountsOf {
     }
 };
 
-/// Collects the arrays that have elements.
+/// Collects the arrays that are not empty.
 class GroupBuilder {
 public:
     explicit GroupBuilder(ValueGroup group) : group_(std::move(group)) {}
@@ -73,7 +73,7 @@ public:
         const std::int64_t polygons = sizeOf(polyhedron.polygons());
         if (polygons > 0)
             group_.arrays.push_back({"polygons", PolygonsOf{&polyhedron}});
-        // If the list continues after its end, the words show more than the polygons.
+        // The raw words show more than the polygons if there is data after the end of the list.
         return polygons < polyhedron.polygonCount ? add("polygon-list", polyhedron.polygonList)
                                                   : *this;
     }

@@ -20,7 +20,7 @@ struct Count {
     std::int64_t value;
 };
 
-/// The counts that the object's kind has, in the order of the stream.
+/// The counts of the object, in the order of the stream.
 std::vector<Count> counts(const geom_stream::Object& object);
 
 /// The names of the set bits of the `data` word.
@@ -38,8 +38,8 @@ std::optional<Bounds> bounds(const geom_stream::Object& object);
 /// A description of the label-flags word, for instance "font 142 Times bold italic, left".
 std::string describeLabelFlags(std::uint32_t labelFlags);
 
-/// What is valid but unusual: a wrong `bytecount`, a polygon list that ends early, vertex numbers
-/// out of range.
+/// Notes about valid but unusual content: a wrong `bytecount`, a polygon list that ends early,
+/// vertex numbers out of range.
 std::vector<std::string> notes(const geom_stream::Object& object);
 
 /// Stands for `polygons()` of a polyhedron, so that Values stays a plain view.
@@ -47,7 +47,7 @@ struct PolygonsOf {
     const geom_stream::Polyhedron* polyhedron;
 };
 
-/// The values of one array, one element per vertex, polygon, label or whatever it belongs to.
+/// The values of one array, one element for each vertex, polygon, label or other item.
 using Values = std::variant<std::span<const geom_stream::Vec3>, std::span<const geom_stream::Vec2>,
                             std::span<const float>, std::span<const std::int32_t>,
                             std::span<const std::int64_t>, std::span<const std::byte>,
@@ -66,7 +66,7 @@ struct ValueGroup {
     std::vector<NamedValues> arrays;
 };
 
-/// Every array of the object that has elements; the vertices even when there are none.
+/// All arrays of the object that are not empty. The vertices are always included.
 std::vector<ValueGroup> valueGroups(const geom_stream::Object& object);
 
 } // namespace geomtool

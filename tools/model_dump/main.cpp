@@ -12,8 +12,8 @@
 #include <string>
 #include <unistd.h>
 
-// Lists what a viewer would show of a scene: to see what the evaluation does, and to compare what
-// different builds of it do.
+// Lists the evaluated model of a scene, for debugging the evaluation and for comparing different
+// builds of it.
 //     model_dump SCENE
 
 namespace {

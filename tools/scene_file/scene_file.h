@@ -8,26 +8,26 @@
 #include <system_error>
 #include <variant>
 
-// What programs that take a scene have in common: where its bytes come from, and how they report.
+// Code shared by the programs that read scenes: reading files, writing files and reporting.
 
 namespace meshcast {
 
-/// A name for messages: that of the file, or of standard input for "-".
+/// The name of a file in messages; "<stdin>" for "-".
 std::string shownName(const std::string& file);
 
-/// The folder that a scene's file is in: that of the process for "-".
+/// The folder of a scene's file; the current directory for "-".
 std::string folderOf(const std::string& file);
 
-/// All bytes of a file or, for "-", of standard input; or, second, why they cannot be had, as the
-/// end of a sentence about the file.
+/// Reads a file or, for "-", standard input. On failure the second alternative holds the reason, as
+/// the rest of a sentence that begins with the file's name ("cannot be read: ...").
 std::variant<std::string, std::string> readSceneFile(const std::string& file);
 
-/// Writes a file in one step (io::writeFile) or, for "-", standard output; `write` gets the
-/// descriptor.
+/// Writes a file atomically (io::writeFile) or, for "-", standard output. `write` is called with
+/// the descriptor.
 std::error_code writeOutput(const std::string& file,
                             const std::function<std::error_code(int descriptor)>& write);
 
-/// Lines for standard error, of which a bad scene can have a million: they are written in pieces.
+/// Buffers messages for standard error, because a bad scene can cause a million of them.
 class ReportLines {
 public:
     explicit ReportLines(bool areQuiet) : areQuiet_(areQuiet) {}
@@ -35,11 +35,11 @@ public:
     ReportLines& operator=(const ReportLines&) = delete;
     ~ReportLines() { flush(); }
 
-    /// FILE:LINE: WHAT
+    /// Adds the line "FILE:LINE: WHAT".
     void add(const tidy::Message& message);
-    /// FILE: WHAT, without control characters.
+    /// Adds the line "FILE: WHAT", without control characters.
     void add(const std::string& file, const std::string& what);
-    /// FILE: 12 repairs; nothing for none.
+    /// Adds the line "FILE: 12 repairs", or nothing if there were none.
     void addCount(const std::string& file, std::size_t repairs);
     void flush();
 

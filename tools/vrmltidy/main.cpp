@@ -42,8 +42,8 @@ ExitStatus fail(const std::string& file, const std::string& message) {
     return kNotRepaired;
 }
 
-/// Reads a scene as the filter does and gives all its fields; nothing if it cannot be read, which
-/// is reported.
+/// Reads a scene like the filter and returns a dump with all its fields. Reports a failure and
+/// returns nothing.
 std::optional<std::string> dumped(const std::string& text) {
     meshcast::Scene scene;
     meshcast::MemorySource source(text);
@@ -106,8 +106,8 @@ ExitStatus run(const CommandLine& line) {
 ExitStatus run(int argc, char** argv) {
     CLI::App app("Repairs a VRML 1.0 scene, so that meshcast reads all of it.", "vrmltidy");
     app.set_version_flag("--version", "vrmltidy " VRMLTIDY_VERSION);
-    app.footer("Each repair is reported on standard error as FILE:LINE: WHAT WAS DONE, and their "
-               "number at the end.\n"
+    app.footer("Each repair is reported on standard error as FILE:LINE: WHAT WAS DONE, followed by "
+               "their number.\n"
                "Exit status: 0 converted, 1 cannot be repaired, 2 wrong usage.");
 
     CommandLine line;
@@ -116,25 +116,25 @@ ExitStatus run(int argc, char** argv) {
                    "absent or -");
     app.add_option("-o", line.output,
                    "Write to this file instead of standard output; it is "
-                   "replaced in one step, or left as it is")
+                   "replaced atomically, or kept on failure")
         ->type_name("FILE");
     app.add_flag("--dump", line.dump,
-                 "Write the scene as it is read: every node with the values of all its fields, "
-                 "those at their default as comments");
+                 "Write every node with the values of all its fields, default values as comments");
     app.add_flag("--quiet", line.quiet, "Do not report repairs");
     app.add_flag("--strict", line.strict, "Make any repair an error: no output, status 1");
     CLI::Option* const inlines = app.add_flag(
-        "--inline", line.inlines, "Put the scenes that WWWInline nodes name in their places");
+        "--inline", line.inlines, "Replace WWWInline nodes by the scenes that they name");
     app.add_option("--root", line.root,
-                   "With --inline, read no file outside of this folder; that "
-                   "of the scene when absent")
+                   "With --inline, read no file outside of this folder; "
+                   "default: the folder of the scene")
         ->type_name("DIR")
         ->needs(inlines);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // Help and version come this way too, with status 0. Other texts repeat the arguments.
+        // --help and --version get here too, with status 0. Error messages are made printable,
+        // since they repeat the arguments.
         std::ostringstream message;
         const bool isWrong = app.exit(error, std::cout, message) != 0;
         std::istringstream lines(message.str());
