@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 // What a viewer shows of a scene: placed, coloured, textured. Plain records, for any number of
 // writers, that say nothing about the language the scene was written in.
 //
@@ -153,3 +155,5 @@ struct Model {
 };
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

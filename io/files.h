@@ -8,6 +8,8 @@
 #include <utility>
 #include <variant>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::io {
 
 /// An open descriptor, closed with its owner.
@@ -84,3 +86,5 @@ private:
 };
 
 } // namespace meshcast::io
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::tidy {
 
 // Turns a scene as it is found in the wild into one that the filter reads to its end. Scenes that
@@ -79,3 +81,5 @@ inline constexpr std::size_t kDeepestRestoring = 16;
 Result tidy(std::string bytes, const Options& options);
 
 } // namespace meshcast::tidy
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
+
 // The geometry object library. Objects are of five kinds. Add functions fill them, and each is
 // written to a descriptor as one self-contained record.
 //
@@ -259,3 +261,5 @@ int GEOMcheck_obj(const GEOMobj* obj, int options, GEOMreporter reporter);
 // findings do not stop the write. If there is no memory for the stream, nothing is written and
 // nothing is reported.
 void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags);
+
+#pragma GCC visibility pop
