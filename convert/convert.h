@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class ByteSource;
@@ -84,3 +86,5 @@ bool convertScene(ByteSource& source, ObjectSink& sink, Diagnostics& diagnostics
                   const ConvertOptions& options = {});
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 #include <array>
 #include <optional>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::evaluate {
 
 /// The least and the greatest coordinates of what is drawn: of every vertex that an index of a
@@ -12,3 +14,5 @@ namespace meshcast::evaluate {
 std::optional<std::array<Vec3, 2>> boundsOf(const Model& model);
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 class Diagnostics;
 class Scene;
@@ -71,3 +73,5 @@ struct EvaluateOptions {
 Model evaluateScene(const Scene& scene, const EvaluateOptions& options, Diagnostics& diagnostics);
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <array>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::evaluate {
 
 /// Takes points and normals of a mesh to the place of an instance, computing in double.
@@ -24,3 +26,5 @@ private:
 };
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

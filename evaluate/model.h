@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 // What a viewer shows of a scene: placed, coloured and textured meshes. Plain records for all
 // exporters, independent of the language of the scene.
 //
@@ -154,3 +156,5 @@ struct Model {
 };
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::evaluate {
 
 /// A model as lines of text, for tests and for comparing builds. Numbers are rounded to five
@@ -15,3 +17,5 @@ std::string materialText(const Material& material);
 std::string geometryText(const Geometry& geometry);
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

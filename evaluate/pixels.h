@@ -5,6 +5,8 @@
 #include <span>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 // Decoding and encoding of image files with stb_image and stb_image_write.
 
 namespace meshcast::evaluate {
@@ -36,3 +38,5 @@ bool hasAlpha(const Pixels& pixels);
 std::vector<std::uint8_t> encodePng(const Pixels& pixels);
 
 } // namespace meshcast::evaluate
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 // Writes models in the formats that other programs open.
 
 namespace meshcast::exporter {
@@ -72,3 +74,5 @@ struct Exported {
 Exported exportModel(evaluate::Model&& model, const Format& format, const Options& options);
 
 } // namespace meshcast::exporter
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::exporter {
 
 /// Appends a JSON document (RFC 8259) to a text, one value after the other. Commas and line breaks
@@ -65,3 +67,5 @@ private:
 };
 
 } // namespace meshcast::exporter
+
+#pragma GCC visibility pop

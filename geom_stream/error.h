@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#pragma GCC visibility push(default)
+
 namespace geom_stream {
 
 /// The first error of a stream.
@@ -12,3 +14,5 @@ struct Error {
 };
 
 } // namespace geom_stream
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 /// The objects of a GEOM stream, as docs/stream-format.md describes them. Values are as in the
 /// stream.
 namespace geom_stream {
@@ -151,3 +153,5 @@ struct Object {
 std::int64_t expectedByteCount(const Object& object);
 
 } // namespace geom_stream
+
+#pragma GCC visibility pop

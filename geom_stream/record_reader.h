@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 /// Decoder of GEOM streams, written from docs/stream-format.md alone. It shares nothing with the
 /// writer, so that each checks the other.
 ///
@@ -50,3 +52,5 @@ struct DecodeResult {
 DecodeResult decode(std::span<const std::byte> stream);
 
 } // namespace geom_stream
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 #include <memory>
 #include <span>
 
+#pragma GCC visibility push(default)
+
 namespace geom_stream {
 
 /// Stores at most `capacity` bytes at `into` and returns how many; 0 at the end of the stream,
@@ -52,3 +54,5 @@ private:
 };
 
 } // namespace geom_stream
+
+#pragma GCC visibility pop

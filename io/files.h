@@ -8,6 +8,8 @@
 #include <utility>
 #include <variant>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::io {
 
 /// Owns an open file descriptor and closes it when destroyed.
@@ -84,3 +86,5 @@ private:
 };
 
 } // namespace meshcast::io
+
+#pragma GCC visibility pop

@@ -9,6 +9,8 @@
 #include <string>
 #include <variant>
 
+#pragma GCC visibility push(default)
+
 // Pictures of models, drawn by OpenGL ES 3.0 without a display: by the computer's graphics card
 // where its driver can be used, and by Mesa's software renderer elsewhere.
 
@@ -39,3 +41,5 @@ std::variant<evaluate::Pixels, std::string> drawPicture(evaluate::Model&& model,
                                                         const PictureOptions& options);
 
 } // namespace meshcast::render
+
+#pragma GCC visibility pop

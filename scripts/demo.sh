@@ -3,6 +3,7 @@
 # picture of the scene, and says where they are.
 #   scripts/demo.sh [SCENE]
 set -eu
+"$(dirname "$0")/setup.sh"
 scene="${1:-$(dirname "$0")/../examples/house.wrl}"
 "$(dirname "$0")/build.sh" release meshcast geomtool vrmlexport
 programs="$(dirname "$0")/../build/release"

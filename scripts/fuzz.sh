@@ -3,6 +3,7 @@
 #   scripts/fuzz.sh [SECONDS [TARGET]]   30 if not told; all targets if none is named
 set -eu
 cd "$(dirname "$0")/.."
+scripts/setup.sh --fuzz
 scripts/build.sh fuzz fuzzers
 cmake --preset fuzz -D MESHCAST_FUZZ_SECONDS="${1:-30}" >/dev/null
 ctest --preset fuzz --parallel "$(nproc)" --tests-regex "^Fuzz\.${2:-}"

@@ -68,7 +68,7 @@ def build(name, arguments, tests):
     wanted = "ON" if tests else "OFF"
     # Warnings are no errors here: GCC 12 warns wrongly of its own library on s390x.
     quietly("cmake", "-S", ROOT, "-B", directory, "-G", "Ninja", "-DMESHCAST_WERROR=OFF",
-            f"-DMESHCAST_BUILD_TESTS={wanted}", "-DMESHCAST_BUILD_TOOLS=ON", *arguments)
+            f"-DBUILD_TESTING={wanted}", "-DMESHCAST_BUILD_TOOLS=ON", *arguments)
     quietly("cmake", "--build", directory, "--parallel", str(os.cpu_count()))
     return directory
 

@@ -1,28 +1,32 @@
 #!/bin/sh
 # Installs what meshcast needs on Debian 12 and is missing: run as root, or with sudo at hand.
 # Prints nothing and changes nothing when everything is there.
-#   scripts/setup.sh              what building and the tools need
-#   scripts/setup.sh --tests      besides, what the tests need, with a browser
-#   scripts/setup.sh --fuzz       besides, what fuzzing needs
-#   scripts/setup.sh --developer  besides, what the checks of CONTRIBUTING.md and the benchmarks need
-#   scripts/setup.sh --portability  besides, cross compilers and an emulator for scripts/portability.py
+#   scripts/setup.sh [OPTION ...]
+# Without an option, what building and the tools need. Besides that, with
+#   --tests        what the tests need, with a browser
+#   --fuzz         what fuzzing needs
+#   --lint         what scripts/lint.sh needs
+#   --developer    all three, and what the other checks of CONTRIBUTING.md and the benchmarks need
+#   --portability  cross compilers and an emulator for scripts/portability.py
 set -eu
 
 packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libsodium-dev libcli11-dev
 nlohmann-json3-dev zlib1g-dev libglm-dev libglu1-mesa-dev libfreetype-dev
 libfontconfig-dev libstb-dev libtinygltf-dev libassimp-dev libgtest-dev libgmock-dev parallel groff-base python3
 libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri libjs-three"
-if [ "${1:-}" = "--tests" ]; then
-    packages="$packages chromium chromium-driver python3-selenium python3-pil"
-elif [ $# -gt 0 ]; then
-    packages="$packages clang libclang-rt-14-dev"
-fi
-if [ "${1:-}" = "--developer" ]; then
-    packages="$packages clang-format clang-tidy cppcheck shellcheck libbenchmark-dev valgrind git"
-fi
-if [ "${1:-}" = "--portability" ]; then
-    packages="$packages clang g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user"
-fi
+tests="chromium chromium-driver python3-selenium python3-pil"
+fuzz="clang libclang-rt-14-dev"
+lint="clang-format clang-tidy shellcheck git libbenchmark-dev"
+for option; do
+    case "$option" in
+        --tests) packages="$packages $tests" ;;
+        --fuzz) packages="$packages $fuzz" ;;
+        --lint) packages="$packages $lint" ;;
+        --developer) packages="$packages $tests $fuzz $lint cppcheck valgrind" ;;
+        --portability) packages="$packages clang g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user" ;;
+        *) echo "setup: unknown option $option" >&2; exit 2 ;;
+    esac
+done
 
 missing=""
 for package in $packages; do

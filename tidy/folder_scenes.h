@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::tidy {
 
 /// Scenes from the files of one folder and its subfolders. Each file is read once. All files
@@ -33,3 +35,5 @@ private:
 std::string fileIdentity(const std::string& path);
 
 } // namespace meshcast::tidy
+
+#pragma GCC visibility pop

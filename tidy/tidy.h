@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast::tidy {
 
 // Repairs a damaged scene, or one in another dialect, so that the filter reads it to its end.
@@ -79,3 +81,5 @@ inline constexpr std::size_t kDeepestRestoring = 16;
 Result tidy(std::string bytes, const Options& options);
 
 } // namespace meshcast::tidy
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class QvState;
@@ -55,3 +57,5 @@ public:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

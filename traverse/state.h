@@ -9,6 +9,8 @@
 #include <set>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class Diagnostics;
@@ -155,3 +157,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

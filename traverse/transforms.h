@@ -3,6 +3,8 @@
 #include "traverse/state.h"
 #include "vrml/nodes.h"
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 /// Calls `use` with every transform in force, as a node of its class, the newest first: that is the
@@ -44,3 +46,5 @@ void forEachTextureTransform(const QvState& state, Use use) {
 }
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 /// Where the reader's bytes come from.
@@ -40,3 +42,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class QvNode;
@@ -34,3 +36,5 @@ const NameTable& catalogueNames();
 InternedName catalogueName(std::string_view text);
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

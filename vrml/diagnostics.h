@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 /// What a message is about. It decides the words around the text.
@@ -49,3 +51,5 @@ public:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <span>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class QvField;
@@ -105,3 +107,5 @@ constexpr ClassDeclaration<sizeof...(Fields)> declare(std::string_view name, Nod
 }
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

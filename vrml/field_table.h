@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 /// The fields of one node class by name, shared by all its nodes. A node that declares its own
@@ -54,3 +56,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class QvNode;
@@ -241,3 +243,5 @@ using QvMFVec2f = TypedField<QvMFieldOf<float, 2>, FieldType::kMFVec2f>;
 using QvMFVec3f = TypedField<QvMFieldOf<float, 3>, FieldType::kMFVec3f>;
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class Scene;
@@ -70,3 +72,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class Diagnostics;
@@ -168,3 +170,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

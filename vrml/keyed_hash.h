@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 /// The SipHash-2-4 of a text (Aumasson and Bernstein, "SipHash: a fast short-input PRF", 2012),
@@ -12,3 +14,5 @@ namespace meshcast {
 std::uint64_t keyedHash(std::string_view text);
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class QvNode;
@@ -133,3 +135,5 @@ bool isLegalNodeName(std::string_view text);
 std::string madeLegal(std::string_view text);
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <new>
 #include <utility>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class QvState;
@@ -103,3 +105,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 // The node classes of the scene language: their fields, in order, with their defaults, and their
 // enumerations. To add a class, declare it here, add it to the catalogue, and define its traverse.
 // The sections follow what a class does in the walk: shapes are geometry, properties apply to the
@@ -498,3 +500,5 @@ public:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

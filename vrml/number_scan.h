@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 // Numbers as the scene language writes them, scanned in one pass. The text must end in a character
@@ -116,3 +118,5 @@ inline const char* endOfInteger(const char* first) {
 }
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

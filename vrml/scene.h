@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class Diagnostics;
@@ -57,3 +59,5 @@ private:
 };
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -1,5 +1,7 @@
 #pragma once
 
+#pragma GCC visibility push(default)
+
 namespace meshcast {
 
 class ByteSource;
@@ -23,3 +25,5 @@ bool readScene(VrmlInput& input);
 bool readScene(Scene& scene, ByteSource& source, Diagnostics& diagnostics);
 
 } // namespace meshcast
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#pragma GCC visibility push(default)
+
 // The geometry object library. Objects are of five kinds. Add functions fill them, and each is
 // written to a descriptor as one self-contained record.
 //
@@ -271,3 +273,5 @@ std::size_t GEOMwrite_obj_and_copy(const GEOMobj* obj, int fd, unsigned char* co
 
 // Writes such a copy, in the same way as the record was written.
 void GEOMwrite_copy(const unsigned char* record, std::size_t size, int fd);
+
+#pragma GCC visibility pop

@@ -2,6 +2,8 @@
 
 #include "compat/geom/format.h"
 
+#pragma GCC visibility push(default)
+
 // Settings of the library's functions: the version that they write, whether they verify objects,
 // and where their messages go. The environment sets them. The functions have no arguments for them,
 // so a thread that needs other settings opens a GEOMscope.
@@ -57,3 +59,5 @@ bool trace_wanted();
 void report(GEOMmessage kind, const char* text);
 
 } // namespace geom
+
+#pragma GCC visibility pop
