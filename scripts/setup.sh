@@ -4,9 +4,10 @@
 #   scripts/setup.sh [OPTION ...]
 # Without an option, what building and the tools need. Besides that, with
 #   --tests        what the tests need, with a browser
+#   --package      what scripts/package.sh needs
 #   --fuzz         what fuzzing needs
 #   --lint         what scripts/lint.sh needs
-#   --developer    all three, and what the other checks of CONTRIBUTING.md and the benchmarks need
+#   --developer    these, and what the other checks of CONTRIBUTING.md and the benchmarks need
 #   --portability  cross compilers and an emulator for scripts/portability.py
 set -eu
 
@@ -14,15 +15,16 @@ packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libsodiu
 nlohmann-json3-dev zlib1g-dev libglm-dev libglu1-mesa-dev libfreetype-dev
 libfontconfig-dev libstb-dev libtinygltf-dev libassimp-dev libgtest-dev libgmock-dev parallel groff-base python3
 libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri libjs-three"
-tests="chromium chromium-driver python3-selenium python3-pil"
+tests="chromium chromium-driver python3-selenium python3-pil bash-completion dpkg-dev lintian"
 fuzz="clang libclang-rt-14-dev"
 lint="clang-format clang-tidy shellcheck git libbenchmark-dev"
 for option; do
     case "$option" in
         --tests) packages="$packages $tests" ;;
+        --package) packages="$packages dpkg-dev lintian" ;;
         --fuzz) packages="$packages $fuzz" ;;
         --lint) packages="$packages $lint" ;;
-        --developer) packages="$packages $tests $fuzz $lint cppcheck valgrind" ;;
+        --developer) packages="$packages $tests $fuzz $lint cppcheck valgrind debootstrap" ;;
         --portability) packages="$packages clang g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user" ;;
         *) echo "setup: unknown option $option" >&2; exit 2 ;;
     esac

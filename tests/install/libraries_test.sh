@@ -33,6 +33,8 @@ run_examples() {
         fail "$1/convert_example counts other objects than the filter writes"
     "$1/evaluate_example" <"$examples/house.wrl" | grep -q '^[1-9][0-9]* shapes, ' ||
         fail "$1/evaluate_example found no shapes"
+    "$1/render_example" <"$examples/house.wrl" | grep -q '^[1-9][0-9]* % covered$' ||
+        fail "$1/render_example draws an empty picture"
     "$1/export_example" <"$examples/house.wrl" >"$scratch/house.glb"
     "$prefix/bin/vrmlexport" --quiet --format glb - - <"$examples/house.wrl" |
         cmp - "$scratch/house.glb" || fail "$1/export_example writes another file than vrmlexport"

@@ -17,6 +17,15 @@ _MOST_PER_JOB, _FEWEST_JOBS = 16, 64
 _PATIENCE = 0.2  # Seconds between looks at the jobs.
 
 
+def _jobs_here(wanted):
+    """How many jobs run at a time, for parallel, which asks several programs for the number of
+    processors and takes those for free that this process may not use."""
+    processors = len(os.sched_getaffinity(0))
+    if wanted and not wanted.endswith("%"):
+        return wanted
+    return str(max(1, processors * int((wanted or "100%")[:-1]) // 100))
+
+
 def _command(options, scenes):
     """The command line of parallel, for so many scenes. Rows and nothing else are to come on its
     standard output, whatever the user has configured: --plain."""
@@ -25,8 +34,8 @@ def _command(options, scenes):
     per_job = max(1, min(_MOST_PER_JOB, scenes // _FEWEST_JOBS))
     words = ["parallel", "--plain", "--null", "--line-buffer",
              "--max-replace-args", str(ARGUMENTS_PER_SCENE * per_job)]
-    if options.jobs:
-        words += ["--jobs", options.jobs]
+    if options.jobs or not options.sshlogin:
+        words += ["--jobs", options.jobs if options.sshlogin else _jobs_here(options.jobs)]
     for hosts in options.sshlogin:
         words += ["--sshlogin", hosts]
     if options.sshlogin:
@@ -41,13 +50,15 @@ def _command(options, scenes):
 
 def run_jobs(options, job_options, names, journal, watch):
     """Has the jobs append their rows to a journal. `names` are the arguments of all jobs,
-    ARGUMENTS_PER_SCENE for each; `watch` is called again and again, and returns true when the run is to be broken off."""
+    ARGUMENTS_PER_SCENE for each; `watch` is called again and again, and returns true when the run is
+    to be broken off."""
     environment = dict(os.environ, LC_ALL="C", PARALLEL_SHELL="/bin/sh", BATCH_JOB=_JOB.read_text("utf-8"),
                        BATCH_OPTIONS=json.dumps(job_options))
     with tempfile.TemporaryFile() as listed, open(journal, "ab") as rows:
         listed.write(b"".join(os.fsencode(name) + b"\0" for name in names))
         listed.seek(0)
-        parallel = subprocess.Popen(_command(options, len(names) // ARGUMENTS_PER_SCENE), stdin=listed, stdout=rows, env=environment)
+        parallel = subprocess.Popen(_command(options, len(names) // ARGUMENTS_PER_SCENE),
+                                    stdin=listed, stdout=rows, env=environment)
         while parallel.poll() is None:
             try:
                 parallel.wait(_PATIENCE)
