@@ -13,12 +13,10 @@ string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH set
 
 file(GLOB packages ${CPACK_TEMPORARY_DIRECTORY}/*/usr)
 foreach(root IN LISTS packages)
-  if(root MATCHES "/programs/usr$")
-    set(documents ${root}/share/doc/${CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME})
-  else()
-    set(documents ${root}/share/doc/${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME})
-  endif()
-  get_filename_component(package ${documents} NAME)
+  string(REGEX REPLACE "^.*/([^/]+)/usr$" "\\1" component ${root})
+  string(TOUPPER ${component} component)
+  set(package ${CPACK_DEBIAN_${component}_PACKAGE_NAME})
+  set(documents ${root}/share/doc/${package})
   file(WRITE ${documents}/copyright
     "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/
 Upstream-Name: meshcast

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds the Debian packages meshcast and libmeshcast-dev into build/package, has lintian check them, and
-# prints their names.
+# Builds the Debian packages meshcast, libmeshcast-dev and python3-geomstream into build/package, has lintian
+# check them, and prints their names.
 #   scripts/package.sh
 set -eu
 cd "$(dirname "$0")/.."

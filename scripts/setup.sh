@@ -15,7 +15,7 @@ packages="ca-certificates g++ cmake ninja-build pkg-config libtirpc-dev libsodiu
 nlohmann-json3-dev zlib1g-dev libglm-dev libglu1-mesa-dev libfreetype-dev
 libfontconfig-dev libstb-dev libtinygltf-dev libassimp-dev libgtest-dev libgmock-dev parallel groff-base python3
 libegl-dev libgles-dev libegl-mesa0 libgl1-mesa-dri libjs-three"
-tests="chromium chromium-driver python3-selenium python3-pil bash-completion dpkg-dev lintian"
+tests="chromium chromium-driver python3-selenium python3-pil python3-numpy bash-completion dpkg-dev lintian"
 fuzz="clang libclang-rt-14-dev"
 lint="clang-format clang-tidy shellcheck git libbenchmark-dev"
 for option; do

@@ -66,6 +66,8 @@ inside sh -c 'meshcast </tmp/house.wrl >/tmp/house.geom'
 "$scratch/programs/usr/bin/meshcast" <"$examples/house.wrl" | cmp - "$root/tmp/house.geom" ||
     fail "the installed filter writes another stream"
 inside meshcast-batch --to geom,html,png /tmp /tmp/output || fail "meshcast-batch fails"
+counts='import geomstream; print(sum(1 for _ in geomstream.read("/tmp/house.geom")))'
+[ "$(inside python3 -c "$counts")" -gt 100 ] || fail "the installed Python package reads no stream"
 for file in house.geom house.html house.png index.html; do
     [ -s "$root/tmp/output/$file" ] || fail "meshcast-batch wrote no $file"
 done
