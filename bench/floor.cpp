@@ -1,8 +1,8 @@
 // The floor: the least work that yields, for the scenes of scene_gen, the bytes that meshcast
-// writes. It reads in blocks, takes numbers with std::from_chars, keeps plain arrays, swaps bytes
-// in bulk and writes in large pieces. It knows only the words that scene_gen prints, builds no
-// tree and checks nothing: no converter can be much faster, and the ratio to it says what
-// meshcast's generality costs.
+// writes. It reads in blocks, takes short decimals by hand and other numbers with std::from_chars,
+// keeps plain arrays, swaps bytes in bulk and writes in large pieces. It knows only the words that
+// scene_gen prints, builds no tree and checks nothing: no converter can be much faster, and the
+// ratio to it says what meshcast's generality costs.
 
 #include "bench/floor_io.h"
 

@@ -3,6 +3,7 @@
 // What the floor program reads and writes with: blocks, and no check of anything.
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cstddef>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <unistd.h>
 #include <vector>
 
@@ -46,12 +48,48 @@ public:
                 return;
             }
             Parsed value{};
-            next_ = std::from_chars(next_, end_, value).ptr;
+            if (!std::is_floating_point_v<Parsed> || !shortDecimal(value)) {
+                next_ = std::from_chars(next_, end_, value).ptr;
+            }
             values.push_back(static_cast<Stored>(value));
         }
     }
 
 private:
+    /// Takes a decimal of few digits, which is a quotient of two integers that doubles hold
+    /// exactly, so that dividing them gives the nearest double (Clinger 1990). False, with nothing
+    /// taken, for other numbers.
+    template <typename Real>
+    bool shortDecimal(Real& value) {
+        static constexpr std::array<double, 16> kPowers{
+            1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+        const char* at = next_;
+        const bool negative = *at == '-';
+        at += negative ? 1 : 0;
+        const auto digits = [&at](std::uint64_t sum) {
+            for (; static_cast<unsigned char>(*at - '0') < 10; ++at) {
+                sum = 10 * sum + static_cast<unsigned char>(*at - '0');
+            }
+            return sum;
+        };
+        const char* const first = at;
+        std::uint64_t sum = digits(0);
+        std::ptrdiff_t places = 0;
+        if (*at == '.') {
+            const char* const point = ++at;
+            sum = digits(sum);
+            places = at - point;
+        }
+        if (at - first > 15 || *at == 'e') {
+            return false;
+        }
+        const double quotient =
+            static_cast<double>(sum) / kPowers[static_cast<std::size_t>(places)];
+        value = static_cast<Real>(negative ? -quotient : quotient);
+        next_ = at;
+        return true;
+    }
+
     // More than the longest indentation and the longest word after it.
     static constexpr std::ptrdiff_t kLookAhead = 128;
 
