@@ -21,14 +21,14 @@ int main() {
     render::PictureOptions options;
     options.background.reset(); // transparent
     const auto picture = render::drawPicture(evaluate::evaluateScene(scene, {}, messages), options);
-    if (const auto* problem = std::get_if<std::string>(&picture)) {
-        std::cerr << *problem << '\n';
+    const auto* pixels = std::get_if<evaluate::Pixels>(&picture);
+    if (pixels == nullptr) {
+        std::cerr << *std::get_if<std::string>(&picture) << '\n';
         return 1;
     }
-    const auto& pixels = std::get<evaluate::Pixels>(picture);
     std::size_t covered = 0;
-    for (std::size_t i = 3; i < pixels.bytes.size(); i += 4) {
-        covered += pixels.bytes[i] != 0 ? 1 : 0;
+    for (std::size_t i = 3; i < pixels->bytes.size(); i += 4) {
+        covered += pixels->bytes[i] != 0 ? 1 : 0;
     }
-    std::cout << 100 * covered / (pixels.bytes.size() / 4) << " % covered\n";
+    std::cout << 100 * covered / (pixels->bytes.size() / 4) << " % covered\n";
 }
