@@ -3,10 +3,12 @@
 #include "vrml/field_table.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <new>
+#include <span>
 #include <type_traits>
 
 namespace meshcast {
@@ -253,25 +255,48 @@ void QvMFieldOf<Scalar, Width>::setCount(std::int32_t count) {
 }
 
 template <class Scalar, std::size_t Width>
+bool QvMFieldOf<Scalar, Width>::tryReallocate(std::int32_t count) {
+    const std::size_t size = static_cast<std::size_t>(count) * Width * sizeof(Scalar);
+    const bool isInitial = values == initial_.data();
+    void* const grown = std::realloc(isInitial ? nullptr : values, size);
+    if (grown == nullptr) {
+        return false;
+    }
+    values = static_cast<Scalar*>(grown);
+    maxNum = count;
+    if (isInitial) {
+        std::copy(initial_.begin(), initial_.end(), values);
+    }
+    return true;
+}
+
+template <class Scalar, std::size_t Width>
 void QvMFieldOf<Scalar, Width>::reallocate(std::int32_t count) {
-    if (count > 0) {
-        const std::size_t size = static_cast<std::size_t>(count) * Width * sizeof(Scalar);
-        const bool isInitial = values == initial_.data();
-        void* const grown = std::realloc(isInitial ? nullptr : values, size);
-        if (grown == nullptr) {
-            outOfMemory();
-        }
-        values = static_cast<Scalar*>(grown);
-        if (isInitial) {
-            std::copy(initial_.begin(), initial_.end(), values);
-        }
-    } else {
+    if (count <= 0) {
         release();
         values = nullptr;
         count = 0;
+    } else if (!tryReallocate(count)) {
+        outOfMemory();
     }
     num = count;
     maxNum = count;
+}
+
+template <class Scalar, std::size_t Width>
+void QvMFieldOf<Scalar, Width>::makeRoom(std::int32_t count, std::size_t fresh, bool isLast) {
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    if (fresh > static_cast<std::size_t>(kMost - count)) {
+        outOfMemory();
+    }
+    const std::int32_t needed = count + static_cast<std::int32_t>(fresh);
+    if (needed <= maxNum) {
+        return;
+    }
+    const std::int32_t ample = std::max(needed, maxNum > kMost / 2 ? kMost : 2 * maxNum);
+    if ((isLast || !tryReallocate(ample)) && !tryReallocate(needed)) {
+        outOfMemory();
+    }
 }
 
 template <class Scalar, std::size_t Width>
@@ -281,8 +306,8 @@ bool QvMFieldOf<Scalar, Width>::readOneValue(VrmlInput& input, std::int32_t inde
                        [&input](Scalar& scalar) { return readScalar(input, scalar); });
 }
 
-// The array grows by one value for each value read, so it never holds unused room. The allocator
-// extends a block in place where it can.
+// A list has no unused room once it has been read. Before that it grows ahead of its values, but
+// without memory for that only as far as it has to, so that no list fails for it.
 template <class Scalar, std::size_t Width>
 bool QvMFieldOf<Scalar, Width>::readAll(VrmlInput& input) {
     if (!skipTo(input, '[')) {
@@ -293,14 +318,22 @@ bool QvMFieldOf<Scalar, Width>::readAll(VrmlInput& input) {
         setCount(0);
         return true;
     }
+    constexpr std::size_t kPartSize = 1024 / Width * Width;
+    std::array<Scalar, kPartSize> part; // of plain values, set as far as they are read
     std::int32_t count = 0;
     for (;;) {
-        if (count >= num) {
-            if (num == std::numeric_limits<std::int32_t>::max()) {
-                outOfMemory();
-            }
-            setCount(count + 1);
+        std::size_t scalars = 0;
+        const bool closed = input.readPlainValues(Width, std::span<Scalar>(part), scalars);
+        makeRoom(count, scalars / Width, closed);
+        std::copy_n(part.begin(), scalars, values + static_cast<std::size_t>(count) * Width);
+        count += static_cast<std::int32_t>(scalars / Width);
+        if (closed) {
+            break;
         }
+        if (scalars == kPartSize) {
+            continue;
+        }
+        makeRoom(count, 1, false);
         const bool read = readOneValue(input, count);
         ++count;
         char c = 0;
@@ -320,7 +353,10 @@ bool QvMFieldOf<Scalar, Width>::readAll(VrmlInput& input) {
             break;
         }
     }
-    setCount(count);
+    if (count != maxNum) {
+        reallocate(count);
+    }
+    num = count;
     return true;
 }
 

@@ -211,6 +211,10 @@ public:
 
 private:
     void release();
+    /// Makes room for `count` values, keeping those that there are; false without memory.
+    bool tryReallocate(std::int32_t count);
+    /// Makes room for `fresh` values after `count`, and for more if more may come.
+    void makeRoom(std::int32_t count, std::size_t fresh, bool isLast);
 
     /// The initial value. It is stored in place because most lists keep it.
     std::array<Scalar, Width> initial_{};

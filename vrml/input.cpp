@@ -2,6 +2,7 @@
 
 #include "vrml/characters.h"
 #include "vrml/diagnostics.h"
+#include "vrml/list_scan.h"
 #include "vrml/number_scan.h"
 #include "vrml/scene.h"
 
@@ -27,7 +28,7 @@ constexpr std::size_t kMaxHeaderLength = 256;
 
 VrmlInput::VrmlInput(Scene& scene, ByteSource& source, Diagnostics& diagnostics)
     : scene_(scene), source_(&source), diagnostics_(diagnostics),
-      block_(std::make_unique<char[]>(kBlockSize + 1)) {
+      block_(std::make_unique<char[]>(kBlockSize + 1 + kScanSlack)) {
     attach(source);
 }
 
@@ -326,6 +327,24 @@ bool VrmlInput::readReal(double& value) {
     value = scanned.value;
     return scanned.ok;
 }
+
+template <class Scalar>
+bool VrmlInput::readPlainValues(std::size_t width, std::span<Scalar> into, std::size_t& count) {
+    count = 0;
+    if (readingWord_) {
+        return false; // The word is too short to look ahead in.
+    }
+    const PlainValues taken = scanPlainValues(next_, width, into);
+    next_ = taken.end;
+    line_ += taken.lines;
+    count = taken.count;
+    return taken.closed;
+}
+
+template bool VrmlInput::readPlainValues(std::size_t width, std::span<float> into,
+                                         std::size_t& count);
+template bool VrmlInput::readPlainValues(std::size_t width, std::span<std::int32_t> into,
+                                         std::size_t& count);
 
 void VrmlInput::skipBody() {
     for (std::int64_t depth = 1; depth > 0;) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -97,6 +98,12 @@ public:
 
     /// Reads a real number (see scanReal). The caller skips white space.
     bool readReal(double& value);
+
+    /// Reads values of a list, each of `width` scalars, with the commas and the `]` after them, as
+    /// long as they are plain (see scanPlainValues) and there is room. Stores how many scalars it
+    /// has read; true when the list is at its end.
+    template <class Scalar>
+    bool readPlainValues(std::size_t width, std::span<Scalar> into, std::size_t& count);
 
     /// Skips to the brace that closes a node body whose opening brace has been read. Braces in
     /// quoted strings count like others.

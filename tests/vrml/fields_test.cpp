@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <numeric>
+#include <random>
 #include <string>
 
 namespace meshcast {
@@ -31,6 +34,101 @@ TEST_P(Fields, ListsHoldWhatIsReadAndNothingInReserve) {
         EXPECT_EQ(std::vector<std::int32_t>(field.values, field.values + field.num), c.values)
             << c.list;
         EXPECT_EQ(field.maxNum, field.num) << c.list;
+    }
+}
+
+/// What a list field becomes: its values, the messages, and what is left of the text.
+template <class Field, std::size_t Width>
+std::string readList(const std::string& list, std::size_t pieceSize) {
+    const std::string text = "#VRML V1.0 ascii\n" + list;
+    MemorySource source(text, pieceSize);
+    MessageText messages;
+    Scene scene;
+    VrmlInput input(scene, source, messages);
+    Field field;
+    const bool isRead = field.readAll(input);
+    std::string found = isRead ? "read" : "failed";
+    for (std::size_t i = 0; isRead && i < static_cast<std::size_t>(field.num) * Width; ++i) {
+        std::array<char, 32> number{};
+        std::snprintf(number.data(), number.size(), " %a", static_cast<double>(field.values[i]));
+        found += number.data();
+    }
+    found += " line " + std::to_string(input.line()) + " rest ";
+    for (char c = 0; input.get(c);) {
+        found += c;
+    }
+    return found + " messages " + messages.text;
+}
+
+// Lists of plain values are read by other code than those in which something else comes, or which
+// the end of a block cuts. In pieces of one byte every value is cut.
+TEST(FieldLists, PlainValuesAreReadLikeOthers) {
+    std::minstd_rand random(1);
+    const auto pick = [&random](std::initializer_list<const char*> texts) {
+        return std::string(texts.begin()[random() % texts.size()]);
+    };
+    for (int round = 0; round < 4000; ++round) {
+        const auto digits = [&random](unsigned most) {
+            std::string text;
+            for (auto left = random() % (most + 1); left > 0; --left) {
+                text += static_cast<char>('0' + random() % 10);
+            }
+            return text;
+        };
+        const bool isOdd = round % 2 != 0; // Every other list has what the plain code leaves.
+        const auto blank = [&] {
+            return isOdd && random() % 30 == 0 ? pick({"#c\n", "\v", "\xff", "", "\r\n", "  #\n ,"})
+                                               : pick({" ", " ", "\n      ", "\n", "\t", "  "});
+        };
+        const auto number = [&] {
+            const auto kind = random() % 8;
+            const std::string sign = kind < 2 ? "-" : isOdd && random() % 30 == 0 ? "+" : "";
+            if (kind < 4) {
+                return sign + "1" + digits(kind == 3 ? 10 : 6);
+            }
+            if (isOdd && random() % 30 == 0) {
+                return sign + pick({"1e5", "2.5E-3", "0x1F", "017", "089", ".", "1.5.5", "x", "-",
+                                    "1e", "00", "123456789012345678901", "0.12345678901234567", "]",
+                                    "[", "1\xff", "7\0"});
+            }
+            return sign + pick({"0", "1", "12"}) + "." + digits(kind == 4 ? 18 : 8);
+        };
+        std::string list = "[";
+        list += pick({"", " ", "\n "});
+        for (auto left = random() % 40; left > 0; --left) {
+            list += number();
+            list += random() % 3 != 0 ? blank() + number() + blank() + number() : "";
+            list += pick({"", "", "", " "}) + (isOdd && random() % 40 == 0 ? "" : ",") + blank();
+        }
+        list +=
+            pick({"]", "1 ]", "1 2 3]", "1,]", ",]", "1, #\n]", "1 2 3, # ]\n ]", "1 2 3,", ""}) +
+            " rest";
+        // Pieces may end after any part of a value.
+        for (const std::size_t pieceSize : {std::size_t{2} + random() % 60, std::size_t{100'000}}) {
+            EXPECT_EQ((readList<QvMFLong, 1>(list, 1)), (readList<QvMFLong, 1>(list, pieceSize)))
+                << pieceSize << list;
+            EXPECT_EQ((readList<QvMFFloat, 1>(list, 1)), (readList<QvMFFloat, 1>(list, pieceSize)))
+                << pieceSize << list;
+            EXPECT_EQ((readList<QvMFVec3f, 3>(list, 1)), (readList<QvMFVec3f, 3>(list, pieceSize)))
+                << pieceSize << list;
+        }
+    }
+}
+
+TEST(FieldLists, GrowWithoutReserve) {
+    std::string list = "[";
+    for (int i = 0; i < 100'000; ++i) {
+        list += std::to_string(i) + (i % 1000 == 0 ? " #\n," : ",");
+    }
+    for (const std::size_t pieceSize : {std::size_t{1}, std::size_t{1000}, std::size_t{64} << 20}) {
+        ReadScene scene("IndexedFaceSet { coordIndex " + list + "] }", pieceSize);
+        ASSERT_TRUE(scene.ok) << scene.messages;
+        const QvMFLong& field = scene.root<QvIndexedFaceSet>().coordIndex;
+        ASSERT_EQ(field.num, 100'000);
+        EXPECT_EQ(field.maxNum, field.num);
+        for (std::int32_t i = 0; i < field.num; ++i) {
+            ASSERT_EQ(field.values[i], i);
+        }
     }
 }
 
