@@ -116,6 +116,18 @@ std::vector<GEOMpacked_color> vertexColors(const QvState& state, const QvIndexed
     return colors;
 }
 
+/// Whether there are faces, none is empty, and all indices are in range.
+bool isSound(std::span<const std::int32_t> coordIndex, std::int32_t points) {
+    std::int32_t before = kEndOfFace;
+    for (const std::int32_t index : coordIndex) {
+        if (index == kEndOfFace ? before == kEndOfFace : !isInside(index, points)) {
+            return false;
+        }
+        before = index;
+    }
+    return !coordIndex.empty();
+}
+
 } // namespace
 
 /// Faces in the format of GEOMadd_polygons: for each its count and its vertex numbers from 1, and a
@@ -179,7 +191,11 @@ void Converter::convert(const QvIndexedFaceSet& shape, const QvState& state) {
     }
     const QvMFVec3f& points = coordinates->point;
     // First, so that messages about bad indices come before any from building the object.
-    std::vector<std::int32_t> polygons = polygonList(entries(shape.coordIndex), points.num);
+    const bool hasSoundFaces = isSound(entries(shape.coordIndex), points.num);
+    std::vector<std::int32_t> polygons;
+    if (!hasSoundFaces) {
+        polygons = polygonList(entries(shape.coordIndex), points.num);
+    }
 
     const auto* const normal = state.normal();
     const auto* const binding = state.normalBinding();
@@ -205,11 +221,16 @@ void Converter::convert(const QvIndexedFaceSet& shape, const QvState& state) {
     const std::vector<float> uvs = textureCoordinates(state, shape, points);
 
     const ObjectOwner object(GEOMcreate_obj(GEOM_POLYHEDRON, nullptr));
-    GEOMadd_vertices_with_data(object.get(), points.values, normals,
-                               colors.empty() ? nullptr : colors.data(), points.num, GEOM_COPY);
-    GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
-    // Freed early: it is as large as the index list.
-    polygons = {};
+    GEOMlend_vertices(object.get(), points.values, points.num);
+    GEOMadd_normals(object.get(), normals, points.num, GEOM_COPY);
+    GEOMadd_colors(object.get(), colors.empty() ? nullptr : colors.data(), points.num, GEOM_COPY);
+    if (hasSoundFaces) {
+        GEOMadd_faces(object.get(), shape.coordIndex.values, shape.coordIndex.num);
+    } else {
+        GEOMadd_polygons(object.get(), polygons.data(), 0, GEOM_COPY);
+        // Freed early: it is as large as the index list.
+        polygons = {};
+    }
     if (generate) {
         GEOMgen_normals(object.get(), 0);
     }

@@ -1,5 +1,6 @@
 #include "compat/geom/geom.h"
 #include "convert/convert.h"
+#include "driver/heap.h"
 #include "vrml/byte_source.h"
 #include "vrml/diagnostics.h"
 #include "vrml/scene.h"
@@ -18,6 +19,7 @@ int main() {
     StandardErrorDiagnostics messages;
     // Never destroyed: the process ends anyway, and destroying a large scene takes time.
     static Scene& scene = *new Scene;
+    prepareHeap(STDIN_FILENO);
     // A scene that cannot be read is reported, but the exit status is still 0.
     readScene(scene, source, messages);
     convertScene(scene, stream, messages, environmentOptions());

@@ -21,7 +21,7 @@ MAY_INCLUDE = {
     "render": ["evaluate"],
     "export": ["evaluate", "io", "render"],
     "geom_stream": [],
-    "driver": ["vrml", "convert", "compat/geom"],
+    "driver": ["io", "vrml", "convert", "compat/geom"],
     "tools/export_output": ["evaluate", "export", "io"],
     "tools/geomtool": ["geom_stream", "evaluate", "export", "tools/export_output"],
     "tools/model_dump": ["evaluate", "vrml"],

@@ -1,5 +1,6 @@
 #include "vrml/fields.h"
 
+#include "io/large_block.h"
 #include "vrml/field_table.h"
 
 #include <algorithm>
@@ -262,7 +263,7 @@ bool QvMFieldOf<Scalar, Width>::tryReallocate(std::int32_t count) {
     if (grown == nullptr) {
         return false;
     }
-    values = static_cast<Scalar*>(grown);
+    values = static_cast<Scalar*>(io::preferLargePages(grown, size));
     maxNum = count;
     if (isInitial) {
         std::copy(initial_.begin(), initial_.end(), values);

@@ -16,8 +16,6 @@
 
 namespace meshcast {
 
-class QvNode;
-
 /// The base of all fields: a typed value of a node, with a default. The kType of each field class
 /// below names its type.
 class QvField {
@@ -36,9 +34,6 @@ public:
     /// Set when the input marks the field with `~`.
     bool ignored() const { return (flags_ & kIgnored) != 0; }
     void setIgnored(bool on) { setFlag(kIgnored, on); }
-
-    /// The node that owns a field which a scene declares; null for the fields of the catalogue.
-    QvNode* container = nullptr;
 
 private:
     static constexpr std::uint32_t kIsDefault = 1;

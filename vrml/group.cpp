@@ -40,7 +40,6 @@ bool QvUnknownNode::adoptField(InternedName typeName, InternedName fieldName) {
         return false;
     }
     std::unique_ptr<QvField> field = createField(*type);
-    field->container = this;
     scene_.newestUnknownTable->addField(fieldName, *type, *field);
     fields_.push_back(std::move(field));
     return true;

@@ -142,6 +142,16 @@ void GEOMadd_vertices(GEOMobj* obj, const float* vertices, std::int64_t n, int f
         geom::refuse("GEOMadd_vertices: can't add vertices to object type", vertices, flag);
 }
 
+void GEOMlend_vertices(GEOMobj* obj, const float* vertices, std::int64_t n) {
+    GEOMvector_list& list = obj->polyhedron.vertices;
+    if (obj->type != GEOM_POLYHEDRON || list.capacity != 0 || vertices == nullptr || n <= 0) {
+        GEOMadd_vertices(obj, vertices, n, GEOM_COPY);
+        return;
+    }
+    geom::adopt(list, vertices, n);
+    list.capacity = GEOM_LENT;
+}
+
 void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float* normals,
                                 const GEOMpacked_color* colors, std::int64_t n, int flag) {
     GEOMadd_vertices(obj, vertices, n, flag);

@@ -21,14 +21,16 @@
 //   the object unchanged. A failed allocation prints its source path, line and size and ends the
 //   process through GEOMfatal_error(). No function throws.
 // - Objects must not be null unless a function allows it. Threads may work at the same time, each
-// on
-//   its own objects and with its own settings (settings.h).
+//   on its own objects and with its own settings (settings.h).
 
 inline constexpr int GEOM_COPY = 0;
 inline constexpr int GEOM_TAKE = 1;
 
+inline constexpr std::int64_t GEOM_LENT = -1;
+
 // A growable array of elements of N components each, in one std::malloc block. All zero is the
-// empty list. `capacity` may be 0 while `data` holds a block (an array added with no elements).
+// empty list. `capacity` may be 0 while `data` holds a block (an array added with no elements). It
+// is GEOM_LENT while `data` is an array of the caller's (GEOMlend_vertices).
 template <class T, int N>
 struct GEOMlist {
     std::int64_t capacity; // elements that fit
@@ -172,6 +174,10 @@ int GEOMdestroy_obj(GEOMobj* obj);
 // triangle strip, refused when the object already carries normals or polyline colours.
 void GEOMadd_vertices(GEOMobj* obj, const float* vertices, std::int64_t n, int flag);
 
+// Gives a polyhedron without vertices n of them that stay in the caller's array, which must not
+// change as long as the object exists. For other objects like GEOMadd_vertices with GEOM_COPY.
+void GEOMlend_vertices(GEOMobj* obj, const float* vertices, std::int64_t n);
+
 // Adds vertices, then normals and colours (one per vertex) if not null and if the kind has them.
 void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float* normals,
                                 const GEOMpacked_color* colors, std::int64_t n, int flag);
@@ -201,6 +207,10 @@ void GEOMadd_vertex_trans(GEOMobj* obj, const float* trans, std::int64_t n, int 
 // A call on an object without polygons stores polygon flags (0x2, 0x4), if given, as a property.
 void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t polygon_flags,
                       int flag);
+
+// Adds the faces of an index list to a polyhedron without polygons: for each its vertex indices
+// from 0, none below, and -1 after it, which may be missing at the end. No face is empty.
+void GEOMadd_faces(GEOMobj* obj, const std::int32_t* indices, std::int64_t n);
 
 // Appends one polyline of n vertices to a polytriangle; nothing when n is 0. `colors` (3 floats per
 // vertex) may be null unless an earlier polyline had colours.

@@ -48,7 +48,12 @@ template <class T, int N>
 void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
                const GrowthSites& sites) {
     const std::int64_t step = std::max(extension, n);
-    if (list.capacity == 0) {
+    if (list.capacity == GEOM_LENT) {
+        const T* const lent = list.data;
+        list.capacity = add_counts(list.used, step);
+        list.data = static_cast<T*>(allocate(list.capacity, element_bytes(list), sites.first));
+        std::memcpy(list.data, lent, static_cast<std::size_t>(list.used) * element_bytes(list));
+    } else if (list.capacity == 0) {
         release(list.data); // the block of an earlier addition of no elements
         list.data = static_cast<T*>(allocate(step, element_bytes(list), sites.first));
         list.capacity = step;
@@ -69,10 +74,11 @@ void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     list.used += n;
 }
 
-// Makes the caller's block the storage of a list without capacity.
+// Makes the caller's block the storage of a list, instead of that which it has.
 template <class T, int N>
 void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
-    release(list.data);
+    if (list.capacity != GEOM_LENT)
+        release(list.data);
     list.data = const_cast<T*>(source); // handed over: the library owns the block now
     list.used = n;
     list.capacity = n;
@@ -109,8 +115,9 @@ void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t 
 // Frees the storage and leaves the empty list.
 template <class T, int N>
 void clear(GEOMlist<T, N>& list) {
-    // Always: even a list of capacity 0 may own a block.
-    release(list.data);
+    // Even a list of capacity 0 may own a block.
+    if (list.capacity != GEOM_LENT)
+        release(list.data);
     list = {};
 }
 

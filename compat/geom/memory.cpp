@@ -1,6 +1,7 @@
 #include "compat/geom/memory.h"
 
 #include "compat/geom/geom.h"
+#include "io/large_block.h"
 
 #include <cinttypes>
 #include <cstddef>
@@ -56,7 +57,7 @@ void* block_for(std::int64_t count, std::size_t size, const void* old, const All
     void* block = may_fit ? obtain(static_cast<std::size_t>(bytes)) : nullptr;
     if (block == nullptr)
         give_up(bytes, old, site);
-    return block;
+    return meshcast::io::preferLargePages(block, static_cast<std::size_t>(bytes));
 }
 
 } // namespace

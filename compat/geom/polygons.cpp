@@ -5,6 +5,7 @@
 #include "compat/geom/list.h"
 #include "compat/geom/memory.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -70,4 +71,32 @@ void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t poly
     geom::release(added.data);
     polygons.polygons += added.polygons;
     polygons.indices += added.indices;
+}
+
+void GEOMadd_faces(GEOMobj* obj, const std::int32_t* indices, std::int64_t n) {
+    if (obj->type != GEOM_POLYHEDRON || obj->polyhedron.polygons.capacity != 0 || n <= 0)
+        return;
+    constexpr std::int32_t end_of_face = -1;
+    GEOMpolygon_list faces{};
+    const bool is_last_open = indices[n - 1] != end_of_face;
+    const std::int64_t ends = std::count(indices, indices + n, end_of_face);
+    faces.polygons = ends + (is_last_open ? 1 : 0);
+    faces.indices = n - ends;
+    faces.capacity = entries(faces);
+    faces.data = static_cast<std::int64_t*>(
+        geom::allocate(faces.capacity, sizeof(std::int64_t), sites::kPolygons.first));
+    // An index goes to the place after its own, and the count of a face to that of its first index.
+    std::int64_t start = 0;
+    for (std::int64_t i = 0; i < n; ++i) {
+        if (indices[i] == end_of_face) {
+            faces.data[start] = i - start;
+            start = i + 1;
+        } else {
+            faces.data[i + 1] = std::int64_t{indices[i]} + 1;
+        }
+    }
+    if (is_last_open)
+        faces.data[start] = n - start;
+    faces.data[faces.capacity - 1] = 0;
+    obj->polyhedron.polygons = faces;
 }

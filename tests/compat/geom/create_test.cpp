@@ -45,6 +45,23 @@ TEST(Lists, AdoptTheFirstArrayAndFreeTheNext) { // the leak check watches
     EXPECT_EQ(values_of(obj->polyhedron.normals), kThree);
 }
 
+TEST(Lists, UseALentArrayUntilMoreIsAdded) {
+    const Floats lent = kThree;
+    const Object obj = make(GEOM_POLYHEDRON);
+    const GEOMvector_list& list = obj->polyhedron.vertices;
+    GEOMlend_vertices(obj.get(), lent.data(), 1);
+    EXPECT_EQ(list.data, lent.data());
+    const Object unshared = make(GEOM_POLYHEDRON);
+    GEOMlend_vertices(unshared.get(), lent.data(), 1);
+    GEOMadd_polygons(unshared.get(), Ints{1, 1, 0}.data(), 0, GEOM_COPY);
+    GEOMgen_normals(unshared.get(), 1); // gives each corner a vertex of its own
+    EXPECT_EQ(values_of(unshared->polyhedron.vertices), kThree);
+    GEOMlend_vertices(obj.get(), lent.data(), 1);
+    GEOMadd_vertices(obj.get(), block(kThree), 1, GEOM_TAKE);
+    EXPECT_EQ(values_of(list), (Floats{1, 2, 3, 1, 2, 3, 1, 2, 3}));
+    EXPECT_EQ(lent, kThree);
+}
+
 TEST(Objects, RefuseWhatTheirKindCannotTake) {
     std::string all;
     const auto refuse = [&](std::uint32_t type, std::uint32_t flags, void (*add)(GEOMobj*)) {
@@ -107,6 +124,18 @@ TEST(Objects, SetTheFlagsOfWhatTheyGet) {
     EXPECT_EQ(GEOMdestroy_obj(obj.get()), 1);
     EXPECT_EQ(GEOMdestroy_obj(obj.release()), 0);
     EXPECT_EQ(GEOMdestroy_obj(nullptr), 1);
+}
+
+TEST(Polygons, ComeFromFacesWithAMarkAtTheirEnd) {
+    for (const Ints& faces : {Ints{0, 2, 1, -1, 3, -1}, Ints{0, 2, 1, -1, 3}}) {
+        const Object obj = make(GEOM_POLYHEDRON);
+        GEOMadd_faces(obj.get(), faces.data(), std::ssize(faces));
+        const GEOMpolygon_list& list = obj->polyhedron.polygons;
+        EXPECT_THAT(std::vector(list.data, list.data + list.capacity),
+                    testing::ElementsAre(3, 1, 3, 2, 1, 4, 0));
+        EXPECT_EQ(list.polygons, 2);
+        EXPECT_EQ(list.indices, 4);
+    }
 }
 
 TEST(Polygons, AreWidenedAndAppendedAndKeepTheirFlags) {
