@@ -12,12 +12,12 @@ namespace meshcast::io {
 inline void* preferLargePages(void* block, std::size_t size) {
 #ifdef MADV_HUGEPAGE
     constexpr std::size_t kLarge = std::size_t{1} << 20;
-    constexpr std::uintptr_t kPage = 4096;
+    constexpr std::size_t kPage = 4096;
     if (block != nullptr && size >= kLarge) {
         // Whole pages inside the block. Where pages are larger than this, the call fails.
-        const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kPage - 1) / kPage * kPage;
-        const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) / kPage * kPage;
-        static_cast<void>(madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE));
+        const std::size_t before = -reinterpret_cast<std::uintptr_t>(block) % kPage;
+        static_cast<void>(madvise(static_cast<char*>(block) + before,
+                                  (size - before) / kPage * kPage, MADV_HUGEPAGE));
     }
 #endif
     return block;
