@@ -3,6 +3,7 @@
 #include "render/lighting.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <glm/geometric.hpp>
 #include <glm/gtc/matrix_inverse.hpp>
 #include <glm/gtc/type_ptr.hpp>
@@ -12,6 +13,15 @@ namespace meshcast::render {
 
 using evaluate::Material;
 using evaluate::Model;
+
+namespace {
+
+// A software renderer takes triangles faster than it fills them, and gigabytes may wait. So the
+// driver has to finish from time to time. What waits is counted in indices; a draw on its own, with
+// the values of the shaders, takes as much as so many.
+constexpr std::uint64_t kMostPending = 500'000, kIndicesPerDraw = 50;
+
+} // namespace
 
 Painter::Painter(Model& model, const View& view)
     : model_(model),
@@ -45,6 +55,7 @@ void Painter::draw(const glm::dmat4& window) const {
     // The picture's own alpha is what covers it, so that it can be laid over anything.
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     const evaluate::Instance* placed = nullptr;
+    std::uint64_t pending = 0;
     for (const Draw& draw : draws_) {
         if (draw.instance != placed) {
             placed = draw.instance;
@@ -53,6 +64,11 @@ void Painter::draw(const glm::dmat4& window) const {
         const GlMesh& mesh = meshes_[draw.primitive->geometry];
         setMaterial(model_.materials[draw.primitive->material], mesh);
         mesh.draw(draw.primitive->firstIndex, draw.primitive->indexCount);
+        pending += kIndicesPerDraw + draw.primitive->indexCount;
+        if (pending > kMostPending) {
+            glFinish();
+            pending = 0;
+        }
     }
     glDepthMask(GL_TRUE); // Clearing asks for it.
 }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 // vrmlexport and `geomtool export` as processes: what they write, what they say, how they end.
@@ -204,6 +205,28 @@ TEST_F(VrmlExport, BoundsWhatAFewLinesCanAskFor) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(get("r.json"), HasSubstr("\"kind\":\"limit\""));
     EXPECT_THAT(run("doubling.wrl a.obj").err, HasSubstr("vertices"));
+}
+
+// A software renderer takes what is to be drawn faster than it draws.
+TEST_F(VrmlExport, BoundsTheMemoryOfTheRenderer) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs memory of its own";
+#endif
+    std::string text = kHeader + "Separator {\n";
+    for (int i = 0; i < 40; ++i) {
+        text += "Sphere { }\n";
+    }
+    put("spheres.wrl", text + "}\n");
+    // Most memory is told of all children together, so only the process of this statement has one.
+    EXPECT_EXIT(
+        {
+            const int status = run("--size 64x48 --segments 256 spheres.wrl a.png").status;
+            struct rusage used {};
+            getrusage(RUSAGE_CHILDREN, &used);
+            constexpr long kMostKilobytes = 300'000;
+            std::_Exit(status == 0 && used.ru_maxrss < kMostKilobytes ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 class ExportedScenes : public testing::TestWithParam<fs::path> {};
