@@ -77,7 +77,7 @@ void DescriptorSink::print(std::string_view text) {
 Converter::Converter(ObjectSink& sink, CountedDiagnostics& diagnostics,
                      const ConvertOptions& options)
     : sink_(sink), diagnostics_(diagnostics), options_(options), textures_(options.textures),
-      mayRepeat_(!options.textures && !options.verify && !geom::trace_wanted()) {}
+      mayRepeat_(!options.textures && !options.verify && !geom::traceWanted()) {}
 
 template <class Shape>
 void Converter::convertOrRepeat(const Shape& shape, const QvState& state) {

@@ -64,7 +64,7 @@ geom_stream::Mesh meshOf(const GEOMobj& object) {
     mesh.u = object.mesh.u;
     mesh.v = object.mesh.v;
     const bool isEmpty = mesh.u == 0 || mesh.v == 0;
-    fill(mesh, geom::part_of(object), object.flags, mesh.u * mesh.v,
+    fill(mesh, geom::partOf(object), object.flags, mesh.u * mesh.v,
          isEmpty ? 0 : (mesh.u - 1) * (mesh.v - 1));
     return mesh;
 }
@@ -76,7 +76,7 @@ geom_stream::Polyhedron polyhedronOf(const GEOMobj& object) {
     polyhedron.indexCount = list.indices;
     polyhedron.polygonList.assign(list.data, list.data + list.polygons + list.indices);
     polyhedron.polygonList.push_back(0);
-    fill(polyhedron, geom::part_of(object), object.flags, object.polyhedron.vertices.used,
+    fill(polyhedron, geom::partOf(object), object.flags, object.polyhedron.vertices.used,
          list.polygons);
     return polyhedron;
 }
@@ -87,21 +87,21 @@ geom_stream::Polytriangle polytriangleOf(const GEOMobj& object) {
     geom_stream::Polytriangle polytriangle;
     for (std::int64_t i = 0; i < all.strips; ++i) {
         const std::int64_t n = all.strip_vertices[i].used;
-        fill(polytriangle.strips.emplace_back(), geom::strip_of(all, i), object.flags, n, n - 2);
+        fill(polytriangle.strips.emplace_back(), geom::stripOf(all, i), object.flags, n, n - 2);
     }
     for (std::int64_t i = 0; i < all.lines; ++i) {
         const std::int64_t n = all.line_vertices[i].used;
-        fill(polytriangle.polylines.emplace_back(), geom::polyline_of(all, i), lineFlags, n, n - 1);
+        fill(polytriangle.polylines.emplace_back(), geom::polylineOf(all, i), lineFlags, n, n - 1);
     }
     const std::int64_t n = all.segment_vertices.used;
-    fill(polytriangle.segments, geom::segments_of(all), lineFlags, n, n / 2);
+    fill(polytriangle.segments, geom::segmentsOf(all), lineFlags, n, n / 2);
     return polytriangle;
 }
 
 geom_stream::Sphere spheresOf(const GEOMobj& object) {
     const std::int64_t n = object.sphere.centers.used;
     geom_stream::Sphere sphere;
-    fill(sphere, geom::part_of(object), object.flags & geom::kSphereFlags, n, 0);
+    fill(sphere, geom::partOf(object), object.flags & geom::kSphereFlags, n, 0);
     sphere.radii = elements<float, 1>(&object.sphere.radii, object.sphere.radii.used > 0 ? n : 0);
     return sphere;
 }
@@ -131,9 +131,9 @@ geom_stream::Object heldValues(const GEOMobj& object) {
     values.hasExtent = object.has_extent != 0;
     const unsigned char* place = object.vals;
     for (std::uint32_t i = 0; i < object.nvals; ++i) {
-        const geom::Property property = geom::property_at(place);
+        const geom::Property property = geom::propertyAt(place);
         values.properties.push_back({property.kind, property.value, {}});
-        place += geom::property_bytes(property);
+        place += geom::propertyBytes(property);
     }
     values.name = object.name == nullptr ? "" : object.name;
     values.secondText = object.attribute == nullptr ? "" : object.attribute;

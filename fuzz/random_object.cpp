@@ -147,17 +147,17 @@ private:
 
     void addVertices(std::int64_t n) {
         const Floats given = numbers(3 * n);
-        add(geom::part_of(*object_).vertices, given, given,
+        add(geom::partOf(*object_).vertices, given, given,
             [&](const float* array, int flag) { GEOMadd_vertices(object_.get(), array, n, flag); });
     }
     void addNormals(std::int64_t n) {
         const Floats given = numbers(3 * n);
-        add(geom::part_of(*object_).normals, given, given,
+        add(geom::partOf(*object_).normals, given, given,
             [&](const float* array, int flag) { GEOMadd_normals(object_.get(), array, n, flag); });
     }
     void addUvs(std::int64_t n) {
         const Floats given = numbers(2 * n);
-        add(geom::part_of(*object_).uvs, given, given,
+        add(geom::partOf(*object_).uvs, given, given,
             [&](const float* array, int flag) { GEOMadd_uvs(object_.get(), array, n, flag); });
     }
     void addColors(std::int64_t n) {
@@ -170,21 +170,21 @@ private:
                 floats.push_back(static_cast<float>(bytes[k] / 255.0));
             }
         }
-        add(geom::part_of(*object_).colors, given, floats,
+        add(geom::partOf(*object_).colors, given, floats,
             [&](const GEOMpacked_color* array, int flag) {
                 GEOMadd_colors(object_.get(), array, n, flag);
             });
     }
     void addVertexData(std::int64_t n) {
         const auto given = integers<std::int32_t>(n);
-        add(geom::part_of(*object_).vertex_data, given, given,
+        add(geom::partOf(*object_).vertex_data, given, given,
             [&](const std::int32_t* array, int flag) {
                 GEOMadd_vertex_data(object_.get(), array, n, flag);
             });
     }
     void addVertexTrans(std::int64_t n) {
         const Floats given = numbers(n, &Maker::share);
-        add(geom::part_of(*object_).vertex_trans, given, given, [&](const float* array, int flag) {
+        add(geom::partOf(*object_).vertex_trans, given, given, [&](const float* array, int flag) {
             GEOMadd_vertex_trans(object_.get(), array, n, flag);
         });
     }
@@ -315,12 +315,12 @@ private:
         if (!isSound_) {
             addData({smallCount()});
             for (std::int64_t i = 0; i < all.strips; ++i) {
-                fill(geom::strip_of(all, i));
+                fill(geom::stripOf(all, i));
             }
             for (std::int64_t i = 0; i < all.lines; ++i) {
-                fill(geom::polyline_of(all, i));
+                fill(geom::polylineOf(all, i));
             }
-            fill(geom::segments_of(all));
+            fill(geom::segmentsOf(all));
         }
     }
 
@@ -412,7 +412,7 @@ private:
 
     void generateNormals(int mode) {
         const bool had = (object_->flags & GEOM_HAS_NORMALS) != 0;
-        const Floats vertices = held(geom::part_of(*object_).vertices);
+        const Floats vertices = held(geom::partOf(*object_).vertices);
         const std::vector<std::int64_t> polygons = polygonEntries();
         GEOMgen_normals(object_.get(), mode);
         const bool has = (object_->flags & GEOM_HAS_NORMALS) != 0;
@@ -428,7 +428,7 @@ private:
 
     /// The normals of tame vertices have length 1, or 0 where there is no direction.
     void checkNormals() {
-        const geom::Part part = geom::part_of(*object_);
+        const geom::Part part = geom::partOf(*object_);
         const Floats normals = held(part.normals);
         check(!isSound_ || part.normals->used == part.vertices->used,
               "normals do not match the vertices");
@@ -448,7 +448,7 @@ private:
 
     /// Every corner has become a vertex of its own: what it named before, or zeros.
     void checkCorners(const Floats& before, const std::vector<std::int64_t>& polygons) {
-        const Floats vertices = held(geom::part_of(*object_).vertices);
+        const Floats vertices = held(geom::partOf(*object_).vertices);
         Floats expected;
         std::vector<std::int64_t> numbered = polygons;
         for (std::size_t i = 0; i < polygons.size();) {

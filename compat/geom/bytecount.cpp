@@ -11,7 +11,7 @@ using Count = std::uint64_t; // unsigned: the counts of a malformed object may o
 // 1 when the bit is set, else 0.
 Count has(std::uint32_t flags, std::uint32_t bit) { return (flags & bit) != 0 ? 1 : 0; }
 
-Count values_per_vertex(std::uint32_t flags) {
+Count valuesPerVertex(std::uint32_t flags) {
     return 3 + 3 * has(flags, GEOM_HAS_NORMALS) + 3 * has(flags, GEOM_HAS_COLORS) +
            2 * has(flags, GEOM_HAS_UVS) + 3 * has(flags, GEOM_HAS_UVWS) +
            has(flags, GEOM_HAS_VERTEX_DATA) + has(flags, GEOM_HAS_VERTEX_TRANS);
@@ -25,32 +25,31 @@ std::int64_t geom::bytecount(const GEOMmesh& mesh, std::uint32_t flags) {
     // Kept: also counted for an empty grid, which has no cells. Readers compare this count.
     const Count cells = (u - 1) * (v - 1);
     return static_cast<std::int64_t>(
-        4 * (u * v * values_per_vertex(flags) + cells * has(flags, GEOM_HAS_PRIMITIVE_DATA)));
+        4 * (u * v * valuesPerVertex(flags) + cells * has(flags, GEOM_HAS_PRIMITIVE_DATA)));
 }
 
 std::int64_t geom::bytecount(const GEOMpolyhedron& solid, std::uint32_t flags) {
     const auto polygons = static_cast<Count>(solid.polygons.polygons);
     const auto indices = static_cast<Count>(solid.polygons.indices);
     const auto vertices = static_cast<Count>(solid.vertices.used);
-    return static_cast<std::int64_t>(
-        4 * (indices + polygons + vertices * values_per_vertex(flags)) + 4 +
-        4 * polygons * has(flags, GEOM_HAS_PRIMITIVE_DATA));
+    return static_cast<std::int64_t>(4 * (indices + polygons + vertices * valuesPerVertex(flags)) +
+                                     4 + 4 * polygons * has(flags, GEOM_HAS_PRIMITIVE_DATA));
 }
 
 std::int64_t geom::bytecount(const GEOMpolytriangle& all, std::uint32_t flags) {
     const Count primitives = has(flags, GEOM_HAS_PRIMITIVE_DATA);
-    const Count line_values = values_per_vertex(flags & kLineFlags);
+    const Count lineValues = valuesPerVertex(flags & kLineFlags);
     Count bytes = 4 * (static_cast<Count>(all.strips) + static_cast<Count>(all.lines));
     for (std::int64_t i = 0; i < all.strips; ++i) {
         const auto k = static_cast<Count>(all.strip_vertices[i].used);
-        bytes += 4 * k * values_per_vertex(flags) + primitives * (4 * k - 8);
+        bytes += 4 * k * valuesPerVertex(flags) + primitives * (4 * k - 8);
     }
     for (std::int64_t i = 0; i < all.lines; ++i) {
         const auto m = static_cast<Count>(all.line_vertices[i].used);
-        bytes += 4 * m * line_values + primitives * (4 * m - 1);
+        bytes += 4 * m * lineValues + primitives * (4 * m - 1);
     }
     const auto d = static_cast<Count>(all.segment_vertices.used);
-    bytes += 4 * d * line_values + primitives * 4 * (d / 2);
+    bytes += 4 * d * lineValues + primitives * 4 * (d / 2);
     return static_cast<std::int64_t>(bytes);
 }
 

@@ -13,24 +13,23 @@
 
 namespace {
 
-namespace sites = geom::create_sites;
+namespace sites = geom::createSites;
 
 // Batches grow a list to exactly what is needed; single elements leave room for more.
-std::int64_t extension_for(std::int64_t n) { return n == 1 ? geom::kHeadroom : n; }
+std::int64_t extensionFor(std::int64_t n) { return n == 1 ? geom::kHeadroom : n; }
 
 template <class T, int N>
 void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, int flag,
             const geom::GrowthSites& growth) {
-    geom::append(list, source, n, extension_for(n), flag, growth);
+    geom::append(list, source, n, extensionFor(n), flag, growth);
 }
 
 // Vertex data and vertex trans differ only in type, flag bit and messages.
 template <class T>
-void add_extra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t n, int flag,
-               std::uint32_t bit, const geom::GrowthSites& growth,
-               const char* polytriangle_message) {
+void addExtra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t n, int flag,
+              std::uint32_t bit, const geom::GrowthSites& growth, const char* polytriangleMessage) {
     if (obj.type == GEOM_POLYTRIANGLE) {
-        geom::refuse(polytriangle_message, source, flag);
+        geom::refuse(polytriangleMessage, source, flag);
         return;
     }
     if (obj.type == GEOM_LABEL) {
@@ -47,26 +46,26 @@ void add_extra(GEOMobj& obj, GEOMlist<T, 1>* list, const T* source, std::int64_t
 }
 
 // In a polytriangle, vertices form a new strip; every other kind has one list for them.
-bool add_vertices(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
+bool addVertices(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
     if (obj.type == GEOM_POLYTRIANGLE) {
-        geom::add_strip(obj, vertices, n, flag);
+        geom::addStrip(obj, vertices, n, flag);
         return true;
     }
-    GEOMvector_list* list = geom::part_of(obj).vertices;
+    GEOMvector_list* list = geom::partOf(obj).vertices;
     if (list == nullptr)
         return false;
     append(*list, vertices, n, flag, sites::kVertices);
     return true;
 }
 
-void clear_kind(GEOMobj& obj) {
-    geom::clear_part(geom::part_of(obj));
+void clearKind(GEOMobj& obj) {
+    geom::clearPart(geom::partOf(obj));
     switch (obj.type) {
     case GEOM_POLYHEDRON:
         geom::release(obj.polyhedron.polygons.data);
         break;
     case GEOM_POLYTRIANGLE:
-        geom::clear_polytriangle(obj.polytriangle);
+        geom::clearPolytriangle(obj.polytriangle);
         break;
     case GEOM_SPHERE:
         geom::clear(obj.sphere.radii);
@@ -87,7 +86,7 @@ void clear_kind(GEOMobj& obj) {
 } // namespace
 
 GEOMobj* GEOMcreate_obj(std::uint32_t type, const float* extent) {
-    auto* obj = static_cast<GEOMobj*>(geom::allocate_zeroed(1, sizeof(GEOMobj), sites::kObject));
+    auto* obj = static_cast<GEOMobj*>(geom::allocateZeroed(1, sizeof(GEOMobj), sites::kObject));
     obj->type = type;
     obj->refs = 1;
     if (extent != nullptr) {
@@ -105,7 +104,7 @@ GEOMobj* GEOMcreate_mesh(const float* extent, const float* vertices, std::int64_
     if (vertices == nullptr)
         GEOMerror("GEOMcreate_mesh: invalid null vertex list");
     else
-        add_vertices(*obj, vertices, geom::multiply_counts(u, v), flag);
+        addVertices(*obj, vertices, geom::multiplyCounts(u, v), flag);
     return obj;
 }
 
@@ -116,7 +115,7 @@ GEOMobj* GEOMcreate_sphere(const float* extent, const float* centers, const floa
     if (centers == nullptr)
         GEOMerror("GEOMcreate_sphere: invalid null vertex list");
     else
-        add_vertices(*obj, centers, n, flag);
+        addVertices(*obj, centers, n, flag);
     if (radii != nullptr)
         GEOMadd_radii(obj, radii, n, flag);
     GEOMadd_colors(obj, colors, n, flag);
@@ -127,9 +126,9 @@ GEOMobj* GEOMcreate_sphere(const float* extent, const float* centers, const floa
 int GEOMdestroy_obj(GEOMobj* obj) {
     if (obj == nullptr || --obj->refs > 0)
         return 1;
-    if (geom::verify_wanted())
+    if (geom::verifyWanted())
         GEOMcheck_obj(obj, 0, nullptr);
-    clear_kind(*obj);
+    clearKind(*obj);
     geom::release(obj->name);
     geom::release(obj->attribute);
     geom::release(obj->vals);
@@ -138,7 +137,7 @@ int GEOMdestroy_obj(GEOMobj* obj) {
 }
 
 void GEOMadd_vertices(GEOMobj* obj, const float* vertices, std::int64_t n, int flag) {
-    if (!add_vertices(*obj, vertices, n, flag))
+    if (!addVertices(*obj, vertices, n, flag))
         geom::refuse("GEOMadd_vertices: can't add vertices to object type", vertices, flag);
 }
 
@@ -155,7 +154,7 @@ void GEOMlend_vertices(GEOMobj* obj, const float* vertices, std::int64_t n) {
 void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float* normals,
                                 const GEOMpacked_color* colors, std::int64_t n, int flag) {
     GEOMadd_vertices(obj, vertices, n, flag);
-    const geom::Part part = geom::part_of(*obj);
+    const geom::Part part = geom::partOf(*obj);
     if (part.normals != nullptr)
         GEOMadd_normals(obj, normals, n, flag);
     else
@@ -167,7 +166,7 @@ void GEOMadd_vertices_with_data(GEOMobj* obj, const float* vertices, const float
 }
 
 void GEOMadd_normals(GEOMobj* obj, const float* normals, std::int64_t n, int flag) {
-    GEOMvector_list* list = geom::part_of(*obj).normals;
+    GEOMvector_list* list = geom::partOf(*obj).normals;
     if (list == nullptr) {
         geom::refuse("GEOMadd_normals: can't add normals to object type specified", normals, flag);
         return;
@@ -179,7 +178,7 @@ void GEOMadd_normals(GEOMobj* obj, const float* normals, std::int64_t n, int fla
 }
 
 void GEOMadd_colors(GEOMobj* obj, const GEOMpacked_color* colors, std::int64_t n, int flag) {
-    GEOMvector_list* list = geom::part_of(*obj).colors;
+    GEOMvector_list* list = geom::partOf(*obj).colors;
     if (list == nullptr) {
         geom::refuse("GEOMadd_colors: can't add colors to object type specified", colors, flag);
         return;
@@ -187,7 +186,7 @@ void GEOMadd_colors(GEOMobj* obj, const GEOMpacked_color* colors, std::int64_t n
     if (colors == nullptr)
         return;
     n = std::max<std::int64_t>(n, 0);
-    geom::make_room(*list, n, extension_for(n), sites::kColors);
+    geom::makeRoom(*list, n, extensionFor(n), sites::kColors);
     constexpr double full = 255.0;
     float* out = list->data + list->used * 3;
     for (std::int64_t i = 0; i < n; ++i) {
@@ -201,13 +200,13 @@ void GEOMadd_colors(GEOMobj* obj, const GEOMpacked_color* colors, std::int64_t n
 }
 
 void GEOMadd_uvs(GEOMobj* obj, const float* uvs, std::int64_t n, int flag) {
-    GEOMscalar_list* list = geom::part_of(*obj).uvs;
+    GEOMscalar_list* list = geom::partOf(*obj).uvs;
     if (list == nullptr) {
         geom::refuse("GEOMadd_uvs: can't add u-v to object type", uvs, flag);
         return;
     }
     // The headroom of a single pair is 100 floats, not 100 pairs.
-    const std::int64_t floats = geom::multiply_counts(n, 2);
+    const std::int64_t floats = geom::multiplyCounts(n, 2);
     const std::int64_t extension = n == 1 ? geom::kHeadroom : floats;
     geom::append(*list, uvs, floats, extension, flag, sites::kScalars);
     if (n > 0)
@@ -223,11 +222,11 @@ void GEOMadd_radii(GEOMobj* obj, const float* radii, std::int64_t n, int flag) {
 }
 
 void GEOMadd_vertex_data(GEOMobj* obj, const std::int32_t* data, std::int64_t n, int flag) {
-    add_extra(*obj, geom::part_of(*obj).vertex_data, data, n, flag, GEOM_HAS_VERTEX_DATA,
-              sites::kInts, "GEOMadd_vertex_data: use GEOMadd_polytriangle_vertex_data\n");
+    addExtra(*obj, geom::partOf(*obj).vertex_data, data, n, flag, GEOM_HAS_VERTEX_DATA,
+             sites::kInts, "GEOMadd_vertex_data: use GEOMadd_polytriangle_vertex_data\n");
 }
 
 void GEOMadd_vertex_trans(GEOMobj* obj, const float* trans, std::int64_t n, int flag) {
-    add_extra(*obj, geom::part_of(*obj).vertex_trans, trans, n, flag, GEOM_HAS_VERTEX_TRANS,
-              sites::kScalars, "GEOMadd_vertex_trans:use GEOMadd_polytriangle_vertex_trans\n");
+    addExtra(*obj, geom::partOf(*obj).vertex_trans, trans, n, flag, GEOM_HAS_VERTEX_TRANS,
+             sites::kScalars, "GEOMadd_vertex_trans:use GEOMadd_polytriangle_vertex_trans\n");
 }

@@ -6,7 +6,7 @@
 // The places that allocate memory for objects. Users search for these messages and line numbers in
 // old logs, so they are fixed here and do not change when the code moves.
 
-namespace geom::create_sites {
+namespace geom::createSites {
 
 inline constexpr const char* kModule = "compat/geom/create";
 
@@ -28,10 +28,10 @@ inline constexpr AllocationSite kLabelText{kModule, 2049, "can't allocate label 
 inline constexpr GrowthSites kPolygons{{kModule, 1615, "malloc fails allocating plist"},
                                        {kModule, 1917, "reallocing plist fails"}};
 
-// The list of one new strip or polyline.
+/// The list of one new strip or polyline.
 inline constexpr AllocationSite kFreshVertices{kModule, 1673, "malloc fails allocating vert list"};
 
-// The arrays of one list per polyline.
+/// The arrays of one list per polyline.
 inline constexpr GrowthSites kLineVertices{{kModule, 924, "alloc fails on pl v list"},
                                            {kModule, 912, "realloc fails on pl vert list"}};
 inline constexpr GrowthSites kLineColors{{kModule, 926, "alloc fails on pl c list"},
@@ -41,7 +41,7 @@ inline constexpr GrowthSites kLineVertexData{{kModule, 928, "alloc fails on pl v
 inline constexpr GrowthSites kLinePrimitiveData{{kModule, 930, "alloc fails on pl pp list"},
                                                 {kModule, 921, "realloc fails on pl pdata list"}};
 
-// The arrays of one list per strip. These have no lines to keep, so they show those of this table.
+/// The arrays of one list per strip. These have no lines to keep, so they show those of this table.
 inline constexpr GrowthSites kStripVertices{{kModule, __LINE__, "alloc fails on ptri v list"},
                                             {kModule, __LINE__, "realloc fails on ptri vert list"}};
 inline constexpr GrowthSites kStripNormals{
@@ -57,9 +57,9 @@ inline constexpr GrowthSites kStripVertexData{
 inline constexpr GrowthSites kStripPrimitiveData{
     {kModule, __LINE__, "alloc fails on ptri pd list"},
     {kModule, __LINE__, "realloc fails on ptri pdata list"}};
-// Kept: for the first strip the message is that of the texture coordinates, "vt".
+/// Kept: for the first strip the message is that of the texture coordinates, "vt".
 inline constexpr GrowthSites kStripVertexTrans{
     {kModule, __LINE__, "alloc fails on ptri vt list"},
     {kModule, __LINE__, "realloc fails on ptri vtrans list"}};
 
-} // namespace geom::create_sites
+} // namespace geom::createSites

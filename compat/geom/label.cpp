@@ -10,17 +10,17 @@
 
 namespace {
 
-namespace sites = geom::create_sites;
+namespace sites = geom::createSites;
 
 // What the label int must be for a label to have none.
 constexpr int kNoLabelData = -1;
 
 template <class T, int N>
-void append_one(GEOMlist<T, N>& list, const T* element, const geom::GrowthSites& growth) {
+void appendOne(GEOMlist<T, N>& list, const T* element, const geom::GrowthSites& growth) {
     geom::append(list, element, 1, geom::kHeadroom, GEOM_COPY, growth);
 }
 
-char* copy_text(const char* text) {
+char* copyText(const char* text) {
     const std::size_t bytes = std::strlen(text) + 1;
     auto* copy = static_cast<char*>(
         geom::allocate(static_cast<std::int64_t>(bytes), sizeof(char), sites::kLabelText));
@@ -41,19 +41,19 @@ void GEOMadd_label(GEOMobj* obj, const char* text, const float* position, const 
     if (obj->type != GEOM_LABEL)
         return;
     GEOMlabels& labels = obj->label;
-    append_one(labels.positions, position, sites::kVertices);
+    appendOne(labels.positions, position, sites::kVertices);
     if (offset != nullptr)
-        append_one(labels.offsets, offset, sites::kVertices);
-    append_one(labels.heights, &height, sites::kScalars);
-    char* copy = copy_text(text);
-    append_one(labels.texts, &copy, sites::kLabelTexts);
+        appendOne(labels.offsets, offset, sites::kVertices);
+    appendOne(labels.heights, &height, sites::kScalars);
+    char* copy = copyText(text);
+    appendOne(labels.texts, &copy, sites::kLabelTexts);
     if (color != nullptr) {
-        append_one(labels.colors, color, sites::kVertices);
+        appendOne(labels.colors, color, sites::kVertices);
         obj->flags |= GEOM_HAS_COLORS;
     }
     if (label != kNoLabelData) {
         const std::int32_t data = label;
-        append_one(labels.label_data, &data, sites::kInts);
+        appendOne(labels.label_data, &data, sites::kInts);
         obj->flags |= GEOM_HAS_LABEL_DATA;
     }
 }

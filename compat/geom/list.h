@@ -13,68 +13,68 @@
 
 namespace geom {
 
-// Single elements tend to be added repeatedly, so room is made for this many at once.
+/// Single elements tend to be added repeatedly, so room is made for this many at once.
 inline constexpr std::int64_t kHeadroom = 100;
 
-// The allocation sites of one kind of list: its first block, and its growth.
+/// The allocation sites of one kind of list: its first block, and its growth.
 struct GrowthSites {
     AllocationSite first;
     AllocationSite grow;
 };
 
 template <class T, int N>
-constexpr std::size_t element_bytes(const GEOMlist<T, N>& /*list*/) {
+constexpr std::size_t elementBytes(const GEOMlist<T, N>& /*list*/) {
     return sizeof(T) * N;
 }
 
-// The sum of two counts, neither below 0; one that does not fit becomes the largest count, which
-// the allocator then refuses.
-constexpr std::int64_t add_counts(std::int64_t a, std::int64_t b) {
+/// The sum of two counts, neither below 0; one that does not fit becomes the largest count, which
+/// the allocator then refuses.
+constexpr std::int64_t addCounts(std::int64_t a, std::int64_t b) {
     constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
     return a > largest - b ? largest : a + b;
 }
 
-// The product of two counts; 0 when either is below 0, the largest count when it does not fit.
-constexpr std::int64_t multiply_counts(std::int64_t a, std::int64_t b) {
+/// The product of two counts; 0 when either is below 0, the largest count when it does not fit.
+constexpr std::int64_t multiplyCounts(std::int64_t a, std::int64_t b) {
     if (a <= 0 || b <= 0)
         return 0;
     constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
     return a > largest / b ? largest : a * b;
 }
 
-// Makes room for n more elements after the used ones. A list that must grow gets room for
-// max(extension, n) more. Does not change the number of used elements.
+/// Makes room for n more elements after the used ones. A list that must grow gets room for
+/// max(extension, n) more. Does not change the number of used elements.
 template <class T, int N>
-void make_room(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
-               const GrowthSites& sites) {
+void makeRoom(GEOMlist<T, N>& list, std::int64_t n, std::int64_t extension,
+              const GrowthSites& sites) {
     const std::int64_t step = std::max(extension, n);
     if (list.capacity == GEOM_LENT) {
         const T* const lent = list.data;
-        list.capacity = add_counts(list.used, step);
-        list.data = static_cast<T*>(allocate(list.capacity, element_bytes(list), sites.first));
-        std::memcpy(list.data, lent, static_cast<std::size_t>(list.used) * element_bytes(list));
+        list.capacity = addCounts(list.used, step);
+        list.data = static_cast<T*>(allocate(list.capacity, elementBytes(list), sites.first));
+        std::memcpy(list.data, lent, static_cast<std::size_t>(list.used) * elementBytes(list));
     } else if (list.capacity == 0) {
         release(list.data); // the block of an earlier addition of no elements
-        list.data = static_cast<T*>(allocate(step, element_bytes(list), sites.first));
+        list.data = static_cast<T*>(allocate(step, elementBytes(list), sites.first));
         list.capacity = step;
     } else if (n > list.capacity - list.used) {
-        list.capacity = add_counts(list.used, step);
+        list.capacity = addCounts(list.used, step);
         list.data =
-            static_cast<T*>(reallocate(list.data, list.capacity, element_bytes(list), sites.grow));
+            static_cast<T*>(reallocate(list.data, list.capacity, elementBytes(list), sites.grow));
     }
 }
 
-// Appends n elements, for which there must be room.
+/// Appends n elements, for which there must be room.
 template <class T, int N>
-void put_elements(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
-    // memcpy must not see the null pointer of an empty array, not even for 0 bytes
+void putElements(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
+    /// memcpy must not see the null pointer of an empty array, not even for 0 bytes
     if (n > 0)
         std::memcpy(list.data + list.used * N, source,
-                    static_cast<std::size_t>(n) * element_bytes(list));
+                    static_cast<std::size_t>(n) * elementBytes(list));
     list.used += n;
 }
 
-// Makes the caller's block the storage of a list, instead of that which it has.
+/// Makes the caller's block the storage of a list, instead of that which it has.
 template <class T, int N>
 void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     if (list.capacity != GEOM_LENT)
@@ -84,19 +84,19 @@ void adopt(GEOMlist<T, N>& list, const T* source, std::int64_t n) {
     list.capacity = n;
 }
 
-// Frees an array that was passed with GEOM_TAKE but is not used.
+/// Frees an array that was passed with GEOM_TAKE but is not used.
 inline void drop(const void* array, int flag) {
     if (flag != GEOM_COPY)
         release(array);
 }
 
-// Reports why an array is refused, and drops it.
+/// Reports why an array is refused, and drops it.
 inline void refuse(const char* message, const void* array, int flag) {
     GEOMerror("%s", message);
     drop(array, flag);
 }
 
-// Appends n elements. A null source only makes room.
+/// Appends n elements. A null source only makes room.
 template <class T, int N>
 void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t extension, int flag,
             const GrowthSites& sites) {
@@ -105,17 +105,17 @@ void append(GEOMlist<T, N>& list, const T* source, std::int64_t n, std::int64_t 
         adopt(list, source, n);
         return;
     }
-    make_room(list, n, extension, sites);
+    makeRoom(list, n, extension, sites);
     if (source == nullptr)
         return;
-    put_elements(list, source, n);
+    putElements(list, source, n);
     drop(source, flag);
 }
 
-// Frees the storage and leaves the empty list.
+/// Frees the storage and leaves the empty list.
 template <class T, int N>
 void clear(GEOMlist<T, N>& list) {
-    // Even a list of capacity 0 may own a block.
+    /// Even a list of capacity 0 may own a block.
     if (list.capacity != GEOM_LENT)
         release(list.data);
     list = {};

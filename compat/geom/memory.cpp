@@ -22,21 +22,21 @@ constexpr std::int64_t kEmptyBlock = 8;
 constexpr std::size_t kSmallBlock = 1024;
 
 // Not inlined, or the compiler replaces malloc and memset by calloc.
-[[gnu::noinline]] void* clear_block(void* block, std::size_t bytes) {
+[[gnu::noinline]] void* clearBlock(void* block, std::size_t bytes) {
     return block == nullptr ? nullptr : std::memset(block, 0, bytes);
 }
 
 // Stands for a size that does not fit. No allocation of it can succeed.
 constexpr std::int64_t kTooLarge = std::numeric_limits<std::int64_t>::max();
 
-std::int64_t block_bytes(std::int64_t count, std::size_t size) {
+std::int64_t blockBytes(std::int64_t count, std::size_t size) {
     if (count <= 0)
         return kEmptyBlock;
     const auto element = static_cast<std::int64_t>(size);
     return count > kTooLarge / element ? kTooLarge : count * element;
 }
 
-[[noreturn]] void give_up(std::int64_t bytes, const void* old, const AllocationSite& site) {
+[[noreturn]] void giveUp(std::int64_t bytes, const void* old, const AllocationSite& site) {
     static_cast<void>(
         std::fprintf(stderr, "%s line %d, %" PRId64 " bytes", site.module, site.line, bytes));
     if (old != nullptr)
@@ -49,34 +49,34 @@ std::int64_t block_bytes(std::int64_t count, std::size_t size) {
 
 // Calls `obtain` for the bytes of `count` elements. Ends the process if that returns null.
 template <class Obtain>
-void* block_for(std::int64_t count, std::size_t size, const void* old, const AllocationSite& site,
-                Obtain obtain) {
-    const std::int64_t bytes = block_bytes(count, size);
+void* blockFor(std::int64_t count, std::size_t size, const void* old, const AllocationSite& site,
+               Obtain obtain) {
+    const std::int64_t bytes = blockBytes(count, size);
     // On a 32-bit machine the size may not fit std::size_t.
-    const bool may_fit = bytes < std::numeric_limits<std::ptrdiff_t>::max();
-    void* block = may_fit ? obtain(static_cast<std::size_t>(bytes)) : nullptr;
+    const bool mayFit = bytes < std::numeric_limits<std::ptrdiff_t>::max();
+    void* block = mayFit ? obtain(static_cast<std::size_t>(bytes)) : nullptr;
     if (block == nullptr)
-        give_up(bytes, old, site);
+        giveUp(bytes, old, site);
     return meshcast::io::preferLargePages(block, static_cast<std::size_t>(bytes));
 }
 
 } // namespace
 
 void* allocate(std::int64_t count, std::size_t size, const AllocationSite& site) {
-    return block_for(count, size, nullptr, site, [](std::size_t n) { return std::malloc(n); });
+    return blockFor(count, size, nullptr, site, [](std::size_t n) { return std::malloc(n); });
 }
 
-void* allocate_zeroed(std::int64_t count, std::size_t size, const AllocationSite& site) {
-    return block_for(count, size, nullptr, site, [](std::size_t n) {
-        return n > kSmallBlock ? std::calloc(1, n) : clear_block(std::malloc(n), n);
+void* allocateZeroed(std::int64_t count, std::size_t size, const AllocationSite& site) {
+    return blockFor(count, size, nullptr, site, [](std::size_t n) {
+        return n > kSmallBlock ? std::calloc(1, n) : clearBlock(std::malloc(n), n);
     });
 }
 
 void* reallocate(void* old, std::int64_t count, std::size_t size, const AllocationSite& site) {
-    return block_for(count, size, old, site, [old](std::size_t n) { return std::realloc(old, n); });
+    return blockFor(count, size, old, site, [old](std::size_t n) { return std::realloc(old, n); });
 }
 
-void* try_allocate(std::size_t bytes) { return std::malloc(bytes); }
+void* tryAllocate(std::size_t bytes) { return std::malloc(bytes); }
 
 void release(const void* block) { std::free(const_cast<void*>(block)); }
 

@@ -70,7 +70,7 @@ Vec3 divide(const Vec3& v, double by) {
             static_cast<float>(v.z / by)};
 }
 
-bool is_within(float component, double tolerance) {
+bool isWithin(float component, double tolerance) {
     return -tolerance < component && component < tolerance;
 }
 
@@ -80,20 +80,20 @@ Vec3 normalized(const Vec3& v) {
     return l == 0 ? v : divide(v, l);
 }
 
-void normalize_list(const GEOMvector_list& normals) {
+void normalizeList(const GEOMvector_list& normals) {
     for (std::int64_t i = 0; i < normals.used; ++i) {
         float* at = normals.data + i * 3;
         store(at, normalized(load(at)));
     }
 }
 
-float* new_vectors(std::int64_t n, const AllocationSite& site) {
-    return static_cast<float*>(geom::allocate_zeroed(n, 3 * sizeof(float), site));
+float* newVectors(std::int64_t n, const AllocationSite& site) {
+    return static_cast<float*>(geom::allocateZeroed(n, 3 * sizeof(float), site));
 }
 
-void attach_normals(GEOMobj& obj, float* normals, std::int64_t n) {
+void attachNormals(GEOMobj& obj, float* normals, std::int64_t n) {
     GEOMadd_normals(&obj, normals, n, GEOM_TAKE);
-    geom::normalize_object(obj);
+    geom::normalizeObject(obj);
 }
 
 // ---- Polyhedra
@@ -104,43 +104,43 @@ struct Polygon {
     const std::int64_t* corners;
 };
 
-bool names_vertex(std::int64_t index, std::int64_t vertices) {
+bool namesVertex(std::int64_t index, std::int64_t vertices) {
     return index >= 1 && index <= vertices;
 }
 
 // A polygon with an index out of range contributes to no normal, not even at its other corners.
-bool is_sound(const Polygon& polygon, std::int64_t vertices) {
+bool isSound(const Polygon& polygon, std::int64_t vertices) {
     return std::all_of(polygon.corners, polygon.corners + polygon.count,
-                       [=](std::int64_t index) { return names_vertex(index, vertices); });
+                       [=](std::int64_t index) { return namesVertex(index, vertices); });
 }
 
 // The unit normal of a polygon; zero if it is degenerate or has fewer than three corners.
-Vec3 facet_normal(const Polygon& polygon, const GEOMvector_list& vertices, double tolerance) {
+Vec3 facetNormal(const Polygon& polygon, const GEOMvector_list& vertices, double tolerance) {
     const auto corner = [&](std::int64_t j) {
         return load(vertices.data + (polygon.corners[j] - 1) * 3);
     };
     Vec3 sum{0, 0, 0};
     for (std::int64_t j = 0; j + 2 < polygon.count; ++j)
         sum += cross(corner(j + 1) - corner(j), corner(j + 2) - corner(j));
-    if (is_within(sum.x, tolerance) && is_within(sum.y, tolerance) && is_within(sum.z, tolerance))
+    if (isWithin(sum.x, tolerance) && isWithin(sum.y, tolerance) && isWithin(sum.z, tolerance))
         return {0, 0, 0};
     std::array unit{sum.x, sum.y, sum.z};
-    geom::normalize_vector(unit.data());
+    geom::normalizeVector(unit.data());
     return load(unit.data());
 }
 
-void smooth_normals(GEOMobj& obj, double tolerance) {
+void smoothNormals(GEOMobj& obj, double tolerance) {
     const GEOMpolyhedron& solid = obj.polyhedron;
     const std::int64_t n = solid.vertices.used;
-    float* normals = new_vectors(n, kSmoothNormals);
+    float* normals = newVectors(n, kSmoothNormals);
 
     const std::int64_t* entry = solid.polygons.data;
     for (std::int64_t p = 0; p < solid.polygons.polygons; ++p) {
         const Polygon polygon{entry[0], entry + 1};
         entry += polygon.count + 1;
-        if (!is_sound(polygon, n))
+        if (!isSound(polygon, n))
             continue;
-        const Vec3 normal = facet_normal(polygon, solid.vertices, tolerance);
+        const Vec3 normal = facetNormal(polygon, solid.vertices, tolerance);
         for (std::int64_t j = 0; j < polygon.count; ++j) {
             float* at = normals + (polygon.corners[j] - 1) * 3;
             Vec3 sum = load(at);
@@ -154,7 +154,7 @@ void smooth_normals(GEOMobj& obj, double tolerance) {
         const double l = length(sum);
         store(at, l <= kShortest ? Vec3{0, 0, 0} : divide(sum, l));
     }
-    attach_normals(obj, normals, n);
+    attachNormals(obj, normals, n);
 }
 
 // A new array with one element per polygon corner: the element that a list holds for the corner's
@@ -163,23 +163,23 @@ template <class T, int N>
 T* spread(const GEOMlist<T, N>& list, const GEOMpolyhedron& solid, const AllocationSite& site) {
     const GEOMpolygon_list& polygons = solid.polygons;
     const std::int64_t known = std::min(list.used, solid.vertices.used);
-    auto* per_corner =
-        static_cast<T*>(geom::allocate_zeroed(polygons.indices, geom::element_bytes(list), site));
-    T* out = per_corner;
+    auto* perCorner =
+        static_cast<T*>(geom::allocateZeroed(polygons.indices, geom::elementBytes(list), site));
+    T* out = perCorner;
     const std::int64_t* entry = polygons.data;
     for (std::int64_t p = 0; p < polygons.polygons; ++p) {
         const std::int64_t count = *entry++;
         for (std::int64_t j = 0; j < count; ++j, ++entry, out += N) {
-            if (!names_vertex(*entry, known))
+            if (!namesVertex(*entry, known))
                 continue;
             for (int i = 0; i < N; ++i)
                 out[i] = list.data[(*entry - 1) * N + i];
         }
     }
-    return per_corner;
+    return perCorner;
 }
 
-void number_corners(GEOMpolygon_list& polygons) {
+void numberCorners(GEOMpolygon_list& polygons) {
     std::int64_t corner = 0;
     std::int64_t* entry = polygons.data;
     for (std::int64_t p = 0; p < polygons.polygons; ++p) {
@@ -189,104 +189,104 @@ void number_corners(GEOMpolygon_list& polygons) {
     }
 }
 
-void facet_normals(GEOMobj& obj, double tolerance) {
+void facetNormals(GEOMobj& obj, double tolerance) {
     GEOMpolyhedron& solid = obj.polyhedron;
     const std::int64_t corners = solid.polygons.indices;
     // Build all arrays before replacing any list, since they are built from the lists.
-    const auto spread_if = [&](std::uint32_t bit, const auto& list, const AllocationSite& site) {
+    const auto spreadIf = [&](std::uint32_t bit, const auto& list, const AllocationSite& site) {
         return (obj.flags & bit) != 0 ? spread(list, solid, site) : nullptr;
     };
     float* vertices = spread(solid.vertices, solid, kCornerVertices);
-    float* colors = spread_if(GEOM_HAS_COLORS, solid.colors, kCornerColors);
-    std::int32_t* data = spread_if(GEOM_HAS_VERTEX_DATA, solid.vertex_data, kCornerData);
-    float* trans = spread_if(GEOM_HAS_VERTEX_TRANS, solid.vertex_trans, kCornerTrans);
-    float* normals = new_vectors(corners, kCornerNormals);
+    float* colors = spreadIf(GEOM_HAS_COLORS, solid.colors, kCornerColors);
+    std::int32_t* data = spreadIf(GEOM_HAS_VERTEX_DATA, solid.vertex_data, kCornerData);
+    float* trans = spreadIf(GEOM_HAS_VERTEX_TRANS, solid.vertex_trans, kCornerTrans);
+    float* normals = newVectors(corners, kCornerNormals);
 
     float* out = normals;
     const std::int64_t* entry = solid.polygons.data;
     for (std::int64_t p = 0; p < solid.polygons.polygons; ++p) {
         const Polygon polygon{entry[0], entry + 1};
-        const Vec3 facet = is_sound(polygon, solid.vertices.used)
-                               ? facet_normal(polygon, solid.vertices, tolerance)
+        const Vec3 facet = isSound(polygon, solid.vertices.used)
+                               ? facetNormal(polygon, solid.vertices, tolerance)
                                : Vec3{0, 0, 0};
         // All corners share this normal, so normalise it once instead of calling
-        // normalize_object().
+        // normalizeObject().
         const Vec3 normal = normalized(facet);
         for (std::int64_t j = 0; j < polygon.count; ++j, out += 3)
             store(out, normal);
         entry += polygon.count + 1;
     }
 
-    const auto replace = [corners](auto& list, const auto* per_corner) {
-        if (per_corner != nullptr)
-            geom::adopt(list, per_corner, corners);
+    const auto replace = [corners](auto& list, const auto* perCorner) {
+        if (perCorner != nullptr)
+            geom::adopt(list, perCorner, corners);
     };
     replace(solid.vertices, vertices);
     replace(solid.colors, colors);
     replace(solid.vertex_data, data);
     replace(solid.vertex_trans, trans);
-    number_corners(solid.polygons);
+    numberCorners(solid.polygons);
     GEOMadd_normals(&obj, normals, corners, GEOM_TAKE);
 }
 
 // ---- Meshes
 
-void mesh_normals(GEOMobj& obj) {
+void meshNormals(GEOMobj& obj) {
     const GEOMmesh& mesh = obj.mesh;
-    const std::int64_t n = geom::multiply_counts(mesh.u, mesh.v);
+    const std::int64_t n = geom::multiplyCounts(mesh.u, mesh.v);
     if (mesh.vertices.used < n)
         return; // a grid without its vertices has no normals
-    float* normals = new_vectors(n, kMeshNormals);
+    float* normals = newVectors(n, kMeshNormals);
     const auto at = [&](std::int64_t column, std::int64_t row) {
         return load(mesh.vertices.data + (row * mesh.u + column) * 3);
     };
     const float* end = normals + n * 3;
     float* out = normals;
     for (std::int64_t row = 0; out != end; ++row) {
-        const std::int64_t previous_row = std::max<std::int64_t>(row - 1, 0);
-        const std::int64_t next_row = std::min(row + 1, mesh.v - 1);
+        const std::int64_t previousRow = std::max<std::int64_t>(row - 1, 0);
+        const std::int64_t nextRow = std::min(row + 1, mesh.v - 1);
         for (std::int64_t column = 0; column < mesh.u; ++column, out += 3) {
-            const std::int64_t previous_column = std::max<std::int64_t>(column - 1, 0);
-            const std::int64_t next_column = std::min(column + 1, mesh.u - 1);
-            store(out, cross(at(previous_column, row) - at(next_column, row),
-                             at(column, previous_row) - at(column, next_row)));
+            const std::int64_t previousColumn = std::max<std::int64_t>(column - 1, 0);
+            const std::int64_t nextColumn = std::min(column + 1, mesh.u - 1);
+            store(out, cross(at(previousColumn, row) - at(nextColumn, row),
+                             at(column, previousRow) - at(column, nextRow)));
         }
     }
-    attach_normals(obj, normals, n);
+    attachNormals(obj, normals, n);
 }
 
 } // namespace
 
-void geom::generate_normals(GEOMobj& obj, int mode, double tolerance) {
+void geom::generateNormals(GEOMobj& obj, int mode, double tolerance) {
     constexpr int facets = 1;
     if ((obj.flags & GEOM_HAS_NORMALS) != 0)
         return;
     if (obj.type == GEOM_MESH) {
         if (mode == facets)
             GEOMerror("Warning: Can't compute facet normals of mesh objects.\n");
-        mesh_normals(obj);
+        meshNormals(obj);
     } else if (obj.type == GEOM_POLYHEDRON) {
         if (mode == facets)
-            facet_normals(obj, tolerance);
+            facetNormals(obj, tolerance);
         else
-            smooth_normals(obj, tolerance);
+            smoothNormals(obj, tolerance);
     }
 }
 
-void geom::normalize_object(GEOMobj& obj) {
+void geom::normalizeObject(GEOMobj& obj) {
     if (obj.type == GEOM_MESH)
-        normalize_list(obj.mesh.normals);
+        normalizeList(obj.mesh.normals);
     else if (obj.type == GEOM_POLYHEDRON)
-        normalize_list(obj.polyhedron.normals);
+        normalizeList(obj.polyhedron.normals);
     else if (obj.type == GEOM_POLYTRIANGLE && obj.polytriangle.strip_normals != nullptr)
         for (std::int64_t i = 0; i < obj.polytriangle.strips; ++i)
-            normalize_list(obj.polytriangle.strip_normals[i]);
+            normalizeList(obj.polytriangle.strip_normals[i]);
 }
 
-void geom::normalize_vector(float* vector) {
+void geom::normalizeVector(float* vector) {
     const Vec3 v = load(vector);
     const double l = length(v);
     store(vector, l == 0 ? Vec3{0, 0, 1} : divide(v, l));
 }
 
-void GEOMgen_normals(GEOMobj* obj, int mode) { geom::generate_normals(*obj, mode, kDegenerate); }
+void GEOMgen_normals(GEOMobj* obj, int mode) { geom::generateNormals(*obj, mode, kDegenerate); }

@@ -4,16 +4,17 @@
 
 namespace geom {
 
-// GEOMgen_normals() with a given tolerance: a facet normal is zero if all its components are inside
-// (-tolerance, tolerance).
-void generate_normals(GEOMobj& obj, int mode, double tolerance);
+/// GEOMgen_normals() with a given tolerance: a facet normal is zero if all its components are
+/// inside
+/// (-tolerance, tolerance).
+void generateNormals(GEOMobj& obj, int mode, double tolerance);
 
-// Normalises every normal of a mesh, a polyhedron, or the strips of a polytriangle. Zero vectors
-// stay zero.
-void normalize_object(GEOMobj& obj);
+/// Normalises every normal of a mesh, a polyhedron, or the strips of a polytriangle. Zero vectors
+/// stay zero.
+void normalizeObject(GEOMobj& obj);
 
-// Normalises 3 floats in place; a vector of length zero becomes (0, 0, 1). Squares are summed in
-// float; the root and the quotients are computed in double.
-void normalize_vector(float* vector);
+/// Normalises 3 floats in place; a vector of length zero becomes (0, 0, 1). Squares are summed in
+/// float; the root and the quotients are computed in double.
+void normalizeVector(float* vector);
 
 } // namespace geom

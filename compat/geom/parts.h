@@ -11,14 +11,14 @@
 
 namespace geom {
 
-// The arrays of one object, strip, polyline or segment set. A null pointer means that the part has
-// no such list.
+/// The arrays of one object, strip, polyline or segment set. A null pointer means that the part has
+/// no such list.
 template <bool IsConst>
 struct BasicPart {
     template <class List>
     using Pointer = std::conditional_t<IsConst, const List*, List*>;
 
-    Pointer<GEOMvector_list> vertices = nullptr; // centres of spheres, positions of labels
+    Pointer<GEOMvector_list> vertices = nullptr; ///< centres of spheres, positions of labels
     Pointer<GEOMvector_list> normals = nullptr;
     Pointer<GEOMvector_list> colors = nullptr;
     Pointer<GEOMscalar_list> uvs = nullptr;
@@ -29,19 +29,19 @@ struct BasicPart {
 using Part = BasicPart<false>;
 using ConstPart = BasicPart<true>;
 
-// The flag bits that apply to parts which have only some of the lists.
+/// The flag bits that apply to parts which have only some of the lists.
 inline constexpr std::uint32_t kSphereFlags =
     GEOM_HAS_NORMALS | GEOM_HAS_COLORS | GEOM_HAS_VERTEX_DATA | GEOM_HAS_VERTEX_TRANS;
 inline constexpr std::uint32_t kLineFlags =
     GEOM_HAS_COLORS | GEOM_HAS_VERTEX_DATA | GEOM_HAS_PRIMITIVE_DATA;
 
-// The part of an object, const or not.
+/// The part of an object, const or not.
 template <class Object>
 using PartOf = BasicPart<std::is_const_v<Object>>;
 
-// The lists of the object itself; none for a polytriangle or an unknown type.
+/// The lists of the object itself; none for a polytriangle or an unknown type.
 template <class Object>
-PartOf<Object> part_of(Object& obj) {
+PartOf<Object> partOf(Object& obj) {
     switch (obj.type) {
     case GEOM_MESH: {
         auto& mesh = obj.mesh;
@@ -69,60 +69,60 @@ PartOf<Object> part_of(Object& obj) {
     }
 }
 
-// The cells between the vertices of a grid: one value of primitive data each. An empty grid (u or v
-// below 1) has none, though its byte count says otherwise.
-inline std::int64_t cells_of(const GEOMmesh& mesh) {
-    return mesh.u < 1 || mesh.v < 1 ? 0 : multiply_counts(mesh.u - 1, mesh.v - 1);
+/// The cells between the vertices of a grid: one value of primitive data each. An empty grid (u or
+/// v below 1) has none, though its byte count says otherwise.
+inline std::int64_t cellsOf(const GEOMmesh& mesh) {
+    return mesh.u < 1 || mesh.v < 1 ? 0 : multiplyCounts(mesh.u - 1, mesh.v - 1);
 }
 
 template <class List>
-List* list_at(List* lists, std::int64_t index) {
+List* listAt(List* lists, std::int64_t index) {
     return lists == nullptr ? nullptr : lists + index;
 }
 
-// Strip or polyline number `index` (from 0), and the disjoint segments, of a polytriangle.
+/// Strip or polyline number `index` (from 0), and the disjoint segments, of a polytriangle.
 template <class Triangles>
-PartOf<Triangles> strip_of(Triangles& all, std::int64_t index) {
-    return {list_at(all.strip_vertices, index),    list_at(all.strip_normals, index),
-            list_at(all.strip_colors, index),      list_at(all.strip_uvs, index),
-            list_at(all.strip_vertex_data, index), list_at(all.strip_primitive_data, index),
-            list_at(all.strip_vertex_trans, index)};
+PartOf<Triangles> stripOf(Triangles& all, std::int64_t index) {
+    return {listAt(all.strip_vertices, index),    listAt(all.strip_normals, index),
+            listAt(all.strip_colors, index),      listAt(all.strip_uvs, index),
+            listAt(all.strip_vertex_data, index), listAt(all.strip_primitive_data, index),
+            listAt(all.strip_vertex_trans, index)};
 }
 
 template <class Triangles>
-PartOf<Triangles> polyline_of(Triangles& all, std::int64_t index) {
-    return {.vertices = list_at(all.line_vertices, index),
-            .colors = list_at(all.line_colors, index),
-            .vertex_data = list_at(all.line_vertex_data, index),
-            .primitive_data = list_at(all.line_primitive_data, index)};
+PartOf<Triangles> polylineOf(Triangles& all, std::int64_t index) {
+    return {.vertices = listAt(all.line_vertices, index),
+            .colors = listAt(all.line_colors, index),
+            .vertex_data = listAt(all.line_vertex_data, index),
+            .primitive_data = listAt(all.line_primitive_data, index)};
 }
 
 template <class Triangles>
-PartOf<Triangles> segments_of(Triangles& all) {
+PartOf<Triangles> segmentsOf(Triangles& all) {
     return {.vertices = &all.segment_vertices,
             .colors = &all.segment_colors,
             .vertex_data = &all.segment_vertex_data,
             .primitive_data = &all.segment_primitive_data};
 }
 
-// Frees every list of the part.
-inline void clear_part(const Part& part) {
-    const auto clear_list = [](auto* list) {
+/// Frees every list of the part.
+inline void clearPart(const Part& part) {
+    const auto clearList = [](auto* list) {
         if (list != nullptr)
             clear(*list);
     };
-    clear_list(part.vertices);
-    clear_list(part.normals);
-    clear_list(part.colors);
-    clear_list(part.uvs);
-    clear_list(part.vertex_data);
-    clear_list(part.primitive_data);
-    clear_list(part.vertex_trans);
+    clearList(part.vertices);
+    clearList(part.normals);
+    clearList(part.colors);
+    clearList(part.uvs);
+    clearList(part.vertex_data);
+    clearList(part.primitive_data);
+    clearList(part.vertex_trans);
 }
 
-// The elements in use; 0 for a list that is not there.
+/// The elements in use; 0 for a list that is not there.
 template <class T, int N>
-std::int64_t used_of(const GEOMlist<T, N>* list) {
+std::int64_t usedOf(const GEOMlist<T, N>* list) {
     return list == nullptr ? 0 : list->used;
 }
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-namespace sites = geom::create_sites;
+namespace sites = geom::createSites;
 
 // Entries of a list: the counts, the indices and the final 0.
 std::int64_t entries(const GEOMpolygon_list& list) { return list.polygons + list.indices + 1; }
@@ -37,7 +37,7 @@ GEOMpolygon_list widen(const std::int32_t* list) {
 }
 
 // Attaches polygon flags as a property, unless the object has one.
-void keep_flags(GEOMobj& obj, std::uint32_t polygon_flags) {
+void keepFlags(GEOMobj& obj, std::uint32_t polygon_flags) {
     std::uint32_t present = 0;
     if (polygon_flags != 0 && GEOMget_property(&obj, GEOM_PROPERTY_POLYGON_FLAGS, &present) == 0)
         GEOMadd_property(&obj, GEOM_PROPERTY_POLYGON_FLAGS, polygon_flags);
@@ -56,7 +56,7 @@ void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t poly
 
     GEOMpolygon_list& polygons = obj->polyhedron.polygons;
     if (polygons.polygons == 0)
-        keep_flags(*obj, polygon_flags & GEOM_POLYGON_FLAGS_KEPT);
+        keepFlags(*obj, polygon_flags & GEOM_POLYGON_FLAGS_KEPT);
     if (polygons.capacity == 0) {
         polygons = added;
         return;
@@ -76,11 +76,11 @@ void GEOMadd_polygons(GEOMobj* obj, const std::int32_t* list, std::uint32_t poly
 void GEOMadd_faces(GEOMobj* obj, const std::int32_t* indices, std::int64_t n) {
     if (obj->type != GEOM_POLYHEDRON || obj->polyhedron.polygons.capacity != 0 || n <= 0)
         return;
-    constexpr std::int32_t end_of_face = -1;
+    constexpr std::int32_t endOfFace = -1;
     GEOMpolygon_list faces{};
-    const bool is_last_open = indices[n - 1] != end_of_face;
-    const std::int64_t ends = std::count(indices, indices + n, end_of_face);
-    faces.polygons = ends + (is_last_open ? 1 : 0);
+    const bool isLastOpen = indices[n - 1] != endOfFace;
+    const std::int64_t ends = std::count(indices, indices + n, endOfFace);
+    faces.polygons = ends + (isLastOpen ? 1 : 0);
     faces.indices = n - ends;
     faces.capacity = entries(faces);
     faces.data = static_cast<std::int64_t*>(
@@ -88,14 +88,14 @@ void GEOMadd_faces(GEOMobj* obj, const std::int32_t* indices, std::int64_t n) {
     // An index goes to the place after its own, and the count of a face to that of its first index.
     std::int64_t start = 0;
     for (std::int64_t i = 0; i < n; ++i) {
-        if (indices[i] == end_of_face) {
+        if (indices[i] == endOfFace) {
             faces.data[start] = i - start;
             start = i + 1;
         } else {
             faces.data[i + 1] = std::int64_t{indices[i]} + 1;
         }
     }
-    if (is_last_open)
+    if (isLastOpen)
         faces.data[start] = n - start;
     faces.data[faces.capacity - 1] = 0;
     obj->polyhedron.polygons = faces;

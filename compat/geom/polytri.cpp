@@ -10,12 +10,12 @@
 
 namespace {
 
-namespace sites = geom::create_sites;
+namespace sites = geom::createSites;
 
 // Grows an array of `count` lists by one empty list. A new array gets empty lists for the earlier
 // strips too, which were added before the object had that sort of data.
 template <class List>
-void grow_lists(List*& lists, std::int64_t count, const geom::GrowthSites& growth) {
+void growLists(List*& lists, std::int64_t count, const geom::GrowthSites& growth) {
     const bool first = lists == nullptr;
     void* block = first ? geom::allocate(count + 1, sizeof(List), growth.first)
                         : geom::reallocate(lists, count + 1, sizeof(List), growth.grow);
@@ -24,44 +24,44 @@ void grow_lists(List*& lists, std::int64_t count, const geom::GrowthSites& growt
         lists[i] = List{};
 }
 
-void store_fresh(GEOMvector_list& list, const float* source, std::int64_t n, int flag) {
+void storeFresh(GEOMvector_list& list, const float* source, std::int64_t n, int flag) {
     constexpr geom::GrowthSites fresh{sites::kFreshVertices, sites::kFreshVertices};
     geom::append(list, source, n, n, flag, fresh);
 }
 
 // The same for an array that exists only if the object's flags name that sort of data.
 template <class List>
-void grow_promised(std::uint32_t promise, List*& lists, std::int64_t count,
-                   const geom::GrowthSites& growth) {
+void growPromised(std::uint32_t promise, List*& lists, std::int64_t count,
+                  const geom::GrowthSites& growth) {
     if (promise != 0)
-        grow_lists(lists, count, growth);
+        growLists(lists, count, growth);
 }
 
-void grow_strip_arrays(GEOMpolytriangle& all, std::uint32_t flags) {
+void growStripArrays(GEOMpolytriangle& all, std::uint32_t flags) {
     const std::int64_t n = all.strips;
-    grow_lists(all.strip_vertices, n, sites::kStripVertices);
-    grow_promised(flags & GEOM_HAS_NORMALS, all.strip_normals, n, sites::kStripNormals);
-    grow_promised(flags & GEOM_HAS_COLORS, all.strip_colors, n, sites::kStripColors);
-    grow_promised(flags & (GEOM_HAS_UVS | GEOM_HAS_UVWS), all.strip_uvs, n, sites::kStripUvs);
-    grow_promised(flags & GEOM_HAS_VERTEX_DATA, all.strip_vertex_data, n, sites::kStripVertexData);
-    grow_promised(flags & GEOM_HAS_PRIMITIVE_DATA, all.strip_primitive_data, n,
-                  sites::kStripPrimitiveData);
-    grow_promised(flags & GEOM_HAS_VERTEX_TRANS, all.strip_vertex_trans, n,
-                  sites::kStripVertexTrans);
+    growLists(all.strip_vertices, n, sites::kStripVertices);
+    growPromised(flags & GEOM_HAS_NORMALS, all.strip_normals, n, sites::kStripNormals);
+    growPromised(flags & GEOM_HAS_COLORS, all.strip_colors, n, sites::kStripColors);
+    growPromised(flags & (GEOM_HAS_UVS | GEOM_HAS_UVWS), all.strip_uvs, n, sites::kStripUvs);
+    growPromised(flags & GEOM_HAS_VERTEX_DATA, all.strip_vertex_data, n, sites::kStripVertexData);
+    growPromised(flags & GEOM_HAS_PRIMITIVE_DATA, all.strip_primitive_data, n,
+                 sites::kStripPrimitiveData);
+    growPromised(flags & GEOM_HAS_VERTEX_TRANS, all.strip_vertex_trans, n,
+                 sites::kStripVertexTrans);
 }
 
-void grow_polyline_arrays(GEOMpolytriangle& all, std::uint32_t flags) {
+void growPolylineArrays(GEOMpolytriangle& all, std::uint32_t flags) {
     const std::int64_t n = all.lines;
-    grow_lists(all.line_vertices, n, sites::kLineVertices);
-    grow_promised(flags & GEOM_HAS_COLORS, all.line_colors, n, sites::kLineColors);
-    grow_promised(flags & GEOM_HAS_VERTEX_DATA, all.line_vertex_data, n, sites::kLineVertexData);
-    grow_promised(flags & GEOM_HAS_PRIMITIVE_DATA, all.line_primitive_data, n,
-                  sites::kLinePrimitiveData);
+    growLists(all.line_vertices, n, sites::kLineVertices);
+    growPromised(flags & GEOM_HAS_COLORS, all.line_colors, n, sites::kLineColors);
+    growPromised(flags & GEOM_HAS_VERTEX_DATA, all.line_vertex_data, n, sites::kLineVertexData);
+    growPromised(flags & GEOM_HAS_PRIMITIVE_DATA, all.line_primitive_data, n,
+                 sites::kLinePrimitiveData);
 }
 
 } // namespace
 
-void geom::add_strip(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
+void geom::addStrip(GEOMobj& obj, const float* vertices, std::int64_t n, int flag) {
     if (n <= 0) {
         drop(vertices, flag);
         return;
@@ -75,8 +75,8 @@ void geom::add_strip(GEOMobj& obj, const float* vertices, std::int64_t n, int fl
         return;
     }
     GEOMpolytriangle& all = obj.polytriangle;
-    grow_strip_arrays(all, obj.flags);
-    store_fresh(all.strip_vertices[all.strips], vertices, n, flag);
+    growStripArrays(all, obj.flags);
+    storeFresh(all.strip_vertices[all.strips], vertices, n, flag);
     ++all.strips;
 }
 
@@ -95,19 +95,19 @@ void GEOMadd_polyline(GEOMobj* obj, const float* vertices, const float* colors, 
         return;
     }
     GEOMpolytriangle& all = obj->polytriangle;
-    grow_polyline_arrays(all, obj->flags);
-    store_fresh(all.line_vertices[all.lines], vertices, n, flag);
+    growPolylineArrays(all, obj->flags);
+    storeFresh(all.line_vertices[all.lines], vertices, n, flag);
     if (colored)
-        store_fresh(all.line_colors[all.lines], colors, n, flag);
+        storeFresh(all.line_colors[all.lines], colors, n, flag);
     ++all.lines;
 }
 
-void geom::clear_polytriangle(GEOMpolytriangle& triangles) {
+void geom::clearPolytriangle(GEOMpolytriangle& triangles) {
     for (std::int64_t i = 0; i < triangles.strips; ++i)
-        clear_part(strip_of(triangles, i));
+        clearPart(stripOf(triangles, i));
     for (std::int64_t i = 0; i < triangles.lines; ++i)
-        clear_part(polyline_of(triangles, i));
-    clear_part(segments_of(triangles));
+        clearPart(polylineOf(triangles, i));
+    clearPart(segmentsOf(triangles));
 
     release(triangles.strip_vertices);
     release(triangles.strip_colors);

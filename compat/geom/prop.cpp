@@ -9,7 +9,7 @@
 
 namespace {
 
-// The line numbers are fixed, like those in create_sites.h.
+// The line numbers are fixed, like those in createSites.h.
 constexpr geom::AllocationSite kFirstRecord{"compat/geom/prop", 97,
                                             "malloc fails allocating a geom val"};
 constexpr geom::AllocationSite kNextRecord{"compat/geom/prop", 88,
@@ -27,39 +27,39 @@ constexpr int kFontUpright = 1;
 
 } // namespace
 
-geom::Property geom::property_at(const unsigned char* place) {
+geom::Property geom::propertyAt(const unsigned char* place) {
     Property property;
     std::memcpy(&property, place, sizeof property);
     return property;
 }
 
-std::size_t geom::property_bytes(const Property& property) {
+std::size_t geom::propertyBytes(const Property& property) {
     return sizeof property + property.length;
 }
 
-std::size_t geom::property_bytes(const GEOMobj& obj) {
+std::size_t geom::propertyBytes(const GEOMobj& obj) {
     std::size_t bytes = 0;
     for (std::uint32_t i = 0; i < obj.nvals; ++i)
-        bytes += property_bytes(property_at(obj.vals + bytes));
+        bytes += propertyBytes(propertyAt(obj.vals + bytes));
     return bytes;
 }
 
 int GEOMget_property(const GEOMobj* obj, std::uint32_t kind, std::uint32_t* value) {
     const unsigned char* place = obj->vals;
     for (std::uint32_t i = 0; i < obj->nvals; ++i) {
-        const geom::Property record = geom::property_at(place);
+        const geom::Property record = geom::propertyAt(place);
         if (record.kind == kind) {
             *value = record.value;
             return 1;
         }
-        place += geom::property_bytes(record);
+        place += geom::propertyBytes(record);
     }
     return 0;
 }
 
 unsigned char* GEOMadd_property(GEOMobj* obj, std::uint32_t kind, std::uint32_t value) {
     const geom::Property record{kind, 0, value};
-    const std::size_t end = geom::property_bytes(*obj);
+    const std::size_t end = geom::propertyBytes(*obj);
     void* block = obj->nvals == 0
                       ? geom::allocate(1, sizeof record, kFirstRecord)
                       : geom::reallocate(obj->vals, static_cast<std::int64_t>(end + sizeof record),

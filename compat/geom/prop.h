@@ -12,16 +12,16 @@ namespace geom {
 
 struct Property {
     std::uint32_t kind;
-    std::uint32_t length; // bytes that follow the record's words
+    std::uint32_t length; ///< bytes that follow the record's words
     std::uint32_t value;
 };
 static_assert(sizeof(Property) == GEOM_PROPERTY_BYTES);
 
-// The words of the record at `place`.
-Property property_at(const unsigned char* place);
+/// The words of the record at `place`.
+Property propertyAt(const unsigned char* place);
 
-// The bytes of one record, and of all records of an object.
-std::size_t property_bytes(const Property& property);
-std::size_t property_bytes(const GEOMobj& obj);
+/// The bytes of one record, and of all records of an object.
+std::size_t propertyBytes(const Property& property);
+std::size_t propertyBytes(const GEOMobj& obj);
 
 } // namespace geom

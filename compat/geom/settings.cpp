@@ -8,25 +8,25 @@
 
 namespace {
 
-constinit thread_local const GEOMsettings* in_force = nullptr;
+constinit thread_local const GEOMsettings* inForce = nullptr;
 
-bool is_set(const char* variable) { return std::getenv(variable) != nullptr; }
+bool isSet(const char* variable) { return std::getenv(variable) != nullptr; }
 
-int environment_version() {
-    return is_set("KRA_GEOM_WRITE_V2") ? GEOM_VERSION_RAW : GEOM_VERSION_XDR;
+int environmentVersion() {
+    return isSet("KRA_GEOM_WRITE_V2") ? GEOM_VERSION_RAW : GEOM_VERSION_XDR;
 }
 
-bool environment_verifies() {
-    static const bool answer = is_set("KRA_GEOM_VERIFY");
+bool environmentVerifies() {
+    static const bool answer = isSet("KRA_GEOM_VERIFY");
     return answer;
 }
 
-bool has_receiver() { return in_force != nullptr && in_force->receiver != nullptr; }
+bool hasReceiver() { return inForce != nullptr && inForce->receiver != nullptr; }
 
 // Prints piece by piece, without a buffer, so that a message of any length needs no memory. The
 // lock keeps the pieces together when threads print at the same time.
-[[gnu::format(printf, 2, 0)]] void print_message(const char* prefix, const char* format,
-                                                 std::va_list arguments) {
+[[gnu::format(printf, 2, 0)]] void printMessage(const char* prefix, const char* format,
+                                                std::va_list arguments) {
     flockfile(stderr);
     static_cast<void>(std::fputs(prefix, stderr));
     static_cast<void>(std::vfprintf(stderr, format, arguments));
@@ -36,33 +36,29 @@ bool has_receiver() { return in_force != nullptr && in_force->receiver != nullpt
 
 } // namespace
 
-GEOMscope::GEOMscope(const GEOMsettings& settings) : m_settings(settings), m_outer(in_force) {
-    in_force = &m_settings;
+GEOMscope::GEOMscope(const GEOMsettings& settings) : settings_(settings), outer_(inForce) {
+    inForce = &settings_;
 }
 
-GEOMscope::~GEOMscope() { in_force = m_outer; }
+GEOMscope::~GEOMscope() { inForce = outer_; }
 
 GEOMsettings GEOMenvironment_settings() {
-    return {.version = environment_version(), .verify = environment_verifies()};
+    return {.version = environmentVersion(), .verify = environmentVerifies()};
 }
 
-int geom::record_version() {
-    return in_force != nullptr ? in_force->version : environment_version();
-}
+int geom::recordVersion() { return inForce != nullptr ? inForce->version : environmentVersion(); }
 
-bool geom::verify_wanted() {
-    return in_force != nullptr ? in_force->verify : environment_verifies();
-}
+bool geom::verifyWanted() { return inForce != nullptr ? inForce->verify : environmentVerifies(); }
 
-bool geom::trace_wanted() {
-    static const bool answer = is_set("KRA_GEOM_DEBUG");
+bool geom::traceWanted() {
+    static const bool answer = isSet("KRA_GEOM_DEBUG");
     return answer;
 }
 
 void geom::report(GEOMmessage kind, const char* text) {
     const char* words = kind == GEOMmessage::error ? "GEOM error" : "GEOMcheck_obj error";
-    if (has_receiver())
-        in_force->receiver(in_force->context, kind, text);
+    if (hasReceiver())
+        inForce->receiver(inForce->context, kind, text);
     else
         static_cast<void>(std::fprintf(stderr, "%s: %s\n", words, text));
 }
@@ -71,8 +67,8 @@ void GEOMerror(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
     char* text = nullptr;
-    if (!has_receiver())
-        print_message("GEOM error: ", format, arguments);
+    if (!hasReceiver())
+        printMessage("GEOM error: ", format, arguments);
     else if (vasprintf(&text, format, arguments) < 0)
         GEOMfatal_error("out of memory");
     else
@@ -84,7 +80,7 @@ void GEOMerror(const char* format, ...) {
 void GEOMfatal_error(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    print_message("GEOM fatal error: ", format, arguments);
+    printMessage("GEOM fatal error: ", format, arguments);
     va_end(arguments);
     std::exit(EXIT_FAILURE);
 }

@@ -28,17 +28,17 @@ constexpr std::size_t kXdrUnit = BYTES_PER_XDR_UNIT;
 // ---- The descriptor
 
 std::int64_t flush(GEOMstream& stream) {
-    const std::size_t fill = stream.write_fill;
-    stream.write_fill = 0;
-    stream.has_written = true;
-    return geom::write_piece(stream.fd, stream.write_buffer.data(), fill);
+    const std::size_t fill = stream.writeFill;
+    stream.writeFill = 0;
+    stream.hasWritten = true;
+    return geom::writePiece(stream.fd, stream.writeBuffer.data(), fill);
 }
 
 // Counts n bytes that were stored after the fill position, for which there was room. Writes the
 // piece if they complete it. Returns n, or a result below 1.
 std::int64_t advance(GEOMstream& stream, std::size_t n) {
-    stream.write_fill += n;
-    if (stream.write_fill == GEOM_PIECE_BYTES) {
+    stream.writeFill += n;
+    if (stream.writeFill == GEOM_PIECE_BYTES) {
         const std::int64_t result = flush(stream);
         if (result < 1)
             return result;
@@ -48,60 +48,60 @@ std::int64_t advance(GEOMstream& stream, std::size_t n) {
 
 // Reads the next piece into the read buffer; false at the end of the input or on an error.
 bool refill(GEOMstream& stream) {
-    stream.read_position = 0;
-    stream.read_fill = 0;
+    stream.readPosition = 0;
+    stream.readFill = 0;
     const ssize_t result =
-        meshcast::io::readSome(stream.fd, stream.read_buffer.data(), GEOM_PIECE_BYTES);
+        meshcast::io::readSome(stream.fd, stream.readBuffer.data(), GEOM_PIECE_BYTES);
     if (result < 1)
         return false;
-    stream.read_fill = static_cast<std::size_t>(result);
+    stream.readFill = static_cast<std::size_t>(result);
     return true;
 }
 
 // ---- The operations of the XDR handles
 
-GEOMstream& stream_of(XDR* handle) { return *static_cast<GEOMstream*>(handle->x_private); }
+GEOMstream& streamOf(XDR* handle) { return *static_cast<GEOMstream*>(handle->x_private); }
 
-bool_t get_long(XDR* handle, long* value) {
+bool_t getLong(XDR* handle, long* value) {
     std::uint32_t word = 0;
-    if (geom::read_stream(&stream_of(handle), &word, sizeof word) != sizeof word)
+    if (geom::readStream(&streamOf(handle), &word, sizeof word) != sizeof word)
         return FALSE;
     *value = static_cast<std::int32_t>(ntohl(word));
     return TRUE;
 }
 
-bool_t put_long(XDR* handle, const long* value) {
-    GEOMstream& stream = stream_of(handle);
+bool_t putLong(XDR* handle, const long* value) {
+    GEOMstream& stream = streamOf(handle);
     const std::uint32_t word = htonl(static_cast<std::uint32_t>(*value));
     return stream.sink(&stream, &word, sizeof word) >= 0 ? TRUE : FALSE;
 }
 
-bool_t get_bytes(XDR* handle, char* bytes, u_int n) {
-    return geom::read_stream(&stream_of(handle), bytes, n) == n ? TRUE : FALSE;
+bool_t getBytes(XDR* handle, char* bytes, u_int n) {
+    return geom::readStream(&streamOf(handle), bytes, n) == n ? TRUE : FALSE;
 }
 
-bool_t put_bytes(XDR* handle, const char* bytes, u_int n) {
-    GEOMstream& stream = stream_of(handle);
+bool_t putBytes(XDR* handle, const char* bytes, u_int n) {
+    GEOMstream& stream = streamOf(handle);
     return stream.sink(&stream, bytes, n) == n ? TRUE : FALSE;
 }
 
-u_int get_position(XDR* /*handle*/) { return 0; }
+u_int getPosition(XDR* /*handle*/) { return 0; }
 
-bool_t set_position(XDR* /*handle*/, u_int /*position*/) {
+bool_t setPosition(XDR* /*handle*/, u_int /*position*/) {
     return TRUE; // does not move, but callers that rewind can go on
 }
 
-std::int32_t* no_inline_access(XDR* /*handle*/, u_int /*n*/) { return nullptr; }
+std::int32_t* noInlineAccess(XDR* /*handle*/, u_int /*n*/) { return nullptr; }
 
-void destroy_nothing(XDR* /*handle*/) {}
+void destroyNothing(XDR* /*handle*/) {}
 
-bool_t control_nothing(XDR* /*handle*/, int /*request*/, void* /*info*/) { return FALSE; }
+bool_t controlNothing(XDR* /*handle*/, int /*request*/, void* /*info*/) { return FALSE; }
 
-constexpr XDR::xdr_ops kOperations = {get_long,         put_long,        get_bytes,
-                                      put_bytes,        get_position,    set_position,
-                                      no_inline_access, destroy_nothing, control_nothing};
+constexpr XDR::xdr_ops kOperations = {getLong,        putLong,        getBytes,
+                                      putBytes,       getPosition,    setPosition,
+                                      noInlineAccess, destroyNothing, controlNothing};
 
-void open_handle(XDR& handle, xdr_op direction, GEOMstream& stream) {
+void openHandle(XDR& handle, xdr_op direction, GEOMstream& stream) {
     handle.x_op = direction;
     handle.x_ops = &kOperations;
     handle.x_private = &stream;
@@ -109,7 +109,7 @@ void open_handle(XDR& handle, xdr_op direction, GEOMstream& stream) {
 
 // ---- Encoding
 
-bool is_raw(const GEOMstream& stream, bool forced) {
+bool isRaw(const GEOMstream& stream, bool forced) {
     return stream.version < GEOM_FIRST_XDR_VERSION || forced;
 }
 
@@ -129,7 +129,7 @@ constexpr Word ordered(Word word) {
 }
 
 template <class T>
-void put_raw(GEOMstream* stream, T value) {
+void putRaw(GEOMstream* stream, T value) {
     const auto word = ordered<std::endian::little>(std::bit_cast<WordOf<T>>(value));
     stream->sink(stream, &word, sizeof word);
 }
@@ -147,47 +147,46 @@ template <std::endian Order, class T>
 #ifdef __x86_64__
 // The base instruction set can swap the bytes of only one word at a time.
 template <class T>
-[[gnu::target("avx2")]] void encode_big_with_avx2(unsigned char* out, const T* values,
-                                                  std::size_t n) {
+[[gnu::target("avx2")]] void encodeBigWithAvx2(unsigned char* out, const T* values, std::size_t n) {
     encode<std::endian::big>(out, values, n);
 }
 
-const bool has_avx2 = __builtin_cpu_supports("avx2") != 0;
+const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
 #endif
 
 template <class T>
-void encode_big(unsigned char* out, const T* values, std::size_t n) {
+void encodeBig(unsigned char* out, const T* values, std::size_t n) {
 #ifdef __x86_64__
-    if (has_avx2) {
-        encode_big_with_avx2(out, values, n);
+    if (hasAvx2) {
+        encodeBigWithAvx2(out, values, n);
         return;
     }
 #endif
     encode<std::endian::big>(out, values, n);
 }
 
-// `put_one` writes a value that crosses the end of a piece.
+// `putOne` writes a value that crosses the end of a piece.
 template <class T>
-void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
-               void (*put_one)(GEOMstream*, T)) {
+void putArray(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
+              void (*putOne)(GEOMstream*, T)) {
     std::array<unsigned char, GEOM_PIECE_BYTES> chunk;
     // For the stream's own sink, encode directly into the buffer.
-    const bool in_place = stream->sink == GEOMstream_write;
+    const bool inPlace = stream->sink == GEOMstream_write;
     for (auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0)); left > 0;) {
-        const std::size_t fits = (GEOM_PIECE_BYTES - stream->write_fill) / sizeof(T);
+        const std::size_t fits = (GEOM_PIECE_BYTES - stream->writeFill) / sizeof(T);
         if (fits == 0) {
-            put_one(stream, *values++);
+            putOne(stream, *values++);
             --left;
             continue;
         }
         const std::size_t count = std::min(fits, left);
         unsigned char* const out =
-            in_place ? stream->write_buffer.data() + stream->write_fill : chunk.data();
+            inPlace ? stream->writeBuffer.data() + stream->writeFill : chunk.data();
         if (raw)
             encode<std::endian::little>(out, values, count);
         else
-            encode_big(out, values, count);
-        if (in_place)
+            encodeBig(out, values, count);
+        if (inPlace)
             advance(*stream, count * sizeof(T));
         else
             stream->sink(stream, out, static_cast<std::int64_t>(count * sizeof(T)));
@@ -198,7 +197,7 @@ void put_array(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
 
 } // namespace
 
-std::int64_t geom::write_piece(int fd, const unsigned char* bytes, std::size_t n) {
+std::int64_t geom::writePiece(int fd, const unsigned char* bytes, std::size_t n) {
     std::size_t done = 0;
     while (done < n) {
         const ssize_t result = meshcast::io::writeSome(fd, bytes + done, n - done);
@@ -209,48 +208,47 @@ std::int64_t geom::write_piece(int fd, const unsigned char* bytes, std::size_t n
     return static_cast<std::int64_t>(n);
 }
 
-GEOMstream* geom::create_stream(int fd) {
-    void* const memory = geom::try_allocate(sizeof(GEOMstream));
+GEOMstream* geom::createStream(int fd) {
+    void* const memory = geom::tryAllocate(sizeof(GEOMstream));
     if (memory == nullptr)
         return nullptr;
     // Initialised member by member, because clearing the buffers would cost as much as writing a
     // small object.
     auto* const stream = new (memory) GEOMstream;
     stream->fd = fd;
-    stream->write_fill = 0;
-    stream->has_written = false;
-    stream->read_position = 0;
-    stream->read_fill = 0;
+    stream->writeFill = 0;
+    stream->hasWritten = false;
+    stream->readPosition = 0;
+    stream->readFill = 0;
     stream->sink = GEOMstream_write;
     stream->version = kNoVersionYet;
-    stream->raw_ints = false;
-    stream->raw_floats = false;
-    stream->raw_int64s = false;
-    open_handle(stream->decode, XDR_DECODE, *stream);
-    open_handle(stream->encode, XDR_ENCODE, *stream);
+    stream->rawInts = false;
+    stream->rawFloats = false;
+    stream->rawInt64s = false;
+    openHandle(stream->decode, XDR_DECODE, *stream);
+    openHandle(stream->encode, XDR_ENCODE, *stream);
     return stream;
 }
 
-void geom::close_stream(GEOMstream* stream) {
-    if (stream->write_fill > 0)
+void geom::closeStream(GEOMstream* stream) {
+    if (stream->writeFill > 0)
         flush(*stream);
-    if (stream->read_fill > stream->read_position)
-        ::lseek(stream->fd, -static_cast<off_t>(stream->read_fill - stream->read_position),
-                SEEK_CUR);
+    if (stream->readFill > stream->readPosition)
+        ::lseek(stream->fd, -static_cast<off_t>(stream->readFill - stream->readPosition), SEEK_CUR);
     geom::release(stream);
 }
 
 std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_t n) {
     // Most calls write one word. An aligned word always fits the buffer.
-    if (n == kXdrUnit && stream->write_fill % kXdrUnit == 0) {
-        std::memcpy(stream->write_buffer.data() + stream->write_fill, bytes, kXdrUnit);
+    if (n == kXdrUnit && stream->writeFill % kXdrUnit == 0) {
+        std::memcpy(stream->writeBuffer.data() + stream->writeFill, bytes, kXdrUnit);
         return advance(*stream, kXdrUnit);
     }
     const auto* source = static_cast<const unsigned char*>(bytes);
     auto left = static_cast<std::size_t>(std::max<std::int64_t>(n, 0));
     while (left > 0) {
-        const std::size_t piece = std::min(left, GEOM_PIECE_BYTES - stream->write_fill);
-        std::memcpy(stream->write_buffer.data() + stream->write_fill, source, piece);
+        const std::size_t piece = std::min(left, GEOM_PIECE_BYTES - stream->writeFill);
+        std::memcpy(stream->writeBuffer.data() + stream->writeFill, source, piece);
         source += piece;
         left -= piece;
         const std::int64_t result = advance(*stream, piece);
@@ -260,71 +258,71 @@ std::int64_t GEOMstream_write(GEOMstream* stream, const void* bytes, std::int64_
     return n;
 }
 
-std::int64_t geom::read_stream(GEOMstream* stream, void* bytes, std::int64_t n) {
+std::int64_t geom::readStream(GEOMstream* stream, void* bytes, std::int64_t n) {
     auto* target = static_cast<unsigned char*>(bytes);
     std::int64_t done = 0;
     while (done < n) {
-        if (stream->read_position == stream->read_fill && !refill(*stream))
+        if (stream->readPosition == stream->readFill && !refill(*stream))
             break;
         const std::size_t piece =
-            std::min(static_cast<std::size_t>(n - done), stream->read_fill - stream->read_position);
-        std::memcpy(target + done, stream->read_buffer.data() + stream->read_position, piece);
-        stream->read_position += piece;
+            std::min(static_cast<std::size_t>(n - done), stream->readFill - stream->readPosition);
+        std::memcpy(target + done, stream->readBuffer.data() + stream->readPosition, piece);
+        stream->readPosition += piece;
         done += static_cast<std::int64_t>(piece);
     }
     return done;
 }
 
-void geom::put_int(GEOMstream* stream, std::int32_t value) {
-    if (is_raw(*stream, stream->raw_ints)) {
-        put_raw(stream, value);
+void geom::putInt(GEOMstream* stream, std::int32_t value) {
+    if (isRaw(*stream, stream->rawInts)) {
+        putRaw(stream, value);
         return;
     }
     const long word = value;
     XDR_PUTLONG(&stream->encode, &word);
 }
 
-void geom::put_float(GEOMstream* stream, float value) {
-    if (is_raw(*stream, stream->raw_floats))
-        put_raw(stream, value);
+void geom::putFloat(GEOMstream* stream, float value) {
+    if (isRaw(*stream, stream->rawFloats))
+        putRaw(stream, value);
     else
         xdr_float(&stream->encode, &value);
 }
 
-void geom::put_int64(GEOMstream* stream, std::int64_t value) {
-    if (is_raw(*stream, stream->raw_int64s))
-        put_raw(stream, value);
+void geom::putInt64(GEOMstream* stream, std::int64_t value) {
+    if (isRaw(*stream, stream->rawInt64s))
+        putRaw(stream, value);
     else
         xdr_int64_t(&stream->encode, &value);
 }
 
-void geom::put_ints(GEOMstream* stream, const std::int32_t* values, std::int64_t n) {
-    put_array(stream, values, n, is_raw(*stream, stream->raw_ints), put_int);
+void geom::putInts(GEOMstream* stream, const std::int32_t* values, std::int64_t n) {
+    putArray(stream, values, n, isRaw(*stream, stream->rawInts), putInt);
 }
 
-void geom::put_floats(GEOMstream* stream, const float* values, std::int64_t n) {
-    put_array(stream, values, n, is_raw(*stream, stream->raw_floats), put_float);
+void geom::putFloats(GEOMstream* stream, const float* values, std::int64_t n) {
+    putArray(stream, values, n, isRaw(*stream, stream->rawFloats), putFloat);
 }
 
-void geom::put_int64s(GEOMstream* stream, const std::int64_t* values, std::int64_t n) {
-    put_array(stream, values, n, is_raw(*stream, stream->raw_int64s), put_int64);
+void geom::putInt64s(GEOMstream* stream, const std::int64_t* values, std::int64_t n) {
+    putArray(stream, values, n, isRaw(*stream, stream->rawInt64s), putInt64);
 }
 
-void geom::put_opaque(GEOMstream* stream, const void* bytes, std::int64_t n) {
+void geom::putOpaque(GEOMstream* stream, const void* bytes, std::int64_t n) {
     constexpr std::array<unsigned char, kXdrUnit> padding{};
     stream->sink(stream, bytes, n);
     const std::int64_t pad = -n & (static_cast<std::int64_t>(kXdrUnit) - 1);
-    if (!is_raw(*stream, false) && pad > 0)
+    if (!isRaw(*stream, false) && pad > 0)
         stream->sink(stream, padding.data(), pad);
 }
 
-void geom::put_string(GEOMstream* stream, const char* text) {
-    if (is_raw(*stream, false)) {
+void geom::putString(GEOMstream* stream, const char* text) {
+    if (isRaw(*stream, false)) {
         const std::size_t length = std::strlen(text);
-        put_raw(stream, static_cast<std::int32_t>(length));
+        putRaw(stream, static_cast<std::int32_t>(length));
         stream->sink(stream, text, static_cast<std::int64_t>(length));
         return;
     }
-    char* mutable_text = const_cast<char*>(text); // not written to: the handle encodes
-    xdr_string(&stream->encode, &mutable_text, GEOM_MAX_STRING_BYTES);
+    char* mutableText = const_cast<char*>(text); // not written to: the handle encodes
+    xdr_string(&stream->encode, &mutableText, GEOM_MAX_STRING_BYTES);
 }

@@ -26,13 +26,13 @@ namespace {
 
 // ---- Trace
 
-std::uint32_t low_word(const void* pointer) {
+std::uint32_t lowWord(const void* pointer) {
     return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer));
 }
 
-void trace_writer(const char* kind, GEOMwrite_func func, const GEOMhead* head, const GEOMobj* obj,
-                  const GEOMstream* arg, int proto_version) {
-    if (!geom::trace_wanted())
+void traceWriter(const char* kind, GEOMwrite_func func, const GEOMhead* head, const GEOMobj* obj,
+                 const GEOMstream* arg, int proto_version) {
+    if (!geom::traceWanted())
         return;
     // Not %p, because C libraries differ in the prefix that they print. Kept: this line shows whole
     // pointers, while the lines around it show their low 32 bits.
@@ -42,7 +42,7 @@ void trace_writer(const char* kind, GEOMwrite_func func, const GEOMhead* head, c
                 kind, digits(func), digits(head), digits(obj), digits(arg), proto_version);
 }
 
-void trace_head(const GEOMhead& head) {
+void traceHead(const GEOMhead& head) {
     std::printf("      head.magic = 0x%" PRIx32 "\n", head.magic);
     std::printf("      head.hdrsize = %d\n", static_cast<int>(head.hdrsize));
     std::printf("      head.data = %d\n", static_cast<int>(head.data));
@@ -54,17 +54,17 @@ void trace_head(const GEOMhead& head) {
 
 // ---- Header
 
-void put_word(GEOMstream* stream, std::uint32_t word) {
-    geom::put_int(stream, static_cast<std::int32_t>(word));
+void putWord(GEOMstream* stream, std::uint32_t word) {
+    geom::putInt(stream, static_cast<std::int32_t>(word));
 }
 
-bool is_xdr(const GEOMstream& stream) { return stream.version >= GEOM_FIRST_XDR_VERSION; }
+bool isXdr(const GEOMstream& stream) { return stream.version >= GEOM_FIRST_XDR_VERSION; }
 
-const char* text_or_empty(const char* text) { return text == nullptr ? "" : text; }
+const char* textOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
-std::size_t bytes_with_nul(const char* text) { return std::strlen(text) + 1; }
+std::size_t bytesWithNul(const char* text) { return std::strlen(text) + 1; }
 
-GEOMhead make_head(const GEOMobj& obj, int flags, const GEOMstream& stream) {
+GEOMhead makeHead(const GEOMobj& obj, int flags, const GEOMstream& stream) {
     constexpr int droppable = GEOM_HAS_NORMALS | GEOM_HAS_COLORS;
     GEOMhead head{};
     head.magic = GEOM_MAGIC;
@@ -73,94 +73,93 @@ GEOMhead make_head(const GEOMobj& obj, int flags, const GEOMstream& stream) {
     std::copy_n(obj.extent, std::size(obj.extent), head.extent);
     head.has_extent = obj.has_extent;
     head.nvals = obj.nvals;
-    std::size_t size = geom::property_bytes(obj);
+    std::size_t size = geom::propertyBytes(obj);
     // Kept: XDR headers do not count their strings, which have lengths of their own.
-    if (!is_xdr(stream))
-        size +=
-            bytes_with_nul(text_or_empty(obj.name)) + bytes_with_nul(text_or_empty(obj.attribute));
+    if (!isXdr(stream))
+        size += bytesWithNul(textOrEmpty(obj.name)) + bytesWithNul(textOrEmpty(obj.attribute));
     head.hdrsize = static_cast<std::uint32_t>(size);
     return head;
 }
 
-void put_text_with_nul(GEOMstream* stream, const char* text) {
-    geom::put_opaque(stream, text, static_cast<std::int64_t>(bytes_with_nul(text)));
+void putTextWithNul(GEOMstream* stream, const char* text) {
+    geom::putOpaque(stream, text, static_cast<std::int64_t>(bytesWithNul(text)));
 }
 
-void put_header(GEOMstream* stream, const GEOMhead& head, const GEOMobj& obj) {
-    put_word(stream, head.magic);
-    put_word(stream, head.hdrsize);
-    put_word(stream, head.data);
-    put_word(stream, head.type);
-    geom::put_floats(stream, head.extent, std::ssize(head.extent));
-    geom::put_int(stream, head.has_extent);
-    geom::put_int64(stream, head.bytecount);
-    put_word(stream, head.nvals);
+void putHeader(GEOMstream* stream, const GEOMhead& head, const GEOMobj& obj) {
+    putWord(stream, head.magic);
+    putWord(stream, head.hdrsize);
+    putWord(stream, head.data);
+    putWord(stream, head.type);
+    geom::putFloats(stream, head.extent, std::ssize(head.extent));
+    geom::putInt(stream, head.has_extent);
+    geom::putInt64(stream, head.bytecount);
+    putWord(stream, head.nvals);
 
     const unsigned char* place = obj.vals;
     for (std::uint32_t i = 0; i < head.nvals; ++i) {
-        const geom::Property property = geom::property_at(place);
-        put_word(stream, property.kind);
-        put_word(stream, property.length);
-        put_word(stream, property.value);
-        geom::put_opaque(stream, place + sizeof property, property.length);
-        place += geom::property_bytes(property);
+        const geom::Property property = geom::propertyAt(place);
+        putWord(stream, property.kind);
+        putWord(stream, property.length);
+        putWord(stream, property.value);
+        geom::putOpaque(stream, place + sizeof property, property.length);
+        place += geom::propertyBytes(property);
     }
-    const auto put_text = is_xdr(*stream) ? geom::put_string : put_text_with_nul;
-    put_text(stream, text_or_empty(obj.name));
-    put_text(stream, text_or_empty(obj.attribute));
+    const auto putText = isXdr(*stream) ? geom::putString : putTextWithNul;
+    putText(stream, textOrEmpty(obj.name));
+    putText(stream, textOrEmpty(obj.attribute));
 }
 
 // ---- Arrays
 
-void put_values(GEOMstream* stream, const float* values, std::int64_t n) {
-    geom::put_floats(stream, values, n);
+void putValues(GEOMstream* stream, const float* values, std::int64_t n) {
+    geom::putFloats(stream, values, n);
 }
 
-void put_values(GEOMstream* stream, const std::int32_t* values, std::int64_t n) {
-    geom::put_ints(stream, values, n);
+void putValues(GEOMstream* stream, const std::int32_t* values, std::int64_t n) {
+    geom::putInts(stream, values, n);
 }
 
 // Writes the first n elements of a list. Readers expect all of them, so missing ones are written as
 // zero.
 template <class T, int N>
-void put_list(GEOMstream* stream, const GEOMlist<T, N>* list, std::int64_t n) {
+void putList(GEOMstream* stream, const GEOMlist<T, N>* list, std::int64_t n) {
     n = std::max<std::int64_t>(n, 0);
     const bool present = list != nullptr && list->data != nullptr;
     const std::int64_t held = present ? std::clamp<std::int64_t>(list->used, 0, n) : 0;
     if (held > 0)
-        put_values(stream, list->data, held * N);
+        putValues(stream, list->data, held * N);
 
     static constexpr std::array<T, 1024> zeros{};
-    for (std::int64_t left = geom::multiply_counts(n - held, N); left > 0;) {
+    for (std::int64_t left = geom::multiplyCounts(n - held, N); left > 0;) {
         const std::int64_t count = std::min(left, static_cast<std::int64_t>(zeros.size()));
-        put_values(stream, zeros.data(), count);
+        putValues(stream, zeros.data(), count);
         left -= count;
     }
 }
 
 // The optional arrays after the vertices, for n vertices and `primitives` primitives.
-void put_attributes(GEOMstream* stream, std::uint32_t flags, const geom::ConstPart& part,
-                    std::int64_t n, std::int64_t primitives) {
+void putAttributes(GEOMstream* stream, std::uint32_t flags, const geom::ConstPart& part,
+                   std::int64_t n, std::int64_t primitives) {
     if ((flags & GEOM_HAS_NORMALS) != 0)
-        put_list(stream, part.normals, n);
+        putList(stream, part.normals, n);
     if ((flags & GEOM_HAS_COLORS) != 0)
-        put_list(stream, part.colors, n);
+        putList(stream, part.colors, n);
     if ((flags & GEOM_HAS_UVS) != 0)
-        put_list(stream, part.uvs, geom::multiply_counts(n, 2));
+        putList(stream, part.uvs, geom::multiplyCounts(n, 2));
     if ((flags & GEOM_HAS_UVWS) != 0)
-        put_list(stream, part.uvs, geom::multiply_counts(n, 3));
+        putList(stream, part.uvs, geom::multiplyCounts(n, 3));
     if ((flags & GEOM_HAS_VERTEX_DATA) != 0)
-        put_list(stream, part.vertex_data, n);
+        putList(stream, part.vertex_data, n);
     if ((flags & GEOM_HAS_PRIMITIVE_DATA) != 0)
-        put_list(stream, part.primitive_data, primitives);
+        putList(stream, part.primitive_data, primitives);
     if ((flags & GEOM_HAS_VERTEX_TRANS) != 0)
-        put_list(stream, part.vertex_trans, n);
+        putList(stream, part.vertex_trans, n);
 }
 
-void put_part(GEOMstream* stream, std::uint32_t flags, const geom::ConstPart& part, std::int64_t n,
-              std::int64_t primitives) {
-    put_list(stream, part.vertices, n);
-    put_attributes(stream, flags, part, n, primitives);
+void putPart(GEOMstream* stream, std::uint32_t flags, const geom::ConstPart& part, std::int64_t n,
+             std::int64_t primitives) {
+    putList(stream, part.vertices, n);
+    putAttributes(stream, flags, part, n, primitives);
 }
 
 using Writer = int (*)(GEOMwrite_func, GEOMhead*, const GEOMobj*, GEOMstream*, int);
@@ -174,122 +173,122 @@ constexpr std::array<Writer, GEOM_LABEL + 1> kWriters = {nullptr,           GEOM
 
 int GEOM_write_mesh(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,
                     int proto_version) {
-    trace_writer("mesh", func, head, obj, arg, proto_version);
+    traceWriter("mesh", func, head, obj, arg, proto_version);
     const GEOMmesh& mesh = obj->mesh;
     head->bytecount = geom::bytecount(mesh, obj->flags);
-    put_header(arg, *head, *obj);
-    geom::put_int64(arg, mesh.u);
-    geom::put_int64(arg, mesh.v);
-    put_part(arg, obj->flags, geom::part_of(*obj), geom::multiply_counts(mesh.u, mesh.v),
-             geom::cells_of(mesh));
+    putHeader(arg, *head, *obj);
+    geom::putInt64(arg, mesh.u);
+    geom::putInt64(arg, mesh.v);
+    putPart(arg, obj->flags, geom::partOf(*obj), geom::multiplyCounts(mesh.u, mesh.v),
+            geom::cellsOf(mesh));
     return 0;
 }
 
 int GEOM_write_polyh(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,
                      int proto_version) {
-    trace_writer("polyh", func, head, obj, arg, proto_version);
+    traceWriter("polyh", func, head, obj, arg, proto_version);
     const GEOMpolyhedron& solid = obj->polyhedron;
     const GEOMpolygon_list& list = solid.polygons;
     head->bytecount = geom::bytecount(solid, obj->flags);
-    put_header(arg, *head, *obj);
-    geom::put_int64(arg, list.polygons);
-    geom::put_int64(arg, list.indices);
-    geom::put_int64(arg, solid.vertices.used);
+    putHeader(arg, *head, *obj);
+    geom::putInt64(arg, list.polygons);
+    geom::putInt64(arg, list.indices);
+    geom::putInt64(arg, solid.vertices.used);
     if (list.data != nullptr)
-        geom::put_int64s(arg, list.data, list.polygons + list.indices + 1);
+        geom::putInt64s(arg, list.data, list.polygons + list.indices + 1);
     else
-        geom::put_int64(arg, 0);
-    put_part(arg, obj->flags, geom::part_of(*obj), solid.vertices.used, list.polygons);
+        geom::putInt64(arg, 0);
+    putPart(arg, obj->flags, geom::partOf(*obj), solid.vertices.used, list.polygons);
     return 0;
 }
 
 int GEOM_write_polytri(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,
                        int proto_version) {
-    trace_writer("polytri", func, head, obj, arg, proto_version);
+    traceWriter("polytri", func, head, obj, arg, proto_version);
     const GEOMpolytriangle& all = obj->polytriangle;
     const std::int64_t segment_vertices = all.segment_vertices.used;
     head->bytecount = geom::bytecount(all, obj->flags);
-    put_header(arg, *head, *obj);
-    geom::put_int64(arg, all.strips);
-    geom::put_int64(arg, all.lines);
-    geom::put_int64(arg, segment_vertices > 0 ? 1 : 0);
+    putHeader(arg, *head, *obj);
+    geom::putInt64(arg, all.strips);
+    geom::putInt64(arg, all.lines);
+    geom::putInt64(arg, segment_vertices > 0 ? 1 : 0);
     for (std::int64_t i = 0; i < all.strips; ++i) {
         const std::int64_t n = all.strip_vertices[i].used;
-        geom::put_int64(arg, n);
-        put_part(arg, obj->flags, geom::strip_of(all, i), n, n - 2);
+        geom::putInt64(arg, n);
+        putPart(arg, obj->flags, geom::stripOf(all, i), n, n - 2);
     }
-    const std::uint32_t line_flags = obj->flags & geom::kLineFlags;
+    const std::uint32_t lineFlags = obj->flags & geom::kLineFlags;
     for (std::int64_t i = 0; i < all.lines; ++i) {
         const std::int64_t n = all.line_vertices[i].used;
-        geom::put_int64(arg, n);
-        put_part(arg, line_flags, geom::polyline_of(all, i), n, n - 1);
+        geom::putInt64(arg, n);
+        putPart(arg, lineFlags, geom::polylineOf(all, i), n, n - 1);
     }
     if (segment_vertices > 0) {
-        geom::put_int64(arg, segment_vertices);
-        put_part(arg, line_flags, geom::segments_of(all), segment_vertices, segment_vertices / 2);
+        geom::putInt64(arg, segment_vertices);
+        putPart(arg, lineFlags, geom::segmentsOf(all), segment_vertices, segment_vertices / 2);
     }
     return 0;
 }
 
 int GEOM_write_sphere(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,
                       int proto_version) {
-    trace_writer("sphere", func, head, obj, arg, proto_version);
+    traceWriter("sphere", func, head, obj, arg, proto_version);
     const GEOMspheres& spheres = obj->sphere;
     const std::int64_t n = spheres.centers.used;
     const bool radii = spheres.radii.used > 0;
     if (!radii)
         head->data |= GEOM_HAS_NO_RADII;
     head->bytecount = geom::bytecount(spheres, obj->flags);
-    put_header(arg, *head, *obj);
-    geom::put_int64(arg, n);
-    put_list(arg, &spheres.centers, n);
+    putHeader(arg, *head, *obj);
+    geom::putInt64(arg, n);
+    putList(arg, &spheres.centers, n);
     if (radii)
-        put_list(arg, &spheres.radii, n);
-    put_attributes(arg, obj->flags & geom::kSphereFlags, geom::part_of(*obj), n, 0);
+        putList(arg, &spheres.radii, n);
+    putAttributes(arg, obj->flags & geom::kSphereFlags, geom::partOf(*obj), n, 0);
     return 0;
 }
 
 int GEOM_write_label(GEOMwrite_func func, GEOMhead* head, const GEOMobj* obj, GEOMstream* arg,
                      int proto_version) {
-    trace_writer("label", func, head, obj, arg, proto_version);
+    traceWriter("label", func, head, obj, arg, proto_version);
     const GEOMlabels& labels = obj->label;
     const std::int64_t n = labels.texts.used;
     head->bytecount = geom::bytecount(labels, obj->flags);
-    put_header(arg, *head, *obj);
-    geom::put_int64(arg, n);
-    put_word(arg, labels.label_flags);
+    putHeader(arg, *head, *obj);
+    geom::putInt64(arg, n);
+    putWord(arg, labels.label_flags);
     for (std::int64_t i = 0; i < n; ++i) {
         const char* text = labels.texts.data[i];
-        geom::put_int(arg, static_cast<std::int32_t>(bytes_with_nul(text)));
-        put_text_with_nul(arg, text);
+        geom::putInt(arg, static_cast<std::int32_t>(bytesWithNul(text)));
+        putTextWithNul(arg, text);
     }
-    put_list(arg, &labels.positions, n);
-    put_list(arg, &labels.offsets, n);
-    put_list(arg, &labels.heights, n);
+    putList(arg, &labels.positions, n);
+    putList(arg, &labels.offsets, n);
+    putList(arg, &labels.heights, n);
     if ((obj->flags & GEOM_HAS_COLORS) != 0)
-        put_list(arg, &labels.colors, n);
+        putList(arg, &labels.colors, n);
     if ((obj->flags & GEOM_HAS_LABEL_DATA) != 0)
-        put_list(arg, &labels.label_data, n);
+        putList(arg, &labels.label_data, n);
     return 0;
 }
 
 void GEOMserialize_obj(GEOMwrite_func func, const GEOMobj* obj, GEOMstream* arg, int flags,
                        int proto_version) {
-    const bool trace = geom::trace_wanted();
+    const bool trace = geom::traceWanted();
     if (trace)
         std::printf("   GEOMserialize_obj (func=0x%" PRIx32 ", obj=0x%" PRIx32 ", arg=0x%" PRIx32
                     ", flags=%d, proto_version=%d)\n",
-                    low_word(reinterpret_cast<const void*>(func)), low_word(obj), low_word(arg),
-                    flags, proto_version);
-    if (geom::verify_wanted())
+                    lowWord(reinterpret_cast<const void*>(func)), lowWord(obj), lowWord(arg), flags,
+                    proto_version);
+    if (geom::verifyWanted())
         GEOMcheck_obj(obj, 0, nullptr);
 
     const int version = proto_version < GEOM_VERSION_XDR ? GEOM_VERSION_RAW : proto_version;
     arg->version = version;
     arg->sink = func;
-    GEOMhead head = make_head(*obj, flags, *arg);
+    GEOMhead head = makeHead(*obj, flags, *arg);
     if (trace)
-        trace_head(head);
+        traceHead(head);
     const Writer writer = obj->type < kWriters.size() ? kWriters[obj->type] : nullptr;
     if (writer != nullptr)
         writer(func, &head, obj, arg, version);
@@ -300,32 +299,32 @@ void GEOMserialize_obj(GEOMwrite_func func, const GEOMobj* obj, GEOMstream* arg,
 }
 
 void GEOMwrite_obj(const GEOMobj* obj, int fd, int flags) {
-    const bool trace = geom::trace_wanted();
+    const bool trace = geom::traceWanted();
     if (trace) {
         std::printf("\nWriting geometry to a file ...\n");
-        std::printf("GEOMwrite_obj (obj=0x%" PRIx32 ", fd=%d, flags=%d)\n", low_word(obj), fd,
+        std::printf("GEOMwrite_obj (obj=0x%" PRIx32 ", fd=%d, flags=%d)\n", lowWord(obj), fd,
                     flags);
     }
     // Kept: an object for which there is no stream is left out, and the program goes on.
-    if (GEOMstream* const stream = geom::create_stream(fd)) {
-        GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::record_version());
-        geom::close_stream(stream);
+    if (GEOMstream* const stream = geom::createStream(fd)) {
+        GEOMserialize_obj(GEOMstream_write, obj, stream, flags, geom::recordVersion());
+        geom::closeStream(stream);
     }
     if (trace)
         std::printf("return from GEOMwrite_obj\n\n");
 }
 
 std::size_t GEOMwrite_obj_and_copy(const GEOMobj* obj, int fd, unsigned char* copy) {
-    GEOMstream* const stream = geom::create_stream(fd);
+    GEOMstream* const stream = geom::createStream(fd);
     if (stream == nullptr)
         return 0; // nothing is written, as by GEOMwrite_obj()
-    GEOMserialize_obj(GEOMstream_write, obj, stream, 0, geom::record_version());
-    const std::size_t size = stream->has_written ? 0 : stream->write_fill;
-    std::copy_n(stream->write_buffer.data(), size, copy);
-    geom::close_stream(stream);
+    GEOMserialize_obj(GEOMstream_write, obj, stream, 0, geom::recordVersion());
+    const std::size_t size = stream->hasWritten ? 0 : stream->writeFill;
+    std::copy_n(stream->writeBuffer.data(), size, copy);
+    geom::closeStream(stream);
     return size;
 }
 
 void GEOMwrite_copy(const unsigned char* record, std::size_t size, int fd) {
-    geom::write_piece(fd, record, size);
+    geom::writePiece(fd, record, size);
 }

@@ -17,7 +17,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-int meshcast_main(); // The program's own main, under another name.
+int meshcastMain(); // The program's own main, under another name.
 
 // The whole program, whose memory and whose input and output fail here and there.
 namespace {
@@ -49,7 +49,7 @@ Result run(
             dup2(files[descriptor], descriptor);
         }
         prepare();
-        const int status = meshcast_main();
+        const int status = meshcastMain();
         finish();
         std::exit(status); // Where the sanitizers look for leaks.
     }
@@ -85,12 +85,12 @@ TEST(Faults, MemoryLeavesOutARecordOrEndsTheRunBetweenTwo) {
             setenv("KRA_GEOM_VERIFY", "", 1);
         }
         all_later_fail = fromThereOn;
-        const auto failing = [](int first) { return [first] { allocation_to_fail = first; }; };
+        const auto failing = [](int first) { return [first] { allocationToFail = first; }; };
         const Result whole = run(scene, [] {});
         ASSERT_EQ(whole.status, 0) << whole.messages;
         EXPECT_EQ(wholeRecords(whole.output), kObjects);
         const std::string counted = run(scene, failing(INT_MAX), [] {
-                                        std::fprintf(stderr, "%d", INT_MAX - allocation_to_fail);
+                                        std::fprintf(stderr, "%d", INT_MAX - allocationToFail);
                                     }).messages;
         const int allocations = std::stoi(counted.substr(whole.messages.size()));
         EXPECT_GT(allocations, 200);
@@ -124,8 +124,8 @@ TEST(Faults, WritesThatFailLoseTheirRecordAndNothingElse) {
     ASSERT_EQ(wholeRecords(whole.output), kObjects);
     const auto failing = [&](int first, int count, IoFault fault) {
         const Result failed = run(scene, [&] {
-            write_faults.assign(static_cast<std::size_t>(first), {8192});
-            write_faults.insert(write_faults.end(), static_cast<std::size_t>(count), fault);
+            writeFaults.assign(static_cast<std::size_t>(first), {8192});
+            writeFaults.insert(writeFaults.end(), static_cast<std::size_t>(count), fault);
         });
         EXPECT_EQ(failed.status, 0);
         EXPECT_EQ(failed.messages, "");
@@ -146,7 +146,7 @@ TEST(Faults, ReadsGoOnWhereTheyCan) {
     const std::string scene = "#VRML V1.0 ascii\nCube { width 12345 }";
     const Result whole = run(scene, [] {});
     const auto reading = [&](std::deque<IoFault> faults) {
-        return run(scene, [&] { read_faults = std::move(faults); });
+        return run(scene, [&] { readFaults = std::move(faults); });
     };
     EXPECT_EQ(reading({{20}, {-1, EINTR}, {13}, {-1, EAGAIN}, {1}}).output, whole.output);
     EXPECT_EQ(reading({{20}, {-1, EIO}}).messages,

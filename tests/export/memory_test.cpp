@@ -53,7 +53,7 @@ std::optional<Outcome> outcomeOf(const Scene& scene, const evaluate::FontFile& f
     options.segments = 4;
     options.findFont = [&font](const evaluate::FontRequest&) { return font; };
     std::optional<Outcome> outcome(Outcome{});
-    allocation_to_fail = failing;
+    allocationToFail = failing;
     try {
         evaluate::Model model = evaluate::evaluateScene(scene, options, messages);
         outcome->notes = model.notes.size();
@@ -79,15 +79,15 @@ TEST(Memory, ThatRunsOutEndsAnExportCleanly) {
     for (const char* const extension : {"glb", "gltf"}) {
         const Format& format = *findFormat(extension);
         const auto whole = outcomeOf(scene, font, format, INT_MAX);
-        const int allocations = INT_MAX - allocation_to_fail;
-        allocation_to_fail = 0;
+        const int allocations = INT_MAX - allocationToFail;
+        allocationToFail = 0;
         ASSERT_TRUE(whole);
         ASSERT_GT(allocations, 200);
         int ended = 0;
         for (int n = 1; n <= 2 * allocations; ++n) {
             all_later_fail = n > allocations;
             const auto outcome = outcomeOf(scene, font, format, (n - 1) % allocations + 1);
-            allocation_to_fail = 0;
+            allocationToFail = 0;
             all_later_fail = false;
             ended += outcome ? 0 : 1;
             if (outcome && outcome->notes == whole->notes) {

@@ -13,7 +13,7 @@ namespace {
 using namespace geom_stream;
 
 // The one object of a stream, whose byte count must be right.
-Object object_of(const std::string& name, const std::vector<std::byte>& stream) {
+Object objectOf(const std::string& name, const std::vector<std::byte>& stream) {
     const DecodeResult result = decode(stream);
     EXPECT_FALSE(result.error) << name << ": offset " << result.error->offset << ": "
                                << result.error->message;
@@ -25,11 +25,11 @@ Object object_of(const std::string& name, const std::vector<std::byte>& stream) 
     return object;
 }
 
-Object object_of(const std::string& name) { return object_of(name, records::named(name).bytes); }
+Object objectOf(const std::string& name) { return objectOf(name, records::named(name).bytes); }
 
 // The arrays must be those that the flags promise, as the records have them.
-void expect_arrays(const VertexArrays& arrays, std::uint32_t flags, std::size_t n,
-                   std::size_t primitives) {
+void expectArrays(const VertexArrays& arrays, std::uint32_t flags, std::size_t n,
+                  std::size_t primitives) {
     const auto expect = [flags](const auto& values, std::uint32_t bit, std::size_t count,
                                 auto last) {
         std::decay_t<decltype(values)> expected((flags & bit) == bit ? count : 0);
@@ -51,7 +51,7 @@ void expect_arrays(const VertexArrays& arrays, std::uint32_t flags, std::size_t 
 using Polygons = std::vector<std::vector<std::int64_t>>;
 
 TEST(Decoder, ReadsPolyhedraAndHeaders) {
-    const Object big = object_of("polyhedron 10");
+    const Object big = objectOf("polyhedron 10");
     EXPECT_EQ(big.version, 10);
     EXPECT_EQ(big.extent, (std::array<float, 6>{-1, 0, 0, 1, 0, 0}));
     EXPECT_TRUE(big.hasExtent);
@@ -62,9 +62,9 @@ TEST(Decoder, ReadsPolyhedraAndHeaders) {
     EXPECT_EQ(big.properties[0].bytes, (std::vector{std::byte{1}, std::byte{2}, std::byte{3}}));
     EXPECT_EQ(big.polyhedron().polygonList, (std::vector<std::int64_t>{1, 1, 0, 0, 0}));
     EXPECT_EQ(big.polyhedron().polygons(), (Polygons{{1}}));
-    expect_arrays(big.polyhedron(), 0xCE, 1, 2);
+    expectArrays(big.polyhedron(), 0xCE, 1, 2);
 
-    const Object little = object_of("polyhedron 7");
+    const Object little = objectOf("polyhedron 7");
     EXPECT_EQ(little.version, 7);
     EXPECT_FALSE(little.hasExtent);
     EXPECT_EQ(little.headerSize, 16U);
@@ -76,24 +76,24 @@ TEST(Decoder, ReadsPolyhedraAndHeaders) {
 }
 
 TEST(Decoder, ReadsTheOtherKinds) {
-    const Object mesh_10 = object_of("mesh 10");
+    const Object mesh_10 = objectOf("mesh 10");
     EXPECT_EQ(mesh_10.mesh().u, 2);
-    expect_arrays(mesh_10.mesh(), 0x44, 4, 1);
-    const Object mesh_7 = object_of("mesh 7");
+    expectArrays(mesh_10.mesh(), 0x44, 4, 1);
+    const Object mesh_7 = objectOf("mesh 7");
     EXPECT_EQ(mesh_7.mesh().u, 3);
-    expect_arrays(mesh_7.mesh(), 0x189, 3, 0);
-    const Polytriangle big = object_of("polytriangle 10").polytriangle();
-    expect_arrays(big.strips.at(0), 0x1C3, 3, 1);
-    expect_arrays(big.polylines.at(0), 0xC2, 2, 1);
-    expect_arrays(big.segments, 0xC2, 2, 1);
-    const Polytriangle little = object_of("polytriangle 7").polytriangle();
+    expectArrays(mesh_7.mesh(), 0x189, 3, 0);
+    const Polytriangle big = objectOf("polytriangle 10").polytriangle();
+    expectArrays(big.strips.at(0), 0x1C3, 3, 1);
+    expectArrays(big.polylines.at(0), 0xC2, 2, 1);
+    expectArrays(big.segments, 0xC2, 2, 1);
+    const Polytriangle little = objectOf("polytriangle 7").polytriangle();
     EXPECT_TRUE(little.polylines.at(0).vertices.empty());
-    expect_arrays(little.polylines.at(1), 0, 1, 0);
-    EXPECT_TRUE(object_of("sphere 10").sphere().radii.empty());
-    expect_arrays(object_of("sphere 10").sphere(), 0, 1, 0);
-    EXPECT_EQ(object_of("sphere 7").sphere().radii, std::vector{0.01F});
-    expect_arrays(object_of("sphere 7").sphere(), 0x183, 1, 0);
-    const Label label = object_of("label 10").label();
+    expectArrays(little.polylines.at(1), 0, 1, 0);
+    EXPECT_TRUE(objectOf("sphere 10").sphere().radii.empty());
+    expectArrays(objectOf("sphere 10").sphere(), 0, 1, 0);
+    EXPECT_EQ(objectOf("sphere 7").sphere().radii, std::vector{0.01F});
+    expectArrays(objectOf("sphere 7").sphere(), 0x183, 1, 0);
+    const Label label = objectOf("label 10").label();
     EXPECT_EQ(label.labelFlags, 0x408eU);
     EXPECT_EQ(label.texts, std::vector<std::string>{"ab"});
     EXPECT_EQ(label.positions, (std::vector<Vec3>{{0, 0, 1}}));
@@ -101,7 +101,7 @@ TEST(Decoder, ReadsTheOtherKinds) {
     EXPECT_EQ(label.heights, std::vector{0.5F});
     EXPECT_EQ(label.colours, (std::vector<Vec3>{{0, 0, 0.5F}}));
     EXPECT_EQ(label.data, std::vector{12});
-    EXPECT_EQ(object_of("label 7").label().texts, (std::vector<std::string>{"", "\xff"}));
+    EXPECT_EQ(objectOf("label 7").label().texts, (std::vector<std::string>{"", "\xff"}));
 }
 
 TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
@@ -163,7 +163,7 @@ TEST(Decoder, ReportsWhatContradictsTheFormat) {
     };
     for (const Corruption& corruption : corruptions) {
         std::vector<std::byte> bytes = records::named(corruption.record).bytes;
-        std::ranges::copy(records::from_hex(corruption.hex).bytes, &bytes[corruption.place]);
+        std::ranges::copy(records::fromHex(corruption.hex).bytes, &bytes[corruption.place]);
         const DecodeResult result = decode(bytes);
         ASSERT_TRUE(result.error) << corruption.record << " " << corruption.message;
         EXPECT_EQ(result.error->offset, corruption.offset) << result.error->message;
@@ -185,7 +185,7 @@ TEST(Decoder, SurvivesEveryByteChanged) {
 }
 
 // The rows "offset | bytes | meaning" of the format's worked example, offsets checked on the way.
-std::vector<std::byte> worked_example() {
+std::vector<std::byte> workedExample() {
     std::ifstream document(STREAM_FORMAT_DOCUMENT);
     std::string line;
     while (std::getline(document, line) && line != "## Worked example") {
@@ -196,14 +196,14 @@ std::vector<std::byte> worked_example() {
         if (bar == std::string::npos || line.starts_with("offset"))
             continue;
         EXPECT_EQ(std::stoul(line), example.size()) << line;
-        const auto row = records::from_hex(line.substr(bar + 1, line.find('|', bar + 1) - bar - 1));
+        const auto row = records::fromHex(line.substr(bar + 1, line.find('|', bar + 1) - bar - 1));
         example.insert(example.end(), row.bytes.begin(), row.bytes.end());
     }
     return example;
 }
 
 TEST(StreamFormat, WorkedExampleIsWhatItSays) {
-    const Object object = object_of("worked example", worked_example());
+    const Object object = objectOf("worked example", workedExample());
     EXPECT_EQ(object.size, 200U);
     EXPECT_EQ(object.version, 10);
     EXPECT_EQ(object.byteCount, 92);

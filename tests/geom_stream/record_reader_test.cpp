@@ -72,7 +72,7 @@ TEST(RecordReader, ReadsArraysLargerThanItsBuffer) {
     const auto append = [&stream](const std::vector<std::byte>& bytes) {
         stream.insert(stream.end(), bytes.begin(), bytes.end());
     };
-    append(records::from_hex(records::header_10("z3 20", "z3 04", "0004") + "z6 7531,").bytes);
+    append(records::fromHex(records::header10("z3 20", "z3 04", "0004") + "z6 7531,").bytes);
     for (std::size_t i = 0; i < kCount; ++i) {
         const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(i));
         for (int shift = 24; shift >= 0; shift -= 8) {

@@ -7,23 +7,23 @@
 #include <new>
 #include <sys/types.h>
 
-int allocation_to_fail = 0;
+int allocationToFail = 0;
 bool all_later_fail = false;
-std::deque<IoFault> write_faults;
-std::deque<IoFault> read_faults;
+std::deque<IoFault> writeFaults;
+std::deque<IoFault> readFaults;
 
 namespace {
 
-bool fails_now() {
-    if (allocation_to_fail == 0 || --allocation_to_fail > 0)
+bool failsNow() {
+    if (allocationToFail == 0 || --allocationToFail > 0)
         return false;
-    allocation_to_fail = all_later_fail ? 1 : 0;
+    allocationToFail = all_later_fail ? 1 : 0;
     return true;
 }
 
 template <class Bytes>
-ssize_t move_bytes(ssize_t (*real)(int, Bytes, std::size_t), std::deque<IoFault>& faults, int fd,
-                   Bytes bytes, std::size_t n) {
+ssize_t moveBytes(ssize_t (*real)(int, Bytes, std::size_t), std::deque<IoFault>& faults, int fd,
+                  Bytes bytes, std::size_t n) {
     if (faults.empty())
         return real(fd, bytes, n);
     const IoFault fault = faults.front();
@@ -44,22 +44,22 @@ void* __real_realloc(void* old, std::size_t bytes);
 ssize_t __real_write(int fd, const void* bytes, std::size_t n);
 ssize_t __real_read(int fd, void* bytes, std::size_t n);
 
-void* __wrap_malloc(std::size_t bytes) { return fails_now() ? nullptr : __real_malloc(bytes); }
+void* __wrap_malloc(std::size_t bytes) { return failsNow() ? nullptr : __real_malloc(bytes); }
 
 void* __wrap_calloc(std::size_t count, std::size_t bytes) {
-    return fails_now() ? nullptr : __real_calloc(count, bytes);
+    return failsNow() ? nullptr : __real_calloc(count, bytes);
 }
 
 void* __wrap_realloc(void* old, std::size_t bytes) {
-    return fails_now() ? nullptr : __real_realloc(old, bytes);
+    return failsNow() ? nullptr : __real_realloc(old, bytes);
 }
 
 ssize_t __wrap_write(int fd, const void* bytes, std::size_t n) {
-    return move_bytes(__real_write, write_faults, fd, bytes, n);
+    return moveBytes(__real_write, writeFaults, fd, bytes, n);
 }
 
 ssize_t __wrap_read(int fd, void* bytes, std::size_t n) {
-    return move_bytes(__real_read, read_faults, fd, bytes, n);
+    return moveBytes(__real_read, readFaults, fd, bytes, n);
 }
 }
 

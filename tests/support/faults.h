@@ -7,7 +7,7 @@
 // goes through here.
 
 // The number of the allocation that fails, counted from when it is set; 0 for none.
-extern int allocation_to_fail;
+extern int allocationToFail;
 // Whether all later allocations fail too.
 extern bool all_later_fail;
 
@@ -17,5 +17,5 @@ struct IoFault {
                  // bytes
     int error = 0;
 };
-extern std::deque<IoFault> write_faults;
-extern std::deque<IoFault> read_faults;
+extern std::deque<IoFault> writeFaults;
+extern std::deque<IoFault> readFaults;

@@ -20,7 +20,7 @@ struct Bytes {
 
 /// Reads hexadecimal digits in pairs. A comma ends an item, `zN` is N zero bytes, spaces are
 /// ignored.
-inline Bytes from_hex(const std::string& text) {
+inline Bytes fromHex(const std::string& text) {
     Bytes result;
     std::size_t item = 0;
     for (std::size_t i = 0; i < text.size();) {
@@ -40,13 +40,13 @@ inline Bytes from_hex(const std::string& text) {
     return result;
 }
 
-inline std::string header_10(const std::string& data, const std::string& type,
+inline std::string header10(const std::string& data, const std::string& type,
                              const std::string& byte_count) {
     return "474d3634,z4," + data + "," + type + ",z4,z4,z4,z4,z4,z4,z4,z6 " + byte_count +
            ",z4,z4,z4,";
 }
 
-inline std::string header_7(const std::string& data, const std::string& type,
+inline std::string header7(const std::string& data, const std::string& type,
                             const std::string& byte_count) {
     return "34364d47,02z3," + data + "," + type + ",z4,z4,z4,z4,z4,z4,z4," + byte_count +
            "z6,z4,00,00,";
@@ -66,8 +66,8 @@ inline constexpr float vertex_trans = 0.25F;       // 3e800000
 /// Records by kind and version.
 inline const std::map<std::string, std::string> by_name{
     {"mesh 10",
-     header_10("z3 44", "z3 01", "0054") + "z7 02,z7 02,z44 3f800000,z28 40000000,fffffff8,"},
-    {"mesh 7", header_7("8901z2", "01z3", "8400") +
+     header10("z3 44", "z3 01", "0054") + "z7 02,z7 02,z44 3f800000,z28 40000000,fffffff8,"},
+    {"mesh 7", header7("8901z2", "01z3", "8400") +
                    "03z7,01z7,z32 0000803f,z32 000080bf,z32 00004040,z8 07z3,z8 0000803e,"},
     // A property of three bytes, a name, an extent; the list ends after one of its two polygons.
     {"polyhedron 10", "474d3634,z3 0f,z3 ce,z3 02,bf800000,z4,z4,3f800000,z4,z4,z3 01,z7 4c,z3 01,"
@@ -80,30 +80,30 @@ inline const std::map<std::string, std::string> by_name{
      "06z3,01z3,02z3,ff,4e,00,00,"
      "01z7,02z7,02z7,02z7 02z7 ffffffffffffffff z8,z12 0000c07f 0000807f 00000080,"},
     {"polytriangle 10",
-     header_10("z2 01c3", "z3 03", "010b") +
+     header10("z2 01c3", "z3 03", "010b") +
          "z7 01,z7 01,z7 01,"
          "z7 03,z32 3f800000,z32 bf800000,z32 3f000000,z8 z3 07,fffffff8,z8 3e800000,"
          "z7 02,z20 3f800000,z20 3f000000,z7 07,fffffff8,"
          "z7 02,z20 3f800000,z20 3f000000,z7 07,fffffff8,"},
-    {"polytriangle 7", header_7("z4", "03z3", "1400") + "z8,02z7,z8,z8,01z7,z8 0000803f,"},
-    {"sphere 10", header_10("z3 20", "z3 04", "0004") + "z7 01,z8 3f800000,"},
+    {"polytriangle 7", header7("z4", "03z3", "1400") + "z8,02z7,z8,z8,01z7,z8 0000803f,"},
+    {"sphere 10", header10("z3 20", "z3 04", "0004") + "z7 01,z8 3f800000,"},
     // The radius is 0.01.
-    {"sphere 7", header_7("8301z2", "04z3", "0a00") +
+    {"sphere 7", header7("8301z2", "04z3", "0a00") +
                      "01z7,z8 0000803f,0ad7233c,z8 000080bf,z8 0000003f,07z3,0000803e,"},
-    {"label 10", header_10("z3 12", "z3 05", "0012") +
+    {"label 10", header10("z3 12", "z3 05", "0012") +
                      "z7 01,z2 408e,z3 03,616200,00,z8 3f800000,z8 40000000,3f000000,z8 3f000000,"
                      "z3 0c,"},
-    {"label 7", header_7("z4", "05z3", "1900") + "02z7,8190z2,01z3,00,02z3,ff00,z24,z24,z8,"},
+    {"label 7", header7("z4", "05z3", "1900") + "02z7,8190z2,01z3,00,02z3,ff00,z24,z24,z8,"},
 };
 
-inline Bytes named(const std::string& name) { return from_hex(by_name.at(name)); }
+inline Bytes named(const std::string& name) { return fromHex(by_name.at(name)); }
 
 /// All records, one after another.
 inline Bytes all() {
     std::string text;
     for (const auto& [name, hex] : by_name)
         text += hex;
-    return from_hex(text);
+    return fromHex(text);
 }
 
 } // namespace records

@@ -161,13 +161,13 @@ TEST_F(Geomtool, SaysByItsStatusHowItWent) {
 TEST_F(Geomtool, TakesMemoryForTheLargestRecordOnly) {
     // The address sanitizer would hold on to what is freed.
     setenv("ASAN_OPTIONS", "quarantine_size_mb=1", 1);
-    const std::string header = records::header_10("z3 20", "z3 04", "0004");
+    const std::string header = records::header10("z3 20", "z3 04", "0004");
     const Outcome many =
-        run("info --totals", records::from_hex(header + "z5 015180 z1036800").bytes,
+        run("info --totals", records::fromHex(header + "z5 015180 z1036800").bytes,
             "for i in $(seq 200); do cat stream; done | ");
     EXPECT_EQ(many.out, "objects   200\nvertices  0\npolygons  0\nbytes     207374400\n");
     EXPECT_LT(many.peak, 100'000);
-    const Outcome claim = run("info stream", records::from_hex(header + "z4 02000000").bytes);
+    const Outcome claim = run("info stream", records::fromHex(header + "z4 02000000").bytes);
     EXPECT_THAT(claim.err, HasSubstr("expected 33554432 centres of 12 bytes each, 0 bytes left"));
     EXPECT_LT(claim.peak, 100'000);
 }

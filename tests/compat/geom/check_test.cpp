@@ -10,7 +10,7 @@ constexpr float kFloats[6] = {};
 constexpr GEOMpacked_color kColors[2] = {};
 
 // The findings on the object, which must pass or not.
-std::string findings_of(const Object& obj, bool passes) {
+std::string findingsOf(const Object& obj, bool passes) {
     static std::string findings;
     findings.clear();
     const GEOMreporter note = [](const char* text) { findings += std::string(text) + "\n"; };
@@ -32,7 +32,7 @@ Object bare(std::uint32_t type) {
     return obj;
 }
 
-Object full_polyhedron() {
+Object fullPolyhedron() {
     Object obj = bare(GEOM_POLYHEDRON);
     GEOMadd_normals(obj.get(), kFloats, 2, 0);
     GEOMadd_colors(obj.get(), kColors, 2, 0);
@@ -52,10 +52,10 @@ TEST(Check, ComparesListsWithFlags) {
     for (const std::uint32_t flag : {0x1u, 0x2u, 0x4u, 0x8u, 0x80u, 0x40u}) {
         Object obj = bare(GEOM_POLYHEDRON);
         obj->flags = flag;
-        unequal += findings_of(obj, false);
-        obj = full_polyhedron();
+        unequal += findingsOf(obj, false);
+        obj = fullPolyhedron();
         obj->flags &= ~flag;
-        unflagged += findings_of(obj, flag == 0x8);
+        unflagged += findingsOf(obj, flag == 0x8);
     }
     EXPECT_EQ(unequal, "number of normals: 0, does not match the number of verts: 2\n"
                        "number of colors: 0, does not match the number of verts: 2\n"
@@ -73,12 +73,12 @@ TEST(Check, ComparesListsWithFlags) {
 TEST(Check, EndsAtTheFirstFailure) {
     std::string all;
     const auto spoil = [&](std::uint32_t type, void (*change)(GEOMobj & obj)) {
-        const Object obj = type == GEOM_POLYHEDRON ? full_polyhedron() : bare(type);
+        const Object obj = type == GEOM_POLYHEDRON ? fullPolyhedron() : bare(type);
         obj->has_extent = 1;
-        EXPECT_EQ(findings_of(obj, true), "");
+        EXPECT_EQ(findingsOf(obj, true), "");
         const GEOMobj before = *obj;
         change(*obj);
-        all += findings_of(obj, false);
+        all += findingsOf(obj, false);
         *obj = before; // for its destruction
     };
     spoil(1, [](GEOMobj& o) { o.type = 6; });
@@ -115,24 +115,24 @@ TEST(Check, EndsAtTheFirstFailure) {
               "nan encountered in label offset array entry: 2\n"
               "nan encountered in label height array entry: 0\n"
               "number of colors: 2, does not match the number of verts: 1\n");
-    EXPECT_EQ(messages_of([] { EXPECT_EQ(GEOMcheck_obj(nullptr, 0, nullptr), 0); }),
+    EXPECT_EQ(messagesOf([] { EXPECT_EQ(GEOMcheck_obj(nullptr, 0, nullptr), 0); }),
               "finding: NULL object received\n");
 }
 
 TEST(Check, PassesRangesAndWhatConvertersBuild) {
-    Object obj = full_polyhedron();
+    Object obj = fullPolyhedron();
     obj->polyhedron.vertices.data[0] = INFINITY;
     obj->polyhedron.colors.data[1] = 1.5F;
     obj->polyhedron.vertex_trans.data[1] = -0.25F;
-    EXPECT_EQ(findings_of(obj, true),
+    EXPECT_EQ(findingsOf(obj, true),
               "colors array entry: 1.500000 is out of the range: 0.000000 - 1.000000\n"
               "vertex trans array entry: -0.250000 is out of the range: 0.000000 - 1.000000\n");
     obj = make(GEOM_POLYTRIANGLE); // colours, but no segments to colour
     GEOMadd_polyline(obj.get(), kFloats, kFloats, 2, 0);
-    EXPECT_EQ(findings_of(obj, true), "");
+    EXPECT_EQ(findingsOf(obj, true), "");
     obj.reset(GEOMcreate_mesh(nullptr, kFloats, 0, 3, 0)); // no vertices, no cells
     GEOMadd_normals(obj.get(), kFloats, 0, 0);
     GEOMadd_uvs(obj.get(), kFloats, 0, 0);
     obj->flags |= GEOM_HAS_PRIMITIVE_DATA;
-    EXPECT_EQ(findings_of(obj, true), "");
+    EXPECT_EQ(findingsOf(obj, true), "");
 }

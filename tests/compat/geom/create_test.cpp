@@ -8,7 +8,7 @@ constexpr float kRamp[] = {1, 2, 3, 4, 5, 6};
 const Floats kThree = {1, 2, 3};
 constexpr GEOMpacked_color kColors[] = {{0, 255, 128, 0}, {9, 0, 1, 254}};
 
-std::string bytes_of(const GEOMobj& obj) {
+std::string bytesOf(const GEOMobj& obj) {
     return {reinterpret_cast<const char*>(&obj), sizeof obj};
 }
 
@@ -24,7 +24,7 @@ TEST(Lists, GrowByHeadroomOrToWhatIsNeeded) {
     }
     EXPECT_THAT(capacities, testing::ElementsAre(0, 2, 102, 102, 202, 353, 353));
     GEOMadd_uvs(obj.get(), kRamp, 1, GEOM_COPY);
-    EXPECT_EQ(values_of(obj->mesh.uvs), (Floats{1, 2}));
+    EXPECT_EQ(valuesOf(obj->mesh.uvs), (Floats{1, 2}));
     EXPECT_EQ(obj->mesh.uvs.capacity, 100); // floats, not pairs
 }
 
@@ -36,13 +36,13 @@ TEST(Lists, AdoptTheFirstArrayAndFreeTheNext) { // the leak check watches
     EXPECT_EQ(list.data, first);
     GEOMadd_vertices(obj.get(), block(kThree), 1, GEOM_TAKE);
     EXPECT_EQ(list.capacity, 101);
-    EXPECT_EQ(values_of(list), (Floats{1, 2, 3, 1, 2, 3}));
+    EXPECT_EQ(valuesOf(list), (Floats{1, 2, 3, 1, 2, 3}));
     // an array without elements gives way to the next, or is freed with its object
     GEOMadd_radii(make(GEOM_SPHERE).get(), block(Floats()), 0, GEOM_TAKE);
     GEOMadd_normals(obj.get(), kRamp, 0, GEOM_COPY);
     EXPECT_EQ(obj->flags, GEOM_HAS_NORMALS);
     GEOMadd_normals(obj.get(), block(kThree), 1, GEOM_TAKE);
-    EXPECT_EQ(values_of(obj->polyhedron.normals), kThree);
+    EXPECT_EQ(valuesOf(obj->polyhedron.normals), kThree);
 }
 
 TEST(Lists, UseALentArrayUntilMoreIsAdded) {
@@ -55,10 +55,10 @@ TEST(Lists, UseALentArrayUntilMoreIsAdded) {
     GEOMlend_vertices(unshared.get(), lent.data(), 1);
     GEOMadd_polygons(unshared.get(), Ints{1, 1, 0}.data(), 0, GEOM_COPY);
     GEOMgen_normals(unshared.get(), 1); // gives each corner a vertex of its own
-    EXPECT_EQ(values_of(unshared->polyhedron.vertices), kThree);
+    EXPECT_EQ(valuesOf(unshared->polyhedron.vertices), kThree);
     GEOMlend_vertices(obj.get(), lent.data(), 1);
     GEOMadd_vertices(obj.get(), block(kThree), 1, GEOM_TAKE);
-    EXPECT_EQ(values_of(list), (Floats{1, 2, 3, 1, 2, 3, 1, 2, 3}));
+    EXPECT_EQ(valuesOf(list), (Floats{1, 2, 3, 1, 2, 3, 1, 2, 3}));
     EXPECT_EQ(lent, kThree);
 }
 
@@ -67,9 +67,9 @@ TEST(Objects, RefuseWhatTheirKindCannotTake) {
     const auto refuse = [&](std::uint32_t type, std::uint32_t flags, void (*add)(GEOMobj*)) {
         const Object obj = make(type);
         obj->flags = flags;
-        const std::string before = bytes_of(*obj);
-        all += messages_of([&] { add(obj.get()); });
-        EXPECT_EQ(bytes_of(*obj), before) << all;
+        const std::string before = bytesOf(*obj);
+        all += messagesOf([&] { add(obj.get()); });
+        EXPECT_EQ(bytesOf(*obj), before) << all;
     };
     refuse(9, 0, [](GEOMobj* o) { GEOMadd_vertices(o, kRamp, 1, 0); });
     refuse(3, 1, [](GEOMobj* o) { GEOMadd_vertices(o, kRamp, 1, 0); });
@@ -112,7 +112,7 @@ TEST(Objects, SetTheFlagsOfWhatTheyGet) {
     GEOMadd_vertex_trans(obj.get(), nullptr, 2, 0);
     GEOMadd_vertices_with_data(obj.get(), kRamp, kRamp, kColors, 2, 0);
     EXPECT_EQ(obj->flags, 0x187u);
-    EXPECT_EQ(values_of(obj->polyhedron.colors),
+    EXPECT_EQ(valuesOf(obj->polyhedron.colors),
               (Floats{1, 128 / 255.0F, 0, 0, 1 / 255.0F, 254 / 255.0F}));
     obj = make(GEOM_LABEL); // takes the colours, not the normals
     GEOMadd_vertices_with_data(obj.get(), kRamp, kRamp, kColors, 1, 0);
@@ -174,7 +174,7 @@ TEST(Polytriangles, HoldAListPerStripAndPolyline) {
     EXPECT_EQ(all.lines, 2);
     EXPECT_EQ(all.line_vertices[0].capacity, 1); // no headroom after a finished line
     EXPECT_EQ(all.line_colors[0].used, 0);       // the line came before the colours
-    EXPECT_EQ(values_of(all.line_colors[1]), kThree);
+    EXPECT_EQ(valuesOf(all.line_colors[1]), kThree);
 }
 
 TEST(Labels, PackFlagsAndFontNumbers) {
@@ -183,6 +183,6 @@ TEST(Labels, PackFlagsAndFontNumbers) {
     EXPECT_EQ(GEOMfont_number("Times", 1, 1), 142);
     EXPECT_EQ(GEOMfont_number("Mathematics", 2, 0), 128 + 32 + 2 + 1);
     const std::string name(100'000, 'x'); // of a message that is not cut
-    EXPECT_EQ(messages_of([&] { EXPECT_EQ(GEOMfont_number(name.c_str(), 0, 0), 129); }),
+    EXPECT_EQ(messagesOf([&] { EXPECT_EQ(GEOMfont_number(name.c_str(), 0, 0), 129); }),
               "error: unrecognized font name: " + name + " (using: Courier)\n");
 }

@@ -4,7 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-void* raw_block(std::size_t bytes) {
+void* rawBlock(std::size_t bytes) {
     return std::malloc(bytes + 1); // never of size 0, which might be null
 }
 
@@ -27,7 +27,7 @@ GEOMsettings noting(std::string& messages) {
     return settings;
 }
 
-std::string messages_of(const std::function<void()>& code) {
+std::string messagesOf(const std::function<void()>& code) {
     std::string messages;
     const GEOMscope scope(noting(messages));
     code();

@@ -24,10 +24,10 @@ using Object = std::unique_ptr<GEOMobj, DestroyObject>;
 inline Object make(std::uint32_t type) { return Object(GEOMcreate_obj(type, nullptr)); }
 
 // A std::malloc block, to be handed over; out of sight of static checks, which see it leak.
-void* raw_block(std::size_t bytes);
+void* rawBlock(std::size_t bytes);
 template <class T>
 T* block(const std::vector<T>& values) {
-    T* copy = static_cast<T*>(raw_block(values.size() * sizeof(T)));
+    T* copy = static_cast<T*>(rawBlock(values.size() * sizeof(T)));
     std::copy(values.begin(), values.end(), copy);
     return copy;
 }
@@ -42,7 +42,7 @@ inline unsigned char* property(std::uint32_t kind, std::uint32_t value,
 }
 
 template <class T, int N>
-std::vector<T> values_of(const GEOMlist<T, N>& list) {
+std::vector<T> valuesOf(const GEOMlist<T, N>& list) {
     return {list.data, list.data + list.used * N};
 }
 
@@ -50,7 +50,7 @@ std::vector<T> values_of(const GEOMlist<T, N>& list) {
 GEOMsettings noting(std::string& messages);
 
 // The messages of `code`.
-std::string messages_of(const std::function<void()>& code);
+std::string messagesOf(const std::function<void()>& code);
 
 // The bytes that reach a descriptor which `code` writes to.
 std::string written(const std::function<void(int fd)>& code);

@@ -14,7 +14,7 @@ constexpr GEOMpacked_color kColors[2] = {};
 constexpr std::int32_t kInts[] = {1, 1, 0};
 
 // Needs every sort of block once and, where it can grow, once more.
-void build_everything() {
+void buildEverything() {
     const auto twice = [](const auto& add) { add(), add(); };
     const Object solid = make(GEOM_POLYHEDRON);
     twice([&] { GEOMadd_vertices(solid.get(), kFloats, 2, 0); });
@@ -40,14 +40,14 @@ void build_everything() {
 }
 
 // What the process says when allocation 1, 2, 3 ... fails, until none is left to fail.
-std::set<std::string> failures_of(void (*build)()) {
+std::set<std::string> failuresOf(void (*build)()) {
     std::set<std::string> all;
     for (int n = 1, status = 1; status != 0; ++n) {
         const std::string said = written([&](int fd) {
             const pid_t child = fork();
             if (child == 0) {
                 dup2(fd, STDERR_FILENO);
-                allocation_to_fail = n;
+                allocationToFail = n;
                 build();
                 _exit(0);
             }
@@ -64,7 +64,7 @@ std::set<std::string> failures_of(void (*build)()) {
 } // namespace
 
 TEST(ExhaustedMemory, EndsTheProcessWithItsLineAndWords) {
-    const std::set<std::string> failures = failures_of(build_everything);
+    const std::set<std::string> failures = failuresOf(buildEverything);
     EXPECT_EQ(failures.size(), 45u); // a site that names another's line or words would be missing
     EXPECT_TRUE(
         failures.contains("compat/geom/create line 304, 280 bytes\n"

@@ -15,8 +15,8 @@ Object polyhedron(const Floats& vertices, const Ints& polygons) {
     return obj;
 }
 
-void expect_near(const GEOMvector_list& normals, const Floats& expected) {
-    EXPECT_THAT(values_of(normals), testing::Pointwise(testing::FloatEq(), expected));
+void expectNear(const GEOMvector_list& normals, const Floats& expected) {
+    EXPECT_THAT(valuesOf(normals), testing::Pointwise(testing::FloatEq(), expected));
 }
 
 } // namespace
@@ -51,13 +51,13 @@ TEST(Normals, AreSharedOrPerFacet) {
     for (const Case& c : cases) {
         const Object smooth = polyhedron(kCorner, c.polygons);
         GEOMgen_normals(smooth.get(), 0);
-        expect_near(smooth->polyhedron.normals, c.smooth);
+        expectNear(smooth->polyhedron.normals, c.smooth);
         GEOMgen_normals(smooth.get(), 1); // given once, they stay
-        expect_near(smooth->polyhedron.normals, c.smooth);
+        expectNear(smooth->polyhedron.normals, c.smooth);
         const Object facet = polyhedron(kCorner, c.polygons);
         GEOMgen_normals(facet.get(), 1);
-        expect_near(facet->polyhedron.normals, c.facet);
-        EXPECT_EQ(values_of(facet->polyhedron.vertices), c.corners);
+        expectNear(facet->polyhedron.normals, c.facet);
+        EXPECT_EQ(valuesOf(facet->polyhedron.vertices), c.corners);
     }
 }
 
@@ -72,23 +72,23 @@ TEST(Normals, PerFacetSpreadTheDataOfTheVertices) {
     EXPECT_EQ(obj->flags, 0x183u);
     EXPECT_THAT(std::vector(solid.polygons.data, solid.polygons.data + 8),
                 testing::ElementsAre(3, 1, 2, 3, 2, 4, 5, 0));
-    EXPECT_EQ(values_of(solid.colors), (Floats{1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}));
-    EXPECT_EQ(values_of(solid.vertex_data), (Ints{3, 0, 1, 0, 0}));
-    EXPECT_EQ(values_of(solid.vertex_trans), (Floats{0, 0, 1, 1, 0}));
+    EXPECT_EQ(valuesOf(solid.colors), (Floats{1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0}));
+    EXPECT_EQ(valuesOf(solid.vertex_data), (Ints{3, 0, 1, 0, 0}));
+    EXPECT_EQ(valuesOf(solid.vertex_trans), (Floats{0, 0, 1, 1, 0}));
 }
 
 TEST(Normals, OfAMeshComeFromTheNeighbours) {
     // 3 x 2 grid over x and y, height 1 at the middle of the first row
     const Floats grid = {0, 0, 0, 1, 0, 1, 2, 0, 0, 0, 1, 0, 1, 1, 0, 2, 1, 0};
     const Object obj(GEOMcreate_mesh(nullptr, grid.data(), 3, 2, 0));
-    EXPECT_EQ(messages_of([&] { GEOMgen_normals(obj.get(), 1); }),
+    EXPECT_EQ(messagesOf([&] { GEOMgen_normals(obj.get(), 1); }),
               "error: Warning: Can't compute facet normals of mesh objects.\n\n");
     const float half = 0.70710678F;
-    expect_near(obj->mesh.normals,
-                {-half, 0, half, 0, half, half, half, 0, half, 0, 0, 1, 0, half, half, 0, 0, 1});
+    expectNear(obj->mesh.normals,
+               {-half, 0, half, 0, half, half, half, 0, half, 0, 0, 1, 0, half, half, 0, 0, 1});
     const Object line(GEOMcreate_mesh(nullptr, grid.data(), 1, 6, 0)); // one column: no direction
     GEOMgen_normals(line.get(), 0);
-    EXPECT_EQ(values_of(line->mesh.normals), Floats(18));
+    EXPECT_EQ(valuesOf(line->mesh.normals), Floats(18));
     const Object cut(GEOMcreate_mesh(nullptr, grid.data(), 3, 2, 0));
     cut->mesh.v = 3; // more than there are vertices for
     GEOMgen_normals(cut.get(), 0);
@@ -102,8 +102,8 @@ TEST(Normals, OfStripsAreOnlyNormalised) {
     EXPECT_EQ(obj->flags, 0u);
     Floats normals = {0, 0, 0, 3, 0, 4};
     obj->polytriangle.strip_normals = block<GEOMvector_list>({{2, 2, block(normals)}});
-    geom::normalize_object(*obj);
-    EXPECT_EQ(values_of(*obj->polytriangle.strip_normals), (Floats{0, 0, 0, 0.6F, 0, 0.8F}));
-    geom::normalize_vector(normals.data());
+    geom::normalizeObject(*obj);
+    EXPECT_EQ(valuesOf(*obj->polytriangle.strip_normals), (Floats{0, 0, 0, 0.6F, 0, 0.8F}));
+    geom::normalizeVector(normals.data());
     EXPECT_EQ(normals, (Floats{0, 0, 1, 3, 0, 4}));
 }

@@ -28,7 +28,7 @@ std::string faulty(int version, bool verify, std::barrier<>& pace) {
            messages;
 }
 
-std::string faulty_alone(int version, bool verify) {
+std::string faultyAlone(int version, bool verify) {
     std::barrier pace(1);
     return faulty(version, verify, pace);
 }
@@ -63,8 +63,8 @@ TEST(Settings, DecideOnTheirThreadUntilTheirScopeEnds) {
 }
 
 TEST(Settings, ServeThreadsThatWriteAtTheSameTime) {
-    const std::string plain = faulty_alone(GEOM_VERSION_RAW, false);
-    const std::string verified = faulty_alone(GEOM_VERSION_XDR, true);
+    const std::string plain = faultyAlone(GEOM_VERSION_RAW, false);
+    const std::string verified = faultyAlone(GEOM_VERSION_XDR, true);
     EXPECT_TRUE(plain.starts_with("46MG") && verified.starts_with("GM64"));
     EXPECT_EQ(plain.find("finding"), plain.npos);
     EXPECT_TRUE(verified.ends_with("error: GEOMadd_radii: can't add radii to obj type\n"
@@ -81,7 +81,7 @@ TEST(Settings, ServeThreadsThatWriteAtTheSameTime) {
 TEST(Settings, TakeThePlaceOfTheEnvironment) {
     setenv("KRA_GEOM_WRITE_V2", "", 1);
     EXPECT_EQ(GEOMenvironment_settings().version, GEOM_VERSION_RAW);
-    EXPECT_TRUE(faulty_alone(GEOM_VERSION_XDR, false).starts_with("GM64"));
+    EXPECT_TRUE(faultyAlone(GEOM_VERSION_XDR, false).starts_with("GM64"));
     unsetenv("KRA_GEOM_WRITE_V2");
     EXPECT_EQ(GEOMenvironment_settings().version, GEOM_VERSION_XDR);
 }

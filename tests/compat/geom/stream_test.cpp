@@ -16,24 +16,24 @@ using Put = std::function<void(GEOMstream*)>;
 // What `put` leaves on the descriptor, `offset` bytes into the first piece.
 std::string streamed(int version, const Put& put, std::size_t offset = 0) {
     return written([&](int fd) {
-        GEOMstream* stream = geom::create_stream(fd);
+        GEOMstream* stream = geom::createStream(fd);
         stream->version = version;
         const std::string before(offset, '.');
         GEOMstream_write(stream, before.data(), std::ssize(before));
         put(stream);
-        geom::close_stream(stream);
+        geom::closeStream(stream);
     });
 }
 
 template <class T>
-void expect_bulk_as_single(void (*many)(GEOMstream*, const T*, std::int64_t),
-                           void (*one)(GEOMstream*, T), const std::vector<T>& values) {
-    const Put in_bulk = [&](auto* s) { many(s, values.data(), std::ssize(values)); };
+void expectBulkAsSingle(void (*many)(GEOMstream*, const T*, std::int64_t),
+                        void (*one)(GEOMstream*, T), const std::vector<T>& values) {
+    const Put inBulk = [&](auto* s) { many(s, values.data(), std::ssize(values)); };
     const Put elsewhere = [&](auto* s) {
         s->sink = [](auto* t, const void* bytes, auto n) { return GEOMstream_write(t, bytes, n); };
-        in_bulk(s);
+        inBulk(s);
     };
-    const Put one_by_one = [&](auto* s) {
+    const Put oneByOne = [&](auto* s) {
         for (const T value : values)
             one(s, value);
     };
@@ -42,13 +42,13 @@ void expect_bulk_as_single(void (*many)(GEOMstream*, const T*, std::int64_t),
     for (const auto& [version, offset] : places)
         for (const IoFault fault : {IoFault{5}, {0}, {-1, EIO}}) {
             std::vector<std::string> streams;
-            for (const Put& put : {in_bulk, elsewhere, one_by_one}) {
-                write_faults = {fault};
+            for (const Put& put : {inBulk, elsewhere, oneByOne}) {
+                writeFaults = {fault};
                 streams.push_back(streamed(version, put, offset));
             }
             EXPECT_EQ(streams, std::vector(3, streams[0])) << version << ' ' << offset;
         }
-    write_faults.clear();
+    writeFaults.clear();
 }
 
 } // namespace
@@ -59,27 +59,27 @@ TEST(Stream, BulkWritesTheBytesOfTheXdrRoutines) {
         for (const std::uint32_t mantissa : {0u, 1u, 0x400000u, 0x7FFFFFu})
             floats.push_back(std::bit_cast<float>(top << 23 | mantissa));
     constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
-    expect_bulk_as_single(geom::put_floats, geom::put_float, floats);
-    expect_bulk_as_single(geom::put_int64s, geom::put_int64,
-                          {0, -1, 0x0102030405060708, ~least, least, 1LL << 31, 42});
-    expect_bulk_as_single(geom::put_ints, geom::put_int, {0, -1, 0x01020304, INT32_MIN});
+    expectBulkAsSingle(geom::putFloats, geom::putFloat, floats);
+    expectBulkAsSingle(geom::putInt64s, geom::putInt64,
+                       {0, -1, 0x0102030405060708, ~least, least, 1LL << 31, 42});
+    expectBulkAsSingle(geom::putInts, geom::putInt, {0, -1, 0x01020304, INT32_MIN});
 }
 
 TEST(Stream, EncodesAsTheSwitchesSayAndUpToTheLimit) {
     const Put all = [](GEOMstream* s) {
-        s->raw_ints = s->raw_floats = s->raw_int64s = true;
-        geom::put_int(s, 0x01020304);
-        geom::put_float(s, 1);
-        geom::put_int64(s, -2);
-        geom::put_string(s, "xyz"); // XDR still
+        s->rawInts = s->rawFloats = s->rawInt64s = true;
+        geom::putInt(s, 0x01020304);
+        geom::putFloat(s, 1);
+        geom::putInt64(s, -2);
+        geom::putString(s, "xyz"); // XDR still
         GEOMstream_write(s, "none", -4);
     };
-    const auto bytes = records::from_hex("04030201 0000803f feffffffffffffff 00000003 78797a00");
+    const auto bytes = records::fromHex("04030201 0000803f feffffffffffffff 00000003 78797a00");
     EXPECT_EQ(streamed(10, all), bytes.str());
     const std::string longest(GEOM_MAX_STRING_BYTES + 1, 'x'); // and one more
-    EXPECT_EQ(streamed(8, [&](auto* s) { geom::put_string(s, longest.data() + 1); }).size(),
+    EXPECT_EQ(streamed(8, [&](auto* s) { geom::putString(s, longest.data() + 1); }).size(),
               10'000'004u);
-    EXPECT_EQ(streamed(8, [&](auto* s) { geom::put_string(s, longest.data()); }).size(), 4u);
+    EXPECT_EQ(streamed(8, [&](auto* s) { geom::putString(s, longest.data()); }).size(), 4u);
 }
 
 TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
@@ -88,7 +88,7 @@ TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
         data += static_cast<char>(i * 7 >> 4);
     // short and interrupted writes go on; a write that fails loses its piece and the rest
     const auto expect = [&](std::deque<IoFault> faults, std::int64_t result, std::size_t kept) {
-        write_faults = std::move(faults);
+        writeFaults = std::move(faults);
         const std::string bytes = streamed(10, [&](GEOMstream* s) {
             EXPECT_EQ(GEOMstream_write(s, data.data(), std::ssize(data)), result);
             GEOMstream_write(s, "end", 3);
@@ -100,9 +100,9 @@ TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
     expect({{8192}, {8192}, {0}}, 0, 16384);
     // a 64-bit number cut by a failed piece: its second half is given up after an error only
     for (const long failure : {0, -1}) {
-        write_faults = {{failure, EIO}};
+        writeFaults = {{failure, EIO}};
         const std::string bytes = streamed(
-            10, [](auto* s) { geom::put_int64(s, 5); }, 8188);
+            10, [](auto* s) { geom::putInt64(s, 5); }, 8188);
         EXPECT_EQ(bytes, failure == 0 ? std::string("\0\0\0\5", 4) : "");
     }
 }
@@ -113,10 +113,10 @@ TEST(Stream, ReadsBackAndReturnsWhatItReadAhead) {
         lseek(fd, 0, SEEK_SET);
         long word = 0;
         for (const long expected : {-9, 1, 0}) {
-            GEOMstream* stream = geom::create_stream(fd);
+            GEOMstream* stream = geom::createStream(fd);
             EXPECT_EQ(XDR_GETLONG(&stream->decode, &word), expected == 0 ? FALSE : TRUE);
             EXPECT_EQ(word, expected == 0 ? 1 : expected);
-            geom::close_stream(stream);
+            geom::closeStream(stream);
             EXPECT_EQ(lseek(fd, 0, SEEK_CUR), expected == -9 ? 4 : 8);
         }
     });

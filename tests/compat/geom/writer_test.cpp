@@ -15,7 +15,7 @@ std::string record(const Object& obj, int flags = 0) {
     return written([&](int fd) { GEOMwrite_obj(obj.get(), fd, flags); });
 }
 
-void expect_record(const std::string& name, const Object& obj) {
+void expectRecord(const std::string& name, const Object& obj) {
     if (name.ends_with('7'))
         setenv("KRA_GEOM_WRITE_V2", "", 1);
     EXPECT_EQ(record(obj), records::named(name).str()) << name;
@@ -46,7 +46,7 @@ void fill(Object& obj, const geom::Part& part, std::size_t n, std::size_t primit
 Object filled(std::uint32_t type, std::uint32_t flags, std::size_t n, std::size_t primitives) {
     Object obj = make(type);
     obj->flags = flags;
-    fill(obj, geom::part_of(*obj), n, primitives);
+    fill(obj, geom::partOf(*obj), n, primitives);
     return obj;
 }
 
@@ -55,10 +55,10 @@ Object filled(std::uint32_t type, std::uint32_t flags, std::size_t n, std::size_
 TEST(Record, IsTheOneWrittenByHand) {
     Object obj = filled(GEOM_MESH, 0x44, 4, 1);
     obj->mesh.u = obj->mesh.v = 2;
-    expect_record("mesh 10", obj);
+    expectRecord("mesh 10", obj);
     obj = filled(GEOM_MESH, 0x189, 3, 0);
     obj->mesh.u = 3, obj->mesh.v = 1;
-    expect_record("mesh 7", obj);
+    expectRecord("mesh 7", obj);
 
     obj = filled(GEOM_POLYHEDRON, 0xCE, 1, 2);
     obj->polyhedron.polygons = {5, 2, 2, block(std::vector<std::int64_t>{1, 1, 0, 0, 0})};
@@ -66,14 +66,14 @@ TEST(Record, IsTheOneWrittenByHand) {
     obj->vals = property(6, 4, {1, 2, 3});
     obj->nvals = 1;
     obj->name = block<char>({'A', 'b', 0});
-    expect_record("polyhedron 10", obj);
+    expectRecord("polyhedron 10", obj);
     obj = make(GEOM_POLYHEDRON);
     GEOMadd_vertices(obj.get(), Floats{0, 0, 0, NAN, INFINITY, -0.0F}.data(), 2, 0);
     GEOMadd_polygons(obj.get(), Ints{2, 2, -1, 0}.data(), 0, 0);
     obj->vals = property(6, 2, {255});
     obj->nvals = 1;
     obj->name = block<char>({'N', 0});
-    expect_record("polyhedron 7", obj);
+    expectRecord("polyhedron 7", obj);
 
     obj = make(GEOM_POLYTRIANGLE);
     obj->flags = 0x1C0;
@@ -83,63 +83,63 @@ TEST(Record, IsTheOneWrittenByHand) {
     all.strip_normals = block(std::vector<GEOMvector_list>(1));
     all.strip_colors = block(std::vector<GEOMvector_list>(1));
     obj->flags = 0x1C3;
-    fill(obj, geom::strip_of(all, 0), 3, 1);
-    fill(obj, geom::polyline_of(all, 0), 2, 1);
-    fill(obj, geom::segments_of(all), 2, 1);
-    expect_record("polytriangle 10", obj);
+    fill(obj, geom::stripOf(all, 0), 3, 1);
+    fill(obj, geom::polylineOf(all, 0), 2, 1);
+    fill(obj, geom::segmentsOf(all), 2, 1);
+    expectRecord("polytriangle 10", obj);
     obj = make(GEOM_POLYTRIANGLE);
     obj->polytriangle.lines = 1;
     obj->polytriangle.line_vertices = block(std::vector<GEOMvector_list>(1));
     GEOMadd_polyline(obj.get(), Floats{0, 0, records::vertex}.data(), nullptr, 1, 0);
-    expect_record("polytriangle 7", obj);
+    expectRecord("polytriangle 7", obj);
 
-    expect_record("sphere 10", filled(GEOM_SPHERE, 0, 1, 0));
+    expectRecord("sphere 10", filled(GEOM_SPHERE, 0, 1, 0));
     obj = filled(GEOM_SPHERE, 0x183, 1, 0);
     GEOMadd_radii(obj.get(), Floats{0.01F}.data(), 1, 0);
-    expect_record("sphere 7", obj);
+    expectRecord("sphere 7", obj);
 
     obj.reset(GEOMcreate_label(nullptr, 0x408E));
     const float vectors[] = {0, 0, records::vertex, 0, 0, 2, 0, 0, records::colour};
     GEOMadd_label(obj.get(), "ab", vectors, vectors + 3, 0.5F, vectors + 6, 12);
-    expect_record("label 10", obj);
+    expectRecord("label 10", obj);
     obj.reset(GEOMcreate_label(nullptr, 0x9081));
     for (const char* text : {"", "\xff"})
         GEOMadd_label(obj.get(), text, Floats(3).data(), nullptr, 0, nullptr, -1);
-    expect_record("label 7", obj);
+    expectRecord("label 7", obj);
 }
 
 TEST(Record, HasZerosForWhatTheObjectLacks) {
     Object obj = filled(GEOM_POLYHEDRON, 0x4, 1, 0);
     obj->flags = GEOM_HAS_NORMALS | GEOM_HAS_UVWS;
     EXPECT_EQ(record(obj, 7), // which drops bits of the header, not the arrays
-              records::from_hex(records::header_10("z3 08", "z3 02", "0028") +
-                                "z23 01 z8, z8 3f800000, z12, z4 40000000 z4")
+              records::fromHex(records::header10("z3 08", "z3 02", "0028") +
+                               "z23 01 z8, z8 3f800000, z12, z4 40000000 z4")
                   .str());
     obj = make(GEOM_MESH);
     obj->mesh.v = 3; // no vertices and no cells, but a byte count of (4 u - 4) (v - 1)
     obj->flags = GEOM_HAS_PRIMITIVE_DATA;
     EXPECT_EQ(record(obj),
-              records::from_hex("474d3634,z4,z3 40,z3 01,z28,fffffffffffffff8,z12,z15 03").str());
+              records::fromHex("474d3634,z4,z3 40,z3 01,z28,fffffffffffffff8,z12,z15 03").str());
 }
 
 TEST(Record, NeedsAStreamAndSetsItsVersion) {
     const Object obj = make(GEOM_SPHERE);
     const std::string bytes = written([&](int fd) {
-        allocation_to_fail = 1;
-        EXPECT_EQ(messages_of([&] { GEOMwrite_obj(obj.get(), fd, 0); }), "");
+        allocationToFail = 1;
+        EXPECT_EQ(messagesOf([&] { GEOMwrite_obj(obj.get(), fd, 0); }), "");
     });
-    EXPECT_EQ(allocation_to_fail, 0);
+    EXPECT_EQ(allocationToFail, 0);
     EXPECT_EQ(bytes, "");
-    GEOMstream* stream = geom::create_stream(-1);
+    GEOMstream* stream = geom::createStream(-1);
     GEOMserialize_obj(GEOMstream_write, obj.get(), stream, 0, 9);
     EXPECT_EQ(stream->version, 7);
-    geom::close_stream(stream);
+    geom::closeStream(stream);
 }
 
 // In a child, since a process asks for the variable once. Tests of this name run before all others,
 // so that this process has not asked yet.
 TEST(TraceDeathTest, ShowsEveryStepOnStandardOutput) {
-    const auto trace_twice = [] {
+    const auto traceTwice = [] {
         const Object obj = make(GEOM_POLYHEDRON);
         obj->flags = 0x183;
         dup2(STDERR_FILENO, STDOUT_FILENO); // where the trace is looked for
@@ -149,7 +149,7 @@ TEST(TraceDeathTest, ShowsEveryStepOnStandardOutput) {
         record(obj, 2);
         std::exit(0);
     };
-    EXPECT_EXIT(trace_twice(), testing::ExitedWithCode(0), testing::MatchesRegex(R"((
+    EXPECT_EXIT(traceTwice(), testing::ExitedWithCode(0), testing::MatchesRegex(R"((
 Writing geometry to a file ...
 GEOMwrite_obj \(obj=0x[0-9a-f]+, fd=[0-9]+, flags=2\)
    GEOMserialize_obj \(func=0x[0-9a-f]+, obj=0x[0-9a-f]+, arg=0x[0-9a-f]+, flags=2, proto_version=10\)
