@@ -105,7 +105,7 @@ meshcast_install_library(meshcast_convert convert
   HEADERS convert/convert.h)
 meshcast_install_library(geom_stream geom_stream
   DESCRIPTION "GEOM streams, decoded"
-  HEADERS geom_stream/error.h geom_stream/object.h geom_stream/record_reader.h
+  HEADERS compat/geom/format.h geom_stream/error.h geom_stream/object.h geom_stream/record_reader.h
     geom_stream/stream_input.h)
 meshcast_install_library(meshcast_tidy tidy
   DESCRIPTION "VRML 1.0 scenes, repaired"

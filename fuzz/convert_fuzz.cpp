@@ -1,4 +1,4 @@
-#include "fuzz/conversion.h"
+#include "fuzz/checked_conversion.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
+#include "fuzz/evaluated_model.h"
 #include "fuzz/finding.h"
-#include "fuzz/model.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "export/export.h"
+#include "fuzz/evaluated_model.h"
 #include "fuzz/finding.h"
-#include "fuzz/model.h"
 
 #include <algorithm>
 #include <cstddef>

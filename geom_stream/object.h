@@ -1,5 +1,7 @@
 #pragma once
 
+#include "compat/geom/format.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -18,22 +20,28 @@ using Vec2 = std::array<float, 2>;
 using Vec3 = std::array<float, 3>;
 
 /// The object kinds; the values are the `type` word of the header.
-enum class Kind : std::uint32_t { kMesh = 1, kPolyhedron, kPolytriangle, kSphere, kLabel };
+enum class Kind : std::uint32_t {
+    kMesh = GEOM_MESH,
+    kPolyhedron = GEOM_POLYHEDRON,
+    kPolytriangle = GEOM_POLYTRIANGLE,
+    kSphere = GEOM_SPHERE,
+    kLabel = GEOM_LABEL
+};
 
 /// "mesh", "polyhedron", "polytriangle", "sphere" or "label".
 std::string_view kindName(Kind kind);
 
 /// Bits of the `data` word: which optional arrays a body holds.
 namespace flag {
-inline constexpr std::uint32_t kNormals = 0x1;
-inline constexpr std::uint32_t kColours = 0x2;
-inline constexpr std::uint32_t kUvs = 0x4;
-inline constexpr std::uint32_t kUvws = 0x8;
-inline constexpr std::uint32_t kLabelData = 0x10;
-inline constexpr std::uint32_t kNoRadii = 0x20;
-inline constexpr std::uint32_t kPrimitiveData = 0x40;
-inline constexpr std::uint32_t kVertexData = 0x80;
-inline constexpr std::uint32_t kVertexTrans = 0x100;
+inline constexpr std::uint32_t kNormals = GEOM_HAS_NORMALS;
+inline constexpr std::uint32_t kColours = GEOM_HAS_COLORS;
+inline constexpr std::uint32_t kUvs = GEOM_HAS_UVS;
+inline constexpr std::uint32_t kUvws = GEOM_HAS_UVWS;
+inline constexpr std::uint32_t kLabelData = GEOM_HAS_LABEL_DATA;
+inline constexpr std::uint32_t kNoRadii = GEOM_HAS_NO_RADII;
+inline constexpr std::uint32_t kPrimitiveData = GEOM_HAS_PRIMITIVE_DATA;
+inline constexpr std::uint32_t kVertexData = GEOM_HAS_VERTEX_DATA;
+inline constexpr std::uint32_t kVertexTrans = GEOM_HAS_VERTEX_TRANS;
 } // namespace flag
 
 struct FlagName {

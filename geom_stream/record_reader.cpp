@@ -1,8 +1,8 @@
 #include "geom_stream/record_reader.h"
 
-#include "geom_stream/body.h"
-#include "geom_stream/header.h"
 #include "geom_stream/item_reader.h"
+#include "geom_stream/record_body.h"
+#include "geom_stream/record_header.h"
 
 #include <algorithm>
 #include <utility>

@@ -13,8 +13,8 @@
 
 #pragma GCC visibility push(default)
 
-/// Decoder of GEOM streams, written from docs/stream-format.md alone. It shares nothing with the
-/// writer, so that each checks the other.
+/// Decoder of GEOM streams, written from docs/stream-format.md alone. It shares only
+/// the numbers of the format with the writer, so that each checks the other.
 ///
 /// It accepts any bytes. Bytes that violate the format are an error with an offset. Vertex numbers
 /// and `bytecount` are not checked.

@@ -1,4 +1,4 @@
-#include "tests/export/files.h"
+#include "tests/export/exported_files.h"
 #include "tests/support/glb.h"
 
 #include <gmock/gmock.h>

@@ -1,9 +1,9 @@
-#include "tools/geomtool/info.h"
+#include "tools/geomtool/info_command.h"
 
 // Builds without scene evaluation have no exporters either.
 #ifdef GEOMTOOL_EXPORTS
 #include "tools/export_output/export_output.h"
-#include "tools/geomtool/export.h"
+#include "tools/geomtool/export_command.h"
 #endif
 
 #include <CLI/CLI.hpp>

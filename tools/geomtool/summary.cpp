@@ -1,5 +1,7 @@
 #include "tools/geomtool/summary.h"
 
+#include "compat/geom/format.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -181,13 +183,13 @@ struct BitName {
     std::string_view name;
 };
 
-constexpr std::array<BitName, 7> kLabelBits{{{0x400, "stroke"},
-                                             {0x800, "title"},
-                                             {0x1000, "centred"},
-                                             {0x2000, "right"},
-                                             {0x4000, "left"},
-                                             {0x8000, "drop shadow"},
-                                             {0x100, "0x100"}}};
+constexpr std::array<BitName, 7> kLabelBits{{{GEOM_LABEL_STROKE, "stroke"},
+                                             {GEOM_LABEL_TITLE, "title"},
+                                             {GEOM_LABEL_CENTER, "centred"},
+                                             {GEOM_LABEL_RIGHT, "right"},
+                                             {GEOM_LABEL_LEFT, "left"},
+                                             {GEOM_LABEL_DROP_SHADOW, "drop shadow"},
+                                             {GEOM_LABEL_EXTRA, "0x100"}}};
 
 constexpr std::array<std::string_view, 9> kFontFamilies{"Courier", "Helvetica", "New Century",
                                                         "Times",   "Charter",   "Symbol",
@@ -247,7 +249,7 @@ std::optional<Bounds> bounds(const Object& object) {
 }
 
 std::string describeLabelFlags(std::uint32_t labelFlags) {
-    std::string text = describeFont(labelFlags & 0xff);
+    std::string text = describeFont(labelFlags & GEOM_LABEL_FONT_MASK);
     for (const BitName& entry : kLabelBits)
         if ((labelFlags & entry.bit) != 0)
             text.append(", ").append(entry.name);

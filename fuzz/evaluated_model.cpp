@@ -1,4 +1,4 @@
-#include "fuzz/model.h"
+#include "fuzz/evaluated_model.h"
 
 #include "evaluate/evaluate.h"
 #include "evaluate/fonts.h"

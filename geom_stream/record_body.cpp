@@ -1,4 +1,4 @@
-#include "geom_stream/body.h"
+#include "geom_stream/record_body.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "tools/geomtool/info.h"
+#include "tools/geomtool/info_command.h"
 
 #include "geom_stream/record_reader.h"
 #include "tools/geomtool/input_file.h"

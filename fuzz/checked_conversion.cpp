@@ -1,4 +1,4 @@
-#include "fuzz/conversion.h"
+#include "fuzz/checked_conversion.h"
 
 #include "convert/convert.h"
 #include "fuzz/finding.h"

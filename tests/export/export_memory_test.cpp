@@ -1,6 +1,6 @@
 #include "evaluate/evaluate.h"
 #include "evaluate/fonts.h"
-#include "tests/export/files.h"
+#include "tests/export/exported_files.h"
 #include "tests/support/faults.h"
 #include "vrml/byte_source.h"
 #include "vrml/diagnostics.h"

@@ -1,4 +1,6 @@
-#include "geom_stream/header.h"
+#include "geom_stream/record_header.h"
+
+#include "compat/geom/format.h"
 
 #include <array>
 #include <bit>
@@ -13,10 +15,7 @@
 namespace geom_stream {
 namespace {
 
-constexpr std::uint32_t kMagic = 0x474D3634;
-constexpr std::size_t kMagicSize = 4;
-constexpr std::size_t kPropertyWordsSize = 12;
-constexpr std::uint32_t kLongestString = 9'999'999;
+constexpr std::size_t kMagicSize = sizeof GEOM_MAGIC;
 
 void readMagic(ItemReader& in, Object& object) {
     const std::uint64_t start = in.offset();
@@ -24,10 +23,10 @@ void readMagic(ItemReader& in, Object& object) {
     if (!in.ok()) {
         return;
     }
-    if (load<std::endian::big, std::uint32_t>(bytes.data()) == kMagic) {
-        object.version = 10;
-    } else if (load<std::endian::little, std::uint32_t>(bytes.data()) == kMagic) {
-        object.version = 7;
+    if (load<std::endian::big, std::uint32_t>(bytes.data()) == GEOM_MAGIC) {
+        object.version = GEOM_VERSION_XDR;
+    } else if (load<std::endian::little, std::uint32_t>(bytes.data()) == GEOM_MAGIC) {
+        object.version = GEOM_VERSION_RAW;
         in.setOrder(std::endian::little);
     } else {
         in.fail(start, "expected magic \"GM64\" or \"46MG\"");
@@ -71,9 +70,9 @@ std::vector<Property> readProperties(ItemReader& in) {
 std::string readString(ItemReader& in, std::string_view what) {
     const std::uint64_t start = in.offset();
     const std::uint32_t length = in.word(what);
-    if (length > kLongestString) {
+    if (length > GEOM_MAX_STRING_BYTES) {
         in.fail(start, "expected " + std::string(what) + " of at most " +
-                           std::to_string(kLongestString) + " bytes, found length " +
+                           std::to_string(GEOM_MAX_STRING_BYTES) + " bytes, found length " +
                            std::to_string(length));
         return {};
     }
@@ -104,7 +103,7 @@ void readNames(ItemReader& in, Object& object) {
 
     std::uint64_t counted = 0;
     for (const Property& property : object.properties) {
-        counted += kPropertyWordsSize + property.bytes.size();
+        counted += GEOM_PROPERTY_BYTES + property.bytes.size();
     }
 
     if (in.isXdr()) {

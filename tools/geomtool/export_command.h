@@ -1,7 +1,7 @@
 #pragma once
 
 #include "export/export.h"
-#include "tools/geomtool/info.h"
+#include "tools/geomtool/info_command.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "tools/geomtool/export.h"
+#include "tools/geomtool/export_command.h"
 
 #include "geom_stream/record_reader.h"
 #include "tools/export_output/export_output.h"
