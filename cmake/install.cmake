@@ -136,6 +136,6 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/meshcast-config-version.cmake
   DESTINATION ${cmake_folder} COMPONENT development)
 if(NOT BUILD_SHARED_LIBS)
-  install(FILES cmake/FindGLU.cmake cmake/FindSodium.cmake
+  install(FILES cmake/FindGLU.cmake cmake/FindSodium.cmake cmake/FindTirpc.cmake
     DESTINATION ${cmake_folder} COMPONENT development)
 endif()
