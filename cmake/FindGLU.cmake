@@ -1,6 +1,6 @@
-# Finds GLU and makes the target GLU::GLU. The tessellator is all that is wanted of it, and the archive
-# spares programs its graphics libraries. Shared libraries need code that can be loaded anywhere, which
-# the archive does not have.
+# Finds GLU and makes the target GLU::GLU. Only the tessellator is used, and with the archive, programs do
+# not load the graphics libraries of GLU. Shared libraries need position-independent code, which the archive
+# does not have.
 if(BUILD_SHARED_LIBS)
   find_library(GLU_LIBRARY NAMES GLU)
 else()

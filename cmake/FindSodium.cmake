@@ -1,6 +1,6 @@
-# Finds libsodium and makes the target Sodium::Sodium. From the archive, not the shared library: the
-# filter is started for each scene, and one more library to load is a tenth of its start-up. Shared
-# libraries need code that can be loaded anywhere, which the archive does not have.
+# Finds libsodium and makes the target Sodium::Sodium. The archive is preferred: the filter is started for
+# each scene, and loading one more shared library would slow that down. Shared libraries need
+# position-independent code, which the archive does not have.
 find_path(SODIUM_INCLUDE_DIR sodium/crypto_shorthash.h)
 if(BUILD_SHARED_LIBS)
   find_library(SODIUM_LIBRARY NAMES sodium)

@@ -1,6 +1,6 @@
-# What the toolchain files beside this one share: Debian's cross compiler for the machine `processor`,
-# known to it as `compiler_triplet` and to the folders of libraries as `library_triplet`, with the
-# libraries that scripts/sysroot.sh unpacks. Programs run under QEMU's `emulator`.
+# Shared by the toolchain files in this folder, which set `processor`, `compiler_triplet` (the prefix of
+# Debian's cross compiler), `library_triplet` (the folder of its libraries) and `emulator` (of QEMU). Uses the
+# libraries that scripts/sysroot.sh unpacks.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ${processor})
 set(CMAKE_CXX_COMPILER ${compiler_triplet}-g++)

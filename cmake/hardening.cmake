@@ -1,7 +1,7 @@
-# Protections for programs that read strangers' files: checked stack frames and copies, load addresses
-# that cannot be guessed, and tables of functions that cannot be written to.
+# Hardening flags, since the programs read untrusted files: stack protection, checked copies,
+# position-independent programs and read-only relocations.
 #
-# Flags of the user come first: packagers pass their own levels in CXXFLAGS (dpkg-buildflags does), and
+# Flags of the user take precedence: packagers pass their own levels in CXXFLAGS (dpkg-buildflags does), and
 # a second -D_FORTIFY_SOURCE would be a redefinition.
 string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
 set(user_flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}}")
@@ -14,7 +14,7 @@ if(NOT user_flags MATCHES "_FORTIFY_SOURCE")
   target_compile_options(meshcast_options INTERFACE
     $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
 endif()
-# Code for shared libraries is position-independent as it is.
+# Code for shared libraries is position-independent anyway.
 if(NOT CMAKE_POSITION_INDEPENDENT_CODE AND NOT user_flags MATCHES "-f(no-)?(pie|PIE|pic|PIC)")
   target_compile_options(meshcast_options INTERFACE -fPIE)
 endif()

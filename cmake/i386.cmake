@@ -1,4 +1,4 @@
-# The 32-bit PC: small pointers, and a floating-point unit that rounds to its own width.
+# 32-bit x86: 32-bit pointers, and a floating-point unit that computes in its own width.
 set(processor i386)
 set(compiler_triplet i686-linux-gnu)
 set(library_triplet i386-linux-gnu)

@@ -1,8 +1,8 @@
-# Installs the libraries with their headers, and what find_package(meshcast) and pkg-config read.
+# Installs the libraries, their headers, and the files of find_package(meshcast) and pkg-config.
 #
-# Programs and tests link the libraries that the folders declare, which are static: the filter must
-# start quickly, and tests reach into what is not exported. With BUILD_SHARED_LIBS the same object
-# files make shared libraries too, and these are installed instead.
+# Programs and tests link the static libraries: the filter must start quickly, and tests use functions that
+# are not exported. With BUILD_SHARED_LIBS, shared libraries are made of the same object files and are
+# installed instead.
 include(CMakePackageConfigHelpers)
 
 set(cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/meshcast)
@@ -10,7 +10,7 @@ set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 set(header_folder ${CMAKE_INSTALL_INCLUDEDIR}/meshcast)
 set(meshcast_components "")
 
-# Makes TARGET_shared from the object files of a static library, linked to what that is linked to.
+# Makes TARGET_shared from the object files of a static library, with the same libraries linked.
 function(meshcast_add_shared_library target)
   add_library(${target}_shared SHARED $<TARGET_OBJECTS:${target}>)
   get_target_property(links ${target} LINK_LIBRARIES)
@@ -30,11 +30,11 @@ function(meshcast_add_shared_library target)
 endfunction()
 
 # Installs a library as meshcast::COMPONENT, with a file for pkg-config.
-#   DESCRIPTION  a line for the file of pkg-config
-#   LINKS        components that its users link with it, from those above it
-#   REQUIRES     modules of pkg-config that it is linked to, of other projects
-#   LIBS         what it is linked to that has no such module
-#   HEADERS      those that its users include, and those that these include
+#   DESCRIPTION  one line for pkg-config
+#   LINKS        components of this project that its users link too, declared earlier in this file
+#   REQUIRES     libraries of other projects that it links, as pkg-config modules
+#   LIBS         linker flags for libraries without such a module
+#   HEADERS      the headers that its users include, and those that these include
 function(meshcast_install_library target component)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "DESCRIPTION" "LINKS;REQUIRES;LIBS;HEADERS")
   set(installed ${target})
@@ -65,7 +65,7 @@ function(meshcast_install_library target component)
     install(FILES ${header} DESTINATION ${header_folder}/${folder} COMPONENT development)
   endforeach()
 
-  # Users of a static library link what it needs; those of a shared one need not.
+  # Users of a static library must link its dependencies; users of a shared one need not.
   list(TRANSFORM arg_LINKS PREPEND meshcast-)
   list(JOIN arg_LINKS ", " requires)
   list(JOIN arg_REQUIRES ", " requires_private)
@@ -77,7 +77,7 @@ function(meshcast_install_library target component)
     set(libs " ${libs_private}")
     set(libs_private "")
   endif()
-  # From the folder of the file, since the prefix is known only when it is installed.
+  # Relative to the folder of the file, since the prefix is known only at installation.
   file(RELATIVE_PATH prefix /prefix/${pkgconfig_folder} /prefix)
   string(REGEX REPLACE "/$" "" prefix "${prefix}")
   set(file ${CMAKE_CURRENT_BINARY_DIR}/meshcast-${component}.pc)

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds a preset of CMakePresets.json (release if none is named), all of it or the targets named,
-# into build/PRESET, and prints as little as a build can. Installs nothing: see scripts/setup.sh.
+# Builds a preset of CMakePresets.json into build/PRESET: release by default, and all targets unless some
+# are named. Prints little. Installs nothing: see scripts/setup.sh.
 #   scripts/build.sh [PRESET [TARGET ...]]
 set -eu
 cd "$(dirname "$0")/.."

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Sets up, builds, converts a scene and lists what came out, object by object. Then makes a page and a
-# picture of the scene, and says where they are.
+# Installs the dependencies, builds, converts a scene and lists its objects. Then makes a page and a picture
+# of the scene, and prints where they are.
 #   scripts/demo.sh [SCENE]
 set -eu
 "$(dirname "$0")/setup.sh"

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Sets up, builds, replays the corpus of every fuzz target and then fuzzes for SECONDS each.
-#   scripts/fuzz.sh [SECONDS [TARGET]]   30 if not told; all targets if none is named
+# Installs the dependencies, builds, replays the corpus of every fuzz target and then fuzzes each for SECONDS.
+#   scripts/fuzz.sh [SECONDS [TARGET]]   30 seconds and all targets by default
 set -eu
 cd "$(dirname "$0")/.."
 scripts/setup.sh --fuzz

@@ -2,8 +2,8 @@
 # Checks that the code is formatted and that clang-tidy and shellcheck find nothing. Prints findings
 # only. Needs scripts/setup.sh --lint.
 #   scripts/lint.sh                all source files: half an hour on two cores
-#   scripts/lint.sh --recent N     clang-tidy only for the N source files that were committed last,
-#                                  and for those of headers that were: time that does not grow
+#   scripts/lint.sh --recent N     clang-tidy only for the N source files that were committed last;
+#                                  a header counts as its source file
 #   scripts/lint.sh FILE.cpp ...   clang-tidy only for these
 set -eu
 cd "$(dirname "$0")/.."
@@ -24,7 +24,7 @@ chosen() {
         *) printf '%s\n' "$@" ;;
     esac
 }
-cmake --preset bench >/dev/null # All sources but the fuzz targets have their flags there.
+cmake --preset bench >/dev/null # Has the flags of all sources but the fuzz targets.
 # shellcheck disable=SC2016  # the inner shell expands it
 chosen "$@" | xargs -P "$(nproc)" -n 1 sh -c '
     findings=$(clang-tidy --quiet -p build/bench "$1" 2>&1) ||

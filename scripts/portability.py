@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Checks that meshcast writes the same bytes, messages and statuses whatever it was built with and for.
+"""Checks that meshcast gives the same bytes, messages and statuses with every compiler and machine.
 
 Builds it with GCC and Clang, without and with optimisation, and for two machines that QEMU emulates:
-s390x, big-endian with 64 bits, and i386 with 32. Each build converts every scene of examples/ and
-tests/scenes/, and of the folders named, to version 10 and to version 7, with and without verification,
-repairs every one, and those of tests/scenes/tidy/, and exports all of these to GLB where the build has
-the exporter. What comes out is compared with that of the first build. Prints a line a build, with the
-first scenes that differ; ends with status 1 when one does.
+s390x (big-endian, 64 bits) and i386 (32 bits). Each build converts every scene of examples/, tests/scenes/
+and the given folders to version 10 and to version 7, with and without verification. It also repairs these
+scenes and those of tests/scenes/tidy/, and exports them to GLB if the build has the exporter. The results
+are compared with those of the first build. Prints one line for each build, with the first scenes that
+differ; ends with status 1 if any differ.
 """
 
 import argparse
@@ -35,7 +35,7 @@ FOREIGN = {
     machine: [f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/{machine}.cmake", RELEASE]
     for machine in ("s390x", "i386")
 }
-# A build's machine's programs run under this, and find that machine's C library there.
+# The emulator of a build's machine, and where it finds that machine's C library.
 EMULATORS = {
     "s390x": ["qemu-s390x", "-L", "/usr/s390x-linux-gnu"],
     "i386": ["qemu-i386", "-L", "/usr/i686-linux-gnu"],
@@ -47,9 +47,9 @@ ARGUMENTS = {FILTER: [], TIDIER: [], EXPORTER: ["--quiet", "--format", "glb", "-
 MOST_SHOWN = 5
 SECONDS_PER_SCENE = 300
 
-# The kernel would have to know the programs of another machine that the first of these tests start.
-# Prefixes converts each scene as often as it has bytes, which is much under emulation; ExhaustedMemory
-# expects the sizes of records with pointers of 64 bits.
+# The first of these tests start programs, which the kernel cannot do for another machine. Prefixes takes
+# too long under emulation, since it converts each scene once for each of its bytes. ExhaustedMemory expects
+# the sizes of records with 64-bit pointers.
 TESTS_LEFT_OUT = ("Scenes|Filter|Readme|Geomtool|VrmlTidy|ManPages|MeshcastBatch|"
                   "Prefixes|ExhaustedMemory")
 
@@ -66,7 +66,7 @@ def build(name, arguments, tests):
     """Builds meshcast, and the tests if wanted; returns the build's directory."""
     directory = BUILDS / name.replace(" ", "")
     wanted = "ON" if tests else "OFF"
-    # Warnings are no errors here: GCC 12 warns wrongly of its own library on s390x.
+    # Warnings are not errors here: GCC 12 for s390x has false warnings about its own library.
     quietly("cmake", "-S", ROOT, "-B", directory, "-G", "Ninja", "-DMESHCAST_WERROR=OFF",
             f"-DBUILD_TESTING={wanted}", "-DMESHCAST_BUILD_TOOLS=ON", *arguments)
     quietly("cmake", "--build", directory, "--parallel", str(os.cpu_count()))

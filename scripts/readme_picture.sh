@@ -1,5 +1,5 @@
 #!/bin/sh
-# Draws the picture of the README again.
+# Draws the picture in README.md again.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/build.sh release vrmlexport

@@ -1,8 +1,8 @@
 #!/bin/sh
-# Installs what meshcast needs on Debian 12 and is missing: run as root, or with sudo at hand.
-# Prints nothing and changes nothing when everything is there.
+# Installs the missing packages that meshcast needs on Debian 12. Needs root or sudo. Prints and changes
+# nothing if all are installed.
 #   scripts/setup.sh [OPTION ...]
-# Without an option, what building and the tools need. Besides that, with
+# Without an option, installs what the build and the programs need. In addition, with
 #   --tests        what the tests need, with a browser
 #   --package      what scripts/package.sh needs
 #   --fuzz         what fuzzing needs

@@ -1,7 +1,6 @@
 #!/bin/sh
-# Everything that looks for faults without a test to say what is right: scripts/lint.sh, then cppcheck,
-# then valgrind's memcheck over every scene of examples/ and tests/scenes/. Silent but for findings;
-# status 1 when there is one.
+# The checks that need no expected results: scripts/lint.sh, then cppcheck, then valgrind's memcheck over
+# every scene of examples/ and tests/scenes/. Prints findings only; ends with status 1 if there are any.
 #   scripts/static.sh
 set -eu
 cd "$(dirname "$0")/.."
@@ -15,7 +14,7 @@ git ls-files '*.cpp' | grep -v -e '^bench/' -e '^fuzz/' -e '^tests/' |
         --enable=warning,style,performance,portability --suppressions-list=scripts/cppcheck-exceptions.txt ||
     failed=1
 
-# What nodes and names hold until the end is still reachable then, and no leak.
+# Nodes and names are kept until the end on purpose: memory that is still reachable is no leak.
 scripts/build.sh release meshcast
 for scene in examples/*.wrl tests/scenes/*.wrl; do
     messages=$(valgrind --quiet --leak-check=full --errors-for-leak-kinds=definite,possible \

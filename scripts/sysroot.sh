@@ -1,9 +1,9 @@
 #!/bin/sh
-# Unpacks the libraries of another machine, built by Debian, into build/sysroot/ARCHITECTURE, for a
-# cross build with cmake/ARCHITECTURE.cmake. Nothing is installed: Debian would want the libraries
-# of both machines in the same versions, and so might want to change those that are there.
+# Unpacks Debian's libraries for another architecture into build/sysroot/ARCHITECTURE, for a cross build
+# with cmake/ARCHITECTURE.cmake. Nothing is installed: Debian requires the same version of a library for
+# both architectures, so installing could change libraries of this machine.
 #   scripts/sysroot.sh ARCHITECTURE   s390x or i386
-# DEBIAN_MIRROR names another mirror than http://deb.debian.org/debian.
+# DEBIAN_MIRROR sets the mirror; the default is http://deb.debian.org/debian.
 set -eu
 cd "$(dirname "$0")/.."
 architecture="$1"
@@ -17,7 +17,7 @@ cd "$sysroot/packages"
 echo "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]" \
     "${DEBIAN_MIRROR:-http://deb.debian.org/debian} bookworm main" >sources.list
 
-# apt-get as the other machine would run it, on lists of its own.
+# Runs apt-get for the other architecture, with separate package lists.
 foreign_apt() {
     apt-get -qq -o APT::Architecture="$architecture" -o APT::Architectures="$architecture" \
         -o APT::Sandbox::User=root -o Acquire::Languages=none -o Dir::State="$PWD" \
@@ -30,7 +30,7 @@ foreign_apt download libtirpc-dev libsodium-dev libcli11-dev nlohmann-json3-dev 
 for package in *.deb; do
     dpkg-deb -x "$package" "$sysroot"
 done
-# They lead nowhere without the libraries' own packages; the archives beside them serve.
+# These links are broken without the packages of the shared libraries. The linker uses the archives.
 rm "$sysroot"/usr/lib/*/libtirpc.so "$sysroot"/usr/lib/*/libz.so "$sysroot"/usr/lib/*/libsodium.so
 rm -r "$sysroot/packages"
 touch "$sysroot/complete"

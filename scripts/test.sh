@@ -1,8 +1,8 @@
 #!/bin/sh
-# Sets up, builds and passes every test. Fails when a test was skipped.
-#   scripts/test.sh [PRESET]   release if none is named; sanitize runs the tests under the address and
-#                              undefined behaviour sanitizers, thread those that use threads under
-#                              the thread sanitizer
+# Installs the dependencies, builds and runs every test. Fails if a test fails or is skipped.
+#   scripts/test.sh [PRESET]   release by default. sanitize runs the tests under the address and
+#                              undefined behaviour sanitizers. thread runs the tests that use threads
+#                              under the thread sanitizer.
 set -eu
 cd "$(dirname "$0")/.."
 preset="${1:-release}"
@@ -10,6 +10,6 @@ scripts/setup.sh --tests
 scripts/build.sh "$preset"
 ctest --preset "$preset" --parallel "$(nproc)" --output-junit tests.xml
 if grep -q '<skipped' "build/$preset/tests.xml"; then
-    echo "test: what a test needs is missing, and it was skipped: see above" >&2
+    echo "test: a test was skipped because something that it needs is missing: see above" >&2
     exit 1
 fi

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Feeds meshcast scenes that nobody writes, one kind after the other, and prints for each what the
-program took: seconds, nanoseconds and bytes of memory per byte of input, and what it said.
+"""Feeds meshcast unusual scenes, one kind after the other. Prints for each the seconds, the nanoseconds
+and bytes of memory per byte of input, and the first message.
 
     scripts/torture.py PROGRAM [--megabytes 100] [--only WORD]
 
-Ends with status 1 when a scene ends the program in any other way than the table expects, or takes
-more memory per byte than MOST. Each scene is made while it is read: nothing is stored.
+Ends with status 1 if the result of a scene is not the one in the table, or if a scene takes more memory
+per byte than MOST. Each scene is generated while it is read, and not stored.
 """
 import argparse
 import os
@@ -15,14 +15,14 @@ import sys
 import threading
 
 HEADER = b"#VRML V1.0 ascii\n"
-MOST = 64  # bytes of memory per byte of input: see docs/reliability.md
-FEW_BYTES = 1 << 25  # what is left out of the account: a small scene may fill a list or two
+MOST = 64  # bytes of memory per byte of input
+FEW_BYTES = 1 << 25  # memory that is not counted, since even a small scene may fill a list
 
 FIELD = r'Couldn\'t read value for field "image"'
 
 
 class Scene:
-    """A head, a unit repeated up to the size wanted (numbered when it holds %x), and a tail."""
+    """A head, a unit that is repeated up to the wanted size (numbered if it holds %x), and a tail."""
 
     def __init__(self, name, head, unit, tail=b"", says="", header=HEADER, limit=None):
         self.name, self.head, self.unit, self.tail = name, header + head, unit, tail
@@ -136,7 +136,7 @@ SCENES = [
           b"] } IndexedFaceSet { coordIndex [ 0, 1, 2 ] } }"),
     Scene("points as spheres", b"Group { Coordinate3 { point [", b"0 0 0,",
           b"] } PointSet { numPoints 2147483647 } }", says="PointSet: Out of Index"),
-    # A few bytes that stand for a million nodes
+    # A few bytes that describe a million nodes
     Scene("a million cubes", doubled(b"Cube { }", 20), b" ", limit=1),
     Scene("a million materials", doubled(b"Material { }", 20), b" ", limit=1),
     Scene("a million transforms", doubled(b"TransformSeparator { Scale { } }", 20), b" ", limit=1),
@@ -150,11 +150,11 @@ def feed(pipe, pieces):
             pipe.write(piece)
         pipe.close()
     except BrokenPipeError:
-        pass  # The program has seen enough.
+        pass  # The program does not read the rest.
 
 
 def run(program, scene, size):
-    """The status, the peak of memory in bytes, the seconds used, the input's bytes, the message."""
+    """The status, the peak of memory in bytes, the seconds used, the size of the input, the message."""
     counted = [0]
 
     def counting():

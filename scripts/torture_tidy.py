@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Feeds vrmltidy scenes that were made to take it long, one kind after the other, at two sizes.
+"""Feeds vrmltidy scenes that are meant to slow it down, one kind after the other, at two sizes.
 
     scripts/torture_tidy.py PROGRAM [--megabytes 16] [--only WORD]
 
 Prints for each kind the nanoseconds and the bytes of memory per byte of input. Ends with status 1
-when a byte costs more than twice as much at the full size as at a sixteenth of it, when memory passes
-MOST bytes per byte, when the program crashes, or when a run passes SECONDS.
+if a byte takes more than twice the time at the full size than at a sixteenth of it, if memory exceeds
+MOST bytes per byte, if the program crashes, or if a run takes longer than SECONDS.
 """
 import argparse
 import gzip
@@ -17,9 +17,9 @@ import tempfile
 
 from torture import FEW_BYTES, HEADER, SCENES, Scene
 
-MOST = 100  # bytes of memory per byte of input: what is dropped byte by byte takes an edit each
+MOST = 100  # bytes of memory per byte of input: a scene may need an edit for each byte
 SECONDS = 60
-NOTHING = 0.05  # seconds: shorter runs tell nothing of growth
+NOTHING = 0.05  # seconds: shorter runs do not show growth
 
 
 def colliding_names():
@@ -55,7 +55,7 @@ class Names(Scene):
 
 
 class Packed(Scene):
-    """A scene, compressed. It is measured by what it inflates to."""
+    """A compressed scene. It is measured by its decompressed size."""
 
     def pieces(self, size):
         yield gzip.compress(b"".join(super().pieces(size)), 1, mtime=0)
@@ -157,7 +157,7 @@ def check(program, scene, size):
 
 
 def check_inlines(program):
-    """A folder of files that name one another, and scenes that name them without end."""
+    """A folder of files that inline one another, and scenes that inline them endlessly."""
     with tempfile.TemporaryDirectory() as folder:
         def write(name, data):
             with open(os.path.join(folder, name), "wb") as file:
