@@ -33,12 +33,13 @@ void prepareHeap(int descriptor) {
     mallopt(M_TOP_PAD, static_cast<int>(std::min(status.st_size, kMostAtOnce)));
     // No such block is free yet, so the heap grows, by the size above.
     void* const block = std::malloc(kLargestInHeap - 1024);
-    const auto* const end = static_cast<const char*>(sbrk(0));
-    const std::ptrdiff_t size = end - static_cast<const char*>(block);
-    if (block != nullptr && size > kLargeFile) {
-        io::preferLargePages(block, static_cast<std::size_t>(size));
+    if (block != nullptr) {
+        const std::ptrdiff_t size = static_cast<char*>(sbrk(0)) - static_cast<char*>(block);
+        if (size > kLargeFile) {
+            io::preferLargePages(block, static_cast<std::size_t>(size));
+        }
+        std::free(block);
     }
-    std::free(block);
     mallopt(M_TOP_PAD, kLargestInHeap);
 }
 

@@ -11,7 +11,7 @@ namespace {
 using Kind = OpenNode::Kind;
 
 void parseInLeaf(Parse& parse) {
-    Lexer& lexer = parse.lexer;
+    const Lexer& lexer = parse.lexer;
     const std::string_view name = lexer.name(parse.at);
     if (const Field* const known = parse.top().info->field(cutName(name)); known != nullptr) {
         parseField(parse, *known);
@@ -33,7 +33,7 @@ void parseInLeaf(Parse& parse) {
 }
 
 void parseInGroup(Parse& parse) {
-    Lexer& lexer = parse.lexer;
+    const Lexer& lexer = parse.lexer;
     const std::string_view name = lexer.name(parse.at);
     if (name.empty()) {
         *parse.at == '{' && !parse.isAtTop() ? parseOpeningBrace(parse) : parseStray(parse);

@@ -92,7 +92,7 @@ void GEOMadd_faces(GEOMobj* obj, const std::int32_t* indices, std::int64_t n) {
             faces.data[start] = i - start;
             start = i + 1;
         } else {
-            faces.data[i + 1] = std::int64_t{indices[i]} + 1;
+            faces.data[i + 1] = indices[i] + std::int64_t(1);
         }
     }
     if (isLastOpen)
