@@ -48,8 +48,8 @@ function fittedView(name, box, aspectRatio) {
 }
 
 /**
- * The view of a camera of the scene. Read from the file's JSON, since this three.js takes the full
- * height of an orthographic camera for ymag, which is half of it. The view turns around a point at the
+ * The view of a camera of the scene. Reads the sizes from the file's JSON, since this three.js
+ * takes half the height of an orthographic camera (ymag) for its full height. The view turns around a point at the
  * depth of the scene's centre.
  */
 function cameraView(camera, definition, box) {
