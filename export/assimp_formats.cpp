@@ -3,8 +3,9 @@
 namespace meshcast::exporter {
 
 const std::vector<AssimpFormat>& assimpFormats() {
-    // What each keeps was found by reading back what its writer wrote. Left out for what came back:
-    // binary FBX, which cannot be read again, and 3D Studio, which lies on its side.
+    // What each format keeps was found by reading files back. Two formats are left out because of
+    // faults of their writers: binary FBX cannot be read again, and 3D Studio has the wrong up
+    // axis.
     static const std::vector<AssimpFormat> kFormats = {
         {.format = {"obj", "Wavefront OBJ, with its materials and images beside it"},
          .id = "obj",

@@ -7,25 +7,26 @@
 
 namespace meshcast::exporter {
 
-/// A format that assimp writes, and what of a model its writer of that format keeps.
+/// A format that assimp writes, and what its writer keeps of a model.
 struct AssimpFormat {
     Format format;
-    const char* id; ///< By which assimp knows it.
+    const char* id; ///< Assimp's name of the format.
     bool hasLines = false, hasPoints = false;
-    bool hasColors = false; ///< Of materials or vertices.
+    bool hasColors = false; ///< For materials or vertices.
     bool hasVertexColors = false;
     bool hasTextures = false;
-    /// It keeps how textures repeat. Without, they repeat both ways.
+    /// Keeps the wrapping of textures. Otherwise they repeat in both directions.
     bool hasWrapping = false;
-    /// All shapes are one list of triangles, without names and materials.
+    /// All shapes are merged into one list of triangles, without names and materials.
     bool isMerged = false;
-    /// Its writer cannot write into memory.
+    /// Its writer opens a file by name and cannot write into memory.
     bool isWrittenByName = false;
     float unitsPerMetre = 1;
-    float colorRange = 1;       ///< The value of a full diffuse component, for its writer.
-    float shininessRange = 128; ///< The value of the greatest shininess.
+    float colorRange = 1;       ///< The largest diffuse component that its writer expects.
+    float shininessRange = 128; ///< The largest shininess that its writer expects.
 };
 
+/// All formats that are written with assimp.
 const std::vector<AssimpFormat>& assimpFormats();
 
 } // namespace meshcast::exporter

@@ -24,7 +24,7 @@ void fixTime(std::string& bytes) {
     }
 }
 
-/// Makes bytes of the colours, which are the last of each vertex.
+/// Converts the colours, the last values of each vertex, to bytes.
 void packColors(std::string& bytes) {
     constexpr std::string_view kEnd = "end_header\n", kVertices = "element vertex ";
     constexpr std::size_t kColorSize = 4 * sizeof(float);

@@ -5,11 +5,11 @@
 
 namespace meshcast::exporter {
 
-/// Puts right what assimp 5.2 gets wrong in the main file of the format with that extension:
+/// Corrects errors of assimp 5.2 in the main file of the format with that extension:
 ///
-/// - PLY: colours are announced as bytes, and written as floats.
-/// - COLLADA: the time of day is in it, so that no two files are alike; 1970 takes its place.
-/// - X3D: faces are seen from their front only.
+/// - PLY: the header declares colours as bytes, but they are floats.
+/// - COLLADA: the file has the current time, so that no two files are equal. Replaced by 1970.
+/// - X3D: back faces are not shown. They are made visible.
 void mendFile(std::string& bytes, std::string_view extension);
 
 } // namespace meshcast::exporter

@@ -14,7 +14,7 @@
 
 namespace meshcast::exporter {
 
-/// A colour as a screen shows it, which is what formats of the classical shading model hold.
+/// A linear colour in sRGB, as formats with the classical shading model store it.
 inline aiColor4D screenColor(const evaluate::Color& color) {
     return {evaluate::srgbFromLinear(color[0]), evaluate::srgbFromLinear(color[1]),
             evaluate::srgbFromLinear(color[2]), color[3]};
@@ -25,13 +25,13 @@ inline aiColor3D screenColor(const evaluate::Vec3& color) {
             evaluate::srgbFromLinear(color[2])};
 }
 
-/// The vertices and faces of a mesh for assimp, before it is known how many there are.
+/// Collects the vertices and faces of a mesh for assimp.
 class AssimpMeshDraft {
 public:
     AssimpMeshDraft(const AssimpFormat& format, bool hasColors, bool hasUvs, bool hasNormals)
         : format_(format), hasColors_(hasColors), hasUvs_(hasUvs), hasNormals_(hasNormals) {}
 
-    /// Adds the part of a mesh that a primitive is, at its place.
+    /// Adds a primitive, with `transform` applied.
     void add(const evaluate::Model& model, const evaluate::Primitive& primitive,
              const evaluate::InstanceTransform& transform);
     std::unique_ptr<aiMesh> finish(unsigned material, const aiString& name) const;
@@ -44,7 +44,7 @@ private:
     std::vector<aiColor4D> colors_;
     std::vector<unsigned> corners_;
     std::vector<std::uint8_t> faceSizes_;
-    std::vector<std::uint32_t> vertexOf_; ///< The number here of each vertex of the geometry.
+    std::vector<std::uint32_t> vertexOf_; ///< For each vertex of the geometry, its index here.
 };
 
 } // namespace meshcast::exporter

@@ -30,8 +30,8 @@ namespace {
 /// Names longer than this are cut: assimp drops those of 1024 bytes.
 constexpr std::size_t kLongestName = 1000;
 
-/// A name that every format can hold: without blanks, which end names in some, and without what
-/// has a meaning in XML, which not all of assimp's writers escape.
+/// A name that every format can hold: without blanks, which end names in some formats, and without
+/// special characters of XML, which not all of assimp's writers escape.
 aiString nameOf(std::string_view name) {
     if (name.size() > kLongestName) {
         std::size_t end = kLongestName;
@@ -84,7 +84,7 @@ std::unique_ptr<aiMaterial> materialOf(const Material& material, std::size_t num
     return result;
 }
 
-/// The vertices that placed shapes have at most.
+/// An upper bound of the number of vertices of all placed shapes.
 std::uint64_t mostVertices(const Model& model) {
     std::uint64_t count = 0;
     for (const Instance& instance : model.instances) {
@@ -117,7 +117,7 @@ private:
     std::vector<std::unique_ptr<aiNode>> nodes_;
 };
 
-/// Whether the format has what the primitive is made of; counts it if not.
+/// Whether the format can hold the primitive. Counts it if not.
 bool SceneBuilder::isHeld(const Primitive& primitive) {
     const Geometry& geometry = model_.geometries[primitive.geometry];
     if (geometry.topology == Topology::kLines && !format_.hasLines) {
@@ -144,8 +144,8 @@ void SceneBuilder::addNode(const aiString& name, unsigned meshCount) {
 }
 
 void SceneBuilder::addPrimitives() {
-    // Vertices share one list in some formats: without colours of their own they would be black
-    // there.
+    // Some formats merge all vertices into one list, in which vertices without colours would be
+    // black.
     const bool hasColors =
         format_.hasVertexColors &&
         std::any_of(model_.geometries.begin(), model_.geometries.end(),
@@ -195,7 +195,7 @@ void SceneBuilder::addMerged() {
     }
 }
 
-/// Moves pointers into an array of assimp's, which its owner deletes with what they point to.
+/// Moves pointers into an array whose owner, an assimp structure, deletes it and the objects.
 template <typename Item>
 Item** released(std::vector<std::unique_ptr<Item>>& items) {
     auto** const array = new Item*[items.size()];

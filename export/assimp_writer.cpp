@@ -58,7 +58,7 @@ void noteLosses(Exported& exported, const Model& model, const AssimpScene& built
     noteLoss(exported, model.urls.size(), "link", "links", format);
 }
 
-/// The files of a chain of blobs, the first of which is the main one.
+/// The files of a list of blobs. The first is the main file.
 void addFiles(Exported& exported, const aiExportDataBlob& first, const AssimpFormat& format) {
     for (const aiExportDataBlob* blob = &first; blob != nullptr; blob = blob->next) {
         std::string bytes(static_cast<const char*>(blob->data), blob->size);
@@ -82,14 +82,13 @@ void exportToMemory(Exported& exported, Assimp::Exporter& exporter, const aiScen
     }
 }
 
-/// The files of the system, of which a writer that asks is told that there are none: one refuses to
-/// replace a file.
+/// A file system that reports every file as missing, since one writer refuses to replace files.
 class NoFiles final : public Assimp::DefaultIOSystem {
 public:
     bool Exists(const char* /*name*/) const override { return false; }
 };
 
-/// For writers that open a file by its name whatever they are told: it is one in memory.
+/// Exports with a writer that always opens a file by its name, which is that of a file in memory.
 void exportByName(Exported& exported, Assimp::Exporter& exporter, const aiScene& scene,
                   const AssimpFormat& format) {
     const io::Descriptor file(::memfd_create("export", MFD_CLOEXEC));

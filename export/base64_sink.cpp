@@ -10,7 +10,7 @@ std::string base64(std::string_view bytes) {
     std::string text(sodium_base64_encoded_len(bytes.size(), kVariant), '\0');
     sodium_bin2base64(text.data(), text.size(),
                       reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), kVariant);
-    text.pop_back(); // The library ends it with a zero byte.
+    text.pop_back(); // The library appends a zero byte.
     return text;
 }
 

@@ -8,8 +8,8 @@
 
 namespace meshcast::exporter {
 
-/// Writes what it gets to another sink in base64 (RFC 4648), in pieces that are complete texts of
-/// base64 each, with a text before and after each piece.
+/// Encodes bytes in base64 (RFC 4648) and writes them to another sink. The output is split into
+/// pieces that can be decoded one by one, with a text before and after each piece.
 class Base64Sink final : public ByteSink {
 public:
     /// `pieceSize` counts bytes before encoding and has to be a multiple of 3.
@@ -27,7 +27,7 @@ private:
     std::string pending_;
 };
 
-/// The base64 of bytes.
+/// Encodes bytes in base64.
 std::string base64(std::string_view bytes);
 
 } // namespace meshcast::exporter

@@ -20,7 +20,7 @@ using evaluate::Vec3;
 
 namespace {
 
-/// Writes numbers of two or four bytes, the lowest first, from plain memory.
+/// Writes numbers of two or four bytes as little-endian.
 template <typename Number>
 void writeNumbers(ByteSink& sink, const void* numbers, std::size_t count) {
     const auto* const memory = static_cast<const char*>(numbers);
@@ -43,7 +43,7 @@ void writeVectors(ByteSink& sink, const std::vector<Vector>& vectors) {
     writeNumbers<float>(sink, vectors.data(), vectors.size() * std::tuple_size_v<Vector>);
 }
 
-/// Writes a list changed element by element, a piece at a time so that it takes no memory.
+/// Writes a list with each element converted, piece by piece to save memory.
 template <typename To, typename From, typename Change>
 void writeChanged(ByteSink& sink, const std::vector<From>& list, Change change) {
     constexpr std::size_t kPiece = 1024;
@@ -86,7 +86,7 @@ void writeList(ByteSink& sink, Geometry& geometry, const GeometryAccessors& acce
         });
         return release(geometry.colors);
     case ListView::kUvs:
-        // glTF's images begin at their upper left corner.
+        // In glTF, the origin of an image is its upper left corner.
         writeChanged<Vec2>(sink, geometry.uvs, [](const Vec2& uv) {
             return Vec2{uv[0], 1 - uv[1]};
         });

@@ -18,7 +18,7 @@ using evaluate::Vec3;
 
 namespace {
 
-// Numbers of the format, which are those of OpenGL.
+// Constants of the format, equal to those of OpenGL.
 constexpr std::uint32_t kUnsignedShort = 5123, kUnsignedInt = 5125, kFloat = 5126;
 constexpr std::uint32_t kVertexBuffer = 34962, kIndexBuffer = 34963;
 
@@ -42,7 +42,7 @@ void writePrimitive(JsonWriter& json, const Primitive& primitive, const Model& m
     json.endObject();
     json.member("indices", layout.indexAccessor(primitive));
     json.member("material", primitive.material);
-    // Points are 0, lines 1, and triangles are what there is without a word.
+    // 0 means points, 1 lines. Triangles are the default.
     const Topology topology = model.geometries[primitive.geometry].topology;
     if (topology != Topology::kTriangles) {
         json.member("mode", topology == Topology::kLines ? 1U : 0U);

@@ -144,7 +144,7 @@ void writeCamera(JsonWriter& json, const Camera& camera) {
 
 std::string gltfJson(const Model& model, const GltfLayout& layout, const GltfNames& names,
                      bool isForReaders) {
-    // Growing a text of many megabytes would take longer than writing it.
+    // Growing a text of many megabytes step by step is slow.
     constexpr std::size_t kUsualElement = 160;
     std::string text;
     text.reserve(kUsualElement * (layout.accessors.size() + model.materials.size() +

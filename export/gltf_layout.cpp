@@ -10,7 +10,7 @@ using evaluate::Model;
 
 namespace {
 
-/// An index of 65,535 would end the list of 16-bit ones in the eyes of graphics hardware.
+/// Graphics hardware takes a 16-bit index of 65,535 as a primitive restart, so it is not used.
 constexpr std::size_t kMostShortVertices = 65'535;
 
 std::vector<IndexRange> rangesOf(const Model& model) {
@@ -26,7 +26,7 @@ std::vector<IndexRange> rangesOf(const Model& model) {
     return ranges;
 }
 
-/// Hands out the bytes of the buffer.
+/// Allocates the bytes of the buffer.
 class Allotment {
 public:
     explicit Allotment(GltfLayout& layout) : layout_(layout) {}

@@ -16,7 +16,7 @@ using evaluate::Vec3;
 
 namespace {
 
-// Numbers of the format, which are those of OpenGL.
+// Constants of the format, equal to those of OpenGL.
 constexpr std::uint32_t kRepeat = 10497, kClampToEdge = 33071;
 constexpr std::uint32_t kLinear = 9729, kLinearMipmapLinear = 9987;
 

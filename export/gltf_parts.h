@@ -9,12 +9,12 @@
 #include <string>
 #include <string_view>
 
-// The members of the JSON object of a glTF file, a file for each group of them.
+// Functions that write the members of the JSON object of a glTF file.
 
 namespace meshcast::exporter {
 
-/// Writes a list with `write` for each item, or nothing where there is none: lists of glTF may not
-/// be empty.
+/// Writes a list by calling `write` for each item. Writes nothing for an empty list, which glTF
+/// does not allow.
 template <typename Items, typename Write>
 void writeList(JsonWriter& json, std::string_view name, const Items& items, Write write) {
     if (std::size(items) == 0) {
@@ -27,11 +27,11 @@ void writeList(JsonWriter& json, std::string_view name, const Items& items, Writ
     json.endArray();
 }
 
-/// "meshes", and what they lie in: "accessors", "bufferViews", "buffers".
+/// Writes "meshes", "accessors", "bufferViews" and "buffers".
 void writeGeometryParts(JsonWriter& json, const evaluate::Model& model, const GltfLayout& layout,
                         const std::string& bufferUri);
 
-/// "materials", and what they show: "textures", "samplers", "images".
+/// Writes "materials", "textures", "samplers" and "images".
 void writeMaterialParts(JsonWriter& json, const evaluate::Model& model, const GltfLayout& layout,
                         const GltfNames& names);
 

@@ -48,7 +48,7 @@ std::string uriOf(const std::string& name) {
     return uri;
 }
 
-/// What the files of an export are written from.
+/// The data that the files of an export share.
 struct Document {
     Model model;
     GltfLayout layout;

@@ -8,10 +8,10 @@
 
 namespace meshcast::exporter {
 
-/// The name of a file beside the main one for an image of the model: NAME-image-1.png.
+/// The name of the file for an image of the model, such as NAME-image-1.png.
 std::string imageFileName(const evaluate::Image& image, std::size_t number, const Options& options);
 
-/// A file of the bytes of an image, which are taken from it.
+/// A file with the bytes of an image. Moves the bytes out of the image.
 File imageFile(evaluate::Image& image, std::string name);
 
 } // namespace meshcast::exporter

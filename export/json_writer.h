@@ -9,11 +9,11 @@
 
 namespace meshcast::exporter {
 
-/// Appends a JSON document (RFC 8259) to a text, one value after the other. Commas and line breaks
-/// come by themselves; that keys and ends fit together is up to the caller.
+/// Appends a JSON document (RFC 8259) to a text, value by value. Adds commas and line breaks. The
+/// caller must write a value after each key, and match each begin with an end.
 ///
-/// A scene of 100 MB has some hundred thousand small objects: a tree of them, written at the end,
-/// would take more time and memory than the scene itself.
+/// There is no tree of the document, since for a large scene it would take more time and memory
+/// than the scene itself.
 class JsonWriter {
 public:
     explicit JsonWriter(std::string& text) : text_(text) {}
@@ -26,17 +26,18 @@ public:
     JsonWriter& beginArray() { return begin('['); }
     JsonWriter& endArray() { return end(']'); }
 
-    /// The name of the value that comes next: a word that needs no escapes.
+    /// Writes the key of the next value. It must not need escapes.
     JsonWriter& key(std::string_view name);
 
-    /// The shortest decimal that is read as the same float. It has to be finite.
+    /// Writes the shortest decimal that reads as the same float. `number` must be finite.
     JsonWriter& value(float number);
     template <std::unsigned_integral Number>
     JsonWriter& value(Number number) {
         return append(number);
     }
     JsonWriter& value(bool is);
-    /// A text in UTF-8. `<` is escaped, so that the document can stand in a script element of HTML.
+    /// Writes a text in UTF-8. Escapes `<`, so that the document can be put into an HTML script
+    /// element.
     JsonWriter& value(std::string_view text);
     JsonWriter& value(const char* text) { return value(std::string_view(text)); }
 
@@ -63,7 +64,7 @@ private:
     std::string& text_;
     std::size_t depth_ = 0, deepestBreak_ = 0;
     bool isFirst_ = true;   ///< Of the list or object.
-    bool isMember_ = false; ///< A key has been written, and its value has not.
+    bool isMember_ = false; ///< A key has been written, but not yet its value.
 };
 
 } // namespace meshcast::exporter

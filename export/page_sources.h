@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-// The files of export/page, which are parts of every page.
+// The files of export/page, which every page contains.
 
 namespace meshcast::exporter {
 

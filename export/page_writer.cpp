@@ -13,15 +13,15 @@
 #include <utility>
 #include <variant>
 
-// A page is one file: its style, three.js and the page's own script, and as data the scene as GLB
-// and the report. Its content security policy (W3C, Content Security Policy Level 3) names the
-// scripts by their hashes, so that nothing else can run, whatever a scene's texts are.
+// A page is one file with a style sheet, three.js, the page's own script, the scene as GLB and the
+// report. Its content security policy (W3C, Content Security Policy Level 3) names the scripts by
+// their hashes, so that no text of a scene can run as a script.
 
 namespace meshcast::exporter {
 
 namespace {
 
-// Where Debian's libjs-three puts them. Each adds to the object THREE that the first one makes.
+// The files of Debian's libjs-three. The first defines the object THREE, the others add to it.
 constexpr std::array kLibraryFiles = {"build/three.min.js", "examples/js/loaders/GLTFLoader.js",
                                       "examples/js/controls/OrbitControls.js"};
 constexpr std::uint64_t kLargestLibraryFile = std::uint64_t(16) * 1024 * 1024;
@@ -45,7 +45,7 @@ WHETHER IN AN ACTION OF CONTRACT, TORT OR OTHERWISE, ARISING FROM, OUT OF OR IN 
 SOFTWARE OR THE USE OR OTHER DEALINGS IN THE SOFTWARE.
 -->
 )";
-// Browsers limit the length of a text, so a large scene is in several.
+// Browsers limit the length of a text, so a large scene is split into several.
 constexpr std::size_t kPieceSize = std::size_t(3) * 1024 * 1024;
 
 struct Page {
@@ -55,7 +55,7 @@ struct Page {
     std::function<std::string()> report;
 };
 
-/// three.js as it is installed, or why there is none, as the end of a sentence.
+/// The installed three.js, or why it cannot be used, as the end of a sentence.
 std::variant<std::vector<std::string>, std::string> readLibrary() {
     std::vector<std::string> scripts;
     for (const char* const name : kLibraryFiles) {
@@ -66,7 +66,7 @@ std::variant<std::vector<std::string>, std::string> readLibrary() {
                    "); install Debian's package libjs-three";
         }
         std::string& script = std::get<std::string>(read);
-        // Browsers drop these before they compute a script's hash.
+        // Browsers remove these before they compute the hash of a script.
         script.erase(std::remove(script.begin(), script.end(), '\r'), script.end());
         if (script.find("</script") != std::string::npos ||
             script.find("<!--") != std::string::npos) {
@@ -85,7 +85,7 @@ std::string escaped(const std::string& text) {
     return html;
 }
 
-/// How the policy names a script or a style.
+/// The source expression for a script or a style in the policy.
 std::string hashSource(std::string_view text) {
     std::string hash(crypto_hash_sha256_BYTES, '\0');
     crypto_hash_sha256(reinterpret_cast<unsigned char*>(hash.data()),
@@ -103,7 +103,7 @@ std::string policyOf(const Page& page) {
     return policy + hashSource(kPageScript);
 }
 
-/// What the page's script is told, as JSON that cannot end a script element.
+/// The data for the page's script, as JSON that cannot close a script element.
 std::string dataOf(const Page& page) {
     std::string data;
     JsonWriter json(data);

@@ -3,23 +3,24 @@
 #include "export/assimp_formats.h"
 #include "export/export.h"
 
-// The writers behind exportModel, one for each library that knows formats.
+// The writers that exportModel calls.
 
 namespace meshcast::exporter {
 
-/// A file whose bytes are in memory already.
+/// A file whose bytes are already in memory.
 File fileOf(std::string name, std::string bytes);
 
-/// glTF 2.0 (Khronos; ISO/IEC 12113): one binary file, or text with its buffer and images beside.
+/// glTF 2.0 (Khronos; ISO/IEC 12113): one binary file, or JSON with its buffer and images in
+/// separate files.
 Exported writeGltf(evaluate::Model&& model, bool isBinary, const Options& options);
 
 /// A picture, as a PNG file (ISO/IEC 15948).
 Exported writePicture(evaluate::Model&& model, const Options& options);
 
-/// A page that shows the scene, with everything that it needs.
+/// An HTML page that shows the scene. It needs no other files.
 Exported writePage(evaluate::Model&& model, const Options& options);
 
-/// A format of assimp's, with everything at its place in the world.
+/// A format that assimp writes, with all shapes in world coordinates.
 Exported writeWithAssimp(evaluate::Model&& model, const AssimpFormat& format,
                          const Options& options);
 

@@ -25,7 +25,7 @@ glm::dvec3 middleOf(const evaluate::Geometry& geometry) {
     return (lowest + highest) * 0.5;
 }
 
-/// The middles of the geometries that something transparent uses.
+/// The centres of the geometries that have transparent primitives.
 std::vector<glm::dvec3> middlesOf(const Model& model) {
     std::vector<bool> isWanted(model.geometries.size());
     for (const evaluate::Mesh& mesh : model.meshes) {

@@ -7,15 +7,15 @@
 
 namespace meshcast::render {
 
-/// A primitive at the place of an instance.
+/// A primitive of an instance.
 struct Draw {
     const evaluate::Instance* instance;
     const evaluate::Primitive* primitive;
-    double distance; ///< From the eye to the middle of the box around its geometry.
+    double distance; ///< From the camera to the centre of the geometry's bounding box.
 };
 
-/// All that a model shows, in the order to draw it in: what is opaque as the scene has it, then
-/// what one sees through, from the farthest to the nearest.
+/// All primitives of a model in drawing order: opaque ones in the order of the scene, then
+/// transparent ones from the farthest to the nearest.
 std::vector<Draw> drawList(const evaluate::Model& model, const glm::dmat4& worldToEye);
 
 } // namespace meshcast::render

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// EGL 1.5 with EGL_MESA_platform_surfaceless, which Mesa has everywhere, or with
-// EGL_EXT_platform_device, which the drivers of graphics cards have.
+// Needs EGL 1.5 with EGL_MESA_platform_surfaceless, which Mesa always has, or with
+// EGL_EXT_platform_device, which other drivers of graphics cards have.
 
 namespace meshcast::render {
 
@@ -41,7 +41,7 @@ std::vector<EGLDisplay> displays() {
 } // namespace
 
 std::unique_ptr<GlContext> GlContext::create() {
-    // Mesa tells of every driver that it tries in vain, for the user of a window to see.
+    // Otherwise Mesa prints a message for each driver that it cannot use.
     setenv("EGL_LOG_LEVEL", "fatal", 0); // NOLINT(concurrency-mt-unsafe): no thread reads it
     for (const EGLDisplay display : displays()) {
         if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE) {

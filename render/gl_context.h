@@ -9,7 +9,7 @@ namespace meshcast::render {
 /// lives. It needs neither a window system nor a display.
 class GlContext {
 public:
-    /// Null when no driver of this computer gives one.
+    /// Null if no driver of this computer supports it.
     static std::unique_ptr<GlContext> create();
 
     GlContext(const GlContext&) = delete;

@@ -12,8 +12,8 @@ namespace {
 
 GLsizeiptr sizeOf(std::size_t bytes) { return static_cast<GLsizeiptr>(bytes); }
 
-/// Puts a list of a geometry into the bound buffer, and tells where to find it there; vertices
-/// without the value have the one that the program's user has set.
+/// Copies a list of a geometry to the bound buffer and sets up the vertex attribute. If the list is
+/// empty, the constant value of the attribute is used.
 template <std::size_t Width>
 void place(Attribute attribute, const std::vector<std::array<float, Width>>& values,
            std::size_t& offset) {
@@ -23,7 +23,7 @@ void place(Attribute attribute, const std::vector<std::array<float, Width>>& val
     const std::size_t bytes = values.size() * sizeof(values[0]);
     glBufferSubData(GL_ARRAY_BUFFER, sizeOf(offset), sizeOf(bytes), values.data());
     glEnableVertexAttribArray(attribute);
-    // OpenGL takes the offset in the shape of a pointer.
+    // OpenGL takes the offset as a pointer.
     const void* const at =
         reinterpret_cast<const void*>(offset); // NOLINT(performance-no-int-to-ptr)
     glVertexAttribPointer(attribute, GLint(Width), GL_FLOAT, GL_FALSE, 0, at);

@@ -7,7 +7,7 @@
 
 namespace meshcast::render {
 
-/// The vertices and indices of a geometry, as the driver has them.
+/// The vertices and indices of a geometry, uploaded to the driver.
 class GlMesh {
 public:
     explicit GlMesh(const evaluate::Geometry& geometry);

@@ -5,7 +5,7 @@
 
 namespace meshcast::render {
 
-/// The places of a vertex's values in the shaders.
+/// The locations of the vertex attributes in the shaders.
 enum Attribute : GLuint { kPosition, kNormal, kColor, kUv };
 
 /// The pair of shaders that draws everything, compiled. Needs a current context.
@@ -16,10 +16,10 @@ public:
     GlProgram& operator=(const GlProgram&) = delete;
     ~GlProgram();
 
-    /// What the compiler says is wrong; empty when the program can be used.
+    /// The compiler's error message; empty if the program can be used.
     const std::string& problem() const { return problem_; }
     void use() const { glUseProgram(program_); }
-    /// A variable of the shaders, in the words of shaders.cpp; elements of arrays as "name[2]".
+    /// The location of a uniform, by its name in shaders.cpp; elements of arrays as "name[2]".
     GLint uniform(const char* name) const { return glGetUniformLocation(program_, name); }
 
 private:

@@ -13,8 +13,8 @@ using evaluate::Pixels;
 
 namespace {
 
-/// The image with four components and rows from bottom to top, as OpenGL has them: every `step`th
-/// pixel of every `step`th row.
+/// Converts the image to four components and rows from bottom to top, as OpenGL expects. Takes
+/// every `step`th pixel of every `step`th row.
 Pixels forDriver(const Pixels& from, std::uint32_t step) {
     Pixels result{(from.width + step - 1) / step, (from.height + step - 1) / step, 4, {}};
     result.bytes.reserve(std::size_t(result.width) * result.height * 4);

@@ -7,13 +7,13 @@ namespace meshcast::render {
 
 using GlTextureName = GlName<glGenTextures, glDeleteTextures>;
 
-/// An image, as the driver has it, with smaller copies for where it is seen from afar.
+/// An image, uploaded to the driver with its mipmaps.
 class GlTexture {
 public:
-    /// An image that is damaged is white, one beyond the driver's limits coarser.
+    /// A damaged image is replaced by white. One that exceeds the driver's limits is reduced.
     explicit GlTexture(const evaluate::Image& image);
 
-    /// Puts it where the shaders look for their image.
+    /// Binds it to the texture unit that the shaders use.
     void bind(bool repeatS, bool repeatT) const;
 
 private:

@@ -17,11 +17,11 @@ namespace {
 
 constexpr float kAmbient = 0.15F;
 
-/// A light in the variables of the shaders.
+/// A light, as the uniforms of the shaders describe it.
 struct ShaderLight {
-    glm::vec4 place{0, 0, 1, 0}; ///< Where it is, or with w = 0 the direction to it.
+    glm::vec4 place{0, 0, 1, 0}; ///< Its position or, with w = 0, the direction to it.
     glm::vec3 color{1 - kAmbient};
-    glm::vec3 axis{0, 0, 1};   ///< From what it shines at to itself.
+    glm::vec3 axis{0, 0, 1};   ///< Opposite to the direction in which it shines.
     glm::vec2 cosines{-1, -1}; ///< Of a spot light's inner and outer angle.
 };
 

@@ -8,9 +8,9 @@
 
 namespace meshcast::render {
 
-/// Gives the program the light of a scene: its own lights, the first kMostLights of them and
-/// without the loss of light with distance, or a headlight where it has none; and a little from
-/// everywhere. A surface that faces the headlight shows its colour as it is.
+/// Sets the light uniforms of the program: the first kMostLights lights of the scene, without
+/// attenuation, or a headlight if it has none; and some ambient light. A surface that faces the
+/// headlight shows exactly its colour.
 void setLights(const GlProgram& program, const std::vector<evaluate::Light>& lights,
                const View& view);
 

@@ -52,7 +52,7 @@ void Painter::draw(const glm::dmat4& window) const {
     glUniformMatrix4fv(program_.uniform("projection"), 1, GL_FALSE, glm::value_ptr(projection));
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
-    // The picture's own alpha is what covers it, so that it can be laid over anything.
+    // Alpha of the picture is its coverage, so that it can be composited.
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     const evaluate::Instance* placed = nullptr;
     std::uint64_t pending = 0;
@@ -70,14 +70,13 @@ void Painter::draw(const glm::dmat4& window) const {
             pending = 0;
         }
     }
-    glDepthMask(GL_TRUE); // Clearing asks for it.
+    glDepthMask(GL_TRUE); // glClear needs it.
 }
 
 void Painter::setPlace(const evaluate::Instance& instance) const {
     const glm::dmat4 toEye = view_.worldToEye * glm::dmat4(glm::make_mat4(instance.matrix.data()));
     const double determinant = glm::determinant(glm::dmat3(toEye));
-    // The columns of the inverse transpose are short where a scene is large, and only their
-    // directions matter.
+    // Scaled, since the inverse transpose is tiny for large scenes. Only directions matter.
     glm::dmat3 normals = glm::inverseTranspose(glm::dmat3(toEye));
     normals /=
         std::max({glm::length(normals[0]), glm::length(normals[1]), glm::length(normals[2])});

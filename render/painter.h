@@ -16,16 +16,16 @@ namespace meshcast::render {
 /// Draws a model into the current framebuffer, as often as asked. Needs a current context.
 class Painter {
 public:
-    /// Hands vertices and images to the driver, and frees them.
+    /// Uploads vertices and images to the driver, and frees them in the model.
     Painter(evaluate::Model& model, const View& view);
 
-    /// What the driver says is wrong with the shaders; empty when this can draw.
+    /// The driver's error message about the shaders; empty if this can draw.
     const std::string& problem() const { return program_.problem(); }
-    /// Draws all of it. `window` takes clip coordinates to a part of the picture that is drawn now.
+    /// Draws the whole model. `window` maps clip coordinates to the part of the picture to draw.
     void draw(const glm::dmat4& window) const;
 
 private:
-    /// Where the variables of the shaders are that change from one primitive to the next.
+    /// The locations of the uniforms that differ between primitives.
     struct Places {
         GLint modelToEye, normalToEye, baseColor, emissive, specular, exponent;
         GLint isLit, hasNormals, hasImage;

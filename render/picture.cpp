@@ -21,7 +21,7 @@ using evaluate::Pixels;
 namespace {
 
 constexpr GLsizei kSamples = 4;
-// A large picture is drawn in parts, since each pixel takes forty bytes while it is drawn.
+// A large picture is drawn in parts, since drawing needs about forty bytes for each pixel.
 constexpr std::uint32_t kLargestPart = 2048;
 
 /// A part of a picture, in pixels from its lower left corner.
@@ -29,7 +29,7 @@ struct Part {
     std::uint32_t x, y, width, height;
 };
 
-/// Takes clip coordinates of the picture to those of a part.
+/// Maps clip coordinates of the picture to those of a part.
 glm::dmat4 windowOf(const Part& part, const PictureOptions& options) {
     const glm::dvec3 scale(double(options.width) / part.width, double(options.height) / part.height,
                            1);
@@ -38,7 +38,7 @@ glm::dmat4 windowOf(const Part& part, const PictureOptions& options) {
     return glm::translate(glm::scale(glm::dmat4(1.0), scale), -middle);
 }
 
-/// A framebuffer of its own memory.
+/// A framebuffer with its own memory.
 class Canvas {
 public:
     Canvas(GLsizei width, GLsizei height, GLsizei samples, bool hasDepth) {
@@ -62,7 +62,7 @@ private:
     GlRenderbuffer color_, depth_;
 };
 
-/// Draws a part and puts it into the picture, whose rows run from top to bottom.
+/// Draws a part and copies it into the picture, whose rows run from top to bottom.
 void drawPart(const Painter& painter, const Part& part, const PictureOptions& options,
               Pixels& picture) {
     const auto width = GLsizei(part.width);
@@ -97,7 +97,8 @@ void drawPart(const Painter& painter, const Part& part, const PictureOptions& op
     }
 }
 
-/// Drawing over nothing leaves colours multiplied with their alpha; PNG files have them without.
+/// Divides colours by alpha: drawing on a transparent background gives premultiplied colours, which
+/// PNG files do not have.
 void divideByAlpha(Pixels& picture) {
     for (std::size_t i = 0; i < picture.bytes.size(); i += 4) {
         const unsigned alpha = picture.bytes[i + 3];

@@ -11,8 +11,8 @@
 
 #pragma GCC visibility push(default)
 
-// Pictures of models, drawn by OpenGL ES 3.0 without a display: by the computer's graphics card
-// where its driver can be used, and by Mesa's software renderer elsewhere.
+// Pictures of models, drawn with OpenGL ES 3.0 without a display: by the graphics card if its
+// driver can be used, otherwise by Mesa's software renderer.
 
 namespace meshcast::render {
 
@@ -27,16 +27,15 @@ struct PictureOptions {
         std::array<std::uint8_t, 3>{255, 255, 255};
 };
 
-/// Draws a model as its viewers show it: with the scene's lights or, where it has none, a
-/// headlight. The pixels have four components, and no alpha but 255 unless the background is
-/// transparent.
+/// Draws a model with the scene's lights or, if it has none, a headlight. The pixels have four
+/// components; alpha is 255 unless the background is transparent.
 ///
-/// Returns, as the end of a sentence, why there is no picture otherwise: no driver can be used, its
-/// memory does not suffice, or the scene has no such camera. Pictures of different drivers differ
-/// in single pixels. Throws std::bad_alloc.
+/// On failure, returns the reason as the end of a sentence: no driver can be used, its memory is
+/// too small, or the scene has no such camera. Pictures of different drivers may differ in a few
+/// pixels. Throws std::bad_alloc.
 ///
-/// The model's vertices and images are freed as they go to the driver. Switches the driver's own
-/// log on standard error off for the process, by EGL_LOG_LEVEL, unless that variable is set.
+/// Frees the model's vertices and images once they are uploaded. Turns off the driver's log on
+/// standard error for the process, by setting EGL_LOG_LEVEL unless it is set.
 std::variant<evaluate::Pixels, std::string> drawPicture(evaluate::Model&& model,
                                                         const PictureOptions& options);
 

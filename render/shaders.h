@@ -2,11 +2,11 @@
 
 namespace meshcast::render {
 
-/// How many lights the shaders know.
+/// The most lights that the shaders support.
 inline constexpr int kMostLights = 16;
 
-// GLSL ES 3.00. Positions and directions are those of the eye: it is at the origin and looks along
-// -Z. The page that vrmlexport writes shades with the same formulas.
+// GLSL ES 3.00. Positions and directions are in camera space: the camera is at the origin and looks
+// along -Z. The pages of vrmlexport use the same formulas.
 extern const char* const kVertexShader;
 extern const char* const kFragmentShader;
 

@@ -20,11 +20,11 @@ namespace {
 
 using Bounds = std::array<Vec3, 2>;
 
-constexpr double kFitAngle = 0.7853981633974483; // An eighth of a turn, from bottom to top.
+constexpr double kFitAngle = 0.7853981633974483; // 45 degrees, vertically.
 constexpr double kFitMargin = 1.05;
 constexpr std::size_t kMostListed = 20;
 
-/// Where a view that shows all stands, seen from the middle of the scene.
+/// The direction from the centre of the scene to the camera of a view that shows all.
 struct Stand {
     std::string_view name;
     glm::dvec3 direction, up;
@@ -58,8 +58,8 @@ glm::dmat4 perspective(const glm::dvec2& tangents, double nearest, double farthe
                         tangents.y * nearest, nearest, farthest);
 }
 
-/// Scales the space of the eye so that what is farthest away is at distance 1: the driver computes
-/// in float, and scenes may be of any size.
+/// Scales camera space so that the farthest point is at distance 1, since the driver computes in
+/// float and scenes may be of any size.
 glm::dmat4 inUnitsOf(double length) { return glm::scale(glm::dmat4(1.0), glm::dvec3(1 / length)); }
 
 /// Shows the box around the scene with a margin, whatever its shape and that of the picture.
@@ -71,8 +71,8 @@ View fittedView(const Stand& stand, const Bounds& bounds, double aspectRatio) {
     const glm::dvec3 right = glm::normalize(glm::cross(stand.up, back));
     const glm::dvec3 up = glm::cross(back, right);
     const glm::dvec2 seen = tangents(kFitAngle, aspectRatio) / kFitMargin;
-    // Each corner has to be within the four sides of what is seen. Of each side, the corner counts
-    // that is farthest out when lines parallel to the side go through it.
+    // Each corner has to be inside the four side planes of the view. For each plane, the corner
+    // that is farthest out decides.
     glm::dvec2 least(0);
     glm::dvec2 most(0);
     double nearest = 0;
@@ -85,7 +85,7 @@ View fittedView(const Stand& stand, const Bounds& bounds, double aspectRatio) {
         nearest = std::max(nearest, depth);
     }
     const glm::dvec2 needed = (most - least) * 0.5 / seen;
-    // A flat scene seen from its edge may reach up to the eye.
+    // A flat scene seen from its edge may extend to the camera.
     const double distance = size > 0 ? std::max({needed.x, needed.y, nearest + size * 0.01}) : 1;
     const glm::dvec2 shift = (most + least) * 0.5;
     const glm::dvec3 target = middle + right * shift.x + up * shift.y;

@@ -1,4 +1,4 @@
-// Elements of the page. Texts of the scene only ever become the text of an element.
+// Elements of the page. Text from the scene is inserted only as text, never as HTML.
 const byId = (id) => document.getElementById(id);
 
 function element(name, text, attributes) {
@@ -8,7 +8,7 @@ function element(name, text, attributes) {
   return made;
 }
 
-/** Says on the page what went wrong; what still works stays there. */
+/** Shows an error message on the page. The rest of the page stays usable. */
 function showTrouble(text) {
   const trouble = byId('trouble');
   trouble.textContent = trouble.hidden ? text : trouble.textContent + '\n' + text;
@@ -16,7 +16,7 @@ function showTrouble(text) {
   byId('loading').hidden = true;
 }
 
-/** Appends what `make` gives for each of the items, a few hundred at a time. */
+/** Appends the elements that `make` returns for the items, a few hundred at a time. */
 function appendInPortions(list, items, make) {
   const portion = 200;
   let next = 0;
@@ -43,7 +43,7 @@ function fillTerms(list, terms) {
   }
 }
 
-/** The scene is not shown, and the page says why. */
+/** Shows why the scene cannot be shown. */
 function fail(error) {
   document.documentElement.dataset.state = 'failed';
   showTrouble('The scene cannot be shown: ' + (error && error.message ? error.message : error));

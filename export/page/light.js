@@ -1,5 +1,5 @@
 const ambientShare = 0.15;
-const mostLights = 16; // What the shaders of every graphics card can take.
+const mostLights = 16; // Every graphics card supports this many.
 
 /** The headlight, which the camera carries, and the lights of the scene. */
 class Lighting {

@@ -1,4 +1,4 @@
-/** The bytes of the scene, which the page holds in base64. */
+/** Decodes the scene, which the page contains in base64. */
 function embeddedGlb() {
   const pieces = [...document.querySelectorAll('script.glb')].map((script) => {
     const text = atob(script.textContent);
@@ -18,7 +18,7 @@ function offerDownload(blob, name) {
   };
 }
 
-/** A browser that cannot show an image still shows the rest. */
+/** Shows a white image, and a message, for each image that the browser cannot decode. */
 function forgiveImages() {
   const load = THREE.TextureLoader.prototype.load;
   THREE.TextureLoader.prototype.load = function (url, onLoad, onProgress) {

@@ -1,7 +1,7 @@
-// Short lines along the normals of what is shown.
+// Short lines along the normals of visible surfaces.
 const mostNormals = 500000;
 
-/** The normals of all visible surfaces as lines, and how many there would be. */
+/** Lines for the normals of all visible surfaces, up to a limit, and the number without the limit. */
 function normalLines(objects, length) {
   let count = 0;
   const places = [];

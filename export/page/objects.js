@@ -1,6 +1,6 @@
 // The named objects of the scene, as a tree, and the one that is selected.
 
-/** A name on the way to objects, what is under it, and the objects that bear it. */
+/** A node of the tree: a name, the objects with this name, and the names below it. */
 class TreeNode {
   constructor(name, parent) {
     this.name = name;
@@ -20,7 +20,7 @@ class TreeNode {
   }
 }
 
-/** All objects of a loaded scene under their names, which are joined by slashes. */
+/** The tree of all objects of a loaded scene. Slashes separate the parts of a name. */
 function treeOf(model) {
   const root = new TreeNode('', null);
   for (const object of model.children) {
@@ -32,7 +32,7 @@ function treeOf(model) {
   return root;
 }
 
-/** What can be drawn of an object: itself, or the parts of a mesh with several materials. */
+/** The drawable parts of an object: itself, or the parts of a mesh with several materials. */
 function partsOf(object) {
   const parts = [];
   object.traverse((part) => { if (part.isMesh || part.isLine || part.isPoints) parts.push(part); });
@@ -59,7 +59,7 @@ class Objects {
     for (const child of node.children.values()) this.collect(child);
   }
 
-  /** The objects of a node, as rows under it where it has several or other names as well. */
+  /** Rows for the objects of a node, if it has several objects or names below it. */
   rowsOf(node) {
     return node.objects.map((object, number) => ({name: (node.name === '' ? 'object ' : 'part ') + (number + 1), children: new Map(), objects: [object], all: () => [object], path: this.pathOf(node)}));
   }
@@ -96,7 +96,7 @@ class Objects {
     return item;
   }
 
-  /** The object under a place of the canvas, in coordinates from -1 to 1; selects it. */
+  /** Selects the object at a point of the canvas, in coordinates from -1 to 1. */
   pick(x, y) {
     const ray = new THREE.Raycaster();
     const reach = this.viewer.box.min.distanceTo(this.viewer.box.max) * 0.005;
@@ -111,7 +111,7 @@ class Objects {
     return this.select([object], this.pathOf(this.nodes.get(object)), undefined, hit.object);
   }
 
-  /** Shows what is known of objects; of one part of them if that was clicked. */
+  /** Shows details of objects, or of one part if that was clicked. */
   select(objects, path, button, clicked) {
     for (const pressed of byId('tree').querySelectorAll('[aria-pressed=true]')) pressed.ariaPressed = 'false';
     if (button) button.ariaPressed = 'true';

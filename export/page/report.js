@@ -1,4 +1,4 @@
-// What was repaired in the scene, and what the page does not show of it.
+// The report: repairs of the scene, and what the page does not show.
 function showReport(report) {
   const parts = [
     ['Repaired', (report.repairs || []).map((repair) => repair.file + ':' + repair.line + ': ' + repair.text)],

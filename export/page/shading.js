@@ -1,7 +1,7 @@
-// Makes three.js shade as vrmlexport's pictures do: the classical model, in linear light, shown as
-// sRGB to the letter.
+// Makes three.js shade like vrmlexport's pictures: the classical model, computed in linear light and
+// encoded as exact sRGB.
 
-/** Replaces text in three.js' shaders; a library that has changed is an error, not another picture. */
+/** Replaces text in three.js' shaders. Fails if the text is missing, rather than shade differently. */
 function replaceInShader(chunk, before, after) {
   const shader = THREE.ShaderChunk[chunk];
   if (shader.indexOf(before) < 0) throw new Error('three.js ' + THREE.REVISION + ' has other shaders than this page knows');
@@ -12,7 +12,7 @@ replaceInShader('encodings_pars_fragment', 'return vec4( pow( value.rgb, vec3( 1
 replaceInShader('encodings_pars_fragment', 'vec4 LinearToGamma(', 'vec4 LinearTosRGB( in vec4 value );\nvec4 LinearToGamma(');
 replaceInShader('bsdfs', 'return ( 1.0 - specularColor ) * fresnel + specularColor;', 'return specularColor;');
 
-/** three.js leaves out the alpha of vertices; this brings it back. */
+/** Applies the alpha of vertices, which three.js ignores. */
 function useVertexAlpha(shader) {
   shader.vertexShader = 'attribute float vertexAlpha;\nvarying float shownAlpha;\n' + shader.vertexShader.replace('void main() {', 'void main() {\nshownAlpha = vertexAlpha;');
   shader.fragmentShader = 'varying float shownAlpha;\n' + shader.fragmentShader.replace('#include <color_fragment>', '#include <color_fragment>\ndiffuseColor.a *= shownAlpha;');
@@ -29,7 +29,7 @@ function addVertexAlpha(geometry) {
   return true;
 }
 
-/** The material of the classical model for one that GLTFLoader made. */
+/** Converts a material of GLTFLoader to the classical model. */
 function classicalMaterial(material) {
   if (!material.isMeshStandardMaterial) return material;
   const specular = (material.userData.gltfExtensions || {}).KHR_materials_specular || {};
@@ -42,7 +42,7 @@ function classicalMaterial(material) {
   });
 }
 
-/** Gives every object under `root` the material that shows it as the pictures do. */
+/** Converts the materials of all objects under `root`. */
 function shadeClassically(root) {
   const made = new Map();
   root.traverse((object) => {

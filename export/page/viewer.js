@@ -1,4 +1,4 @@
-/** The canvas: draws the scene when something has changed, and moves the eye. */
+/** The canvas: draws the scene after each change, and moves the camera. */
 class Viewer {
   constructor(canvas) {
     this.canvas = canvas;
@@ -18,7 +18,7 @@ class Viewer {
 
   get aspectRatio() { return Math.max(this.canvas.clientWidth, 1) / Math.max(this.canvas.clientHeight, 1); }
 
-  /** Looks from somewhere; what controls the eye begins anew, since each view has its own up. */
+  /** Sets the view. Creates new controls, since each view has its own up direction. */
   look(view) {
     if (this.controls) this.controls.dispose();
     if (this.camera) this.scene.remove(this.camera);
@@ -29,7 +29,7 @@ class Viewer {
     this.scene.add(this.camera);
     if (this.lighting) this.lighting.carry(this.camera);
     this.controls = new THREE.OrbitControls(this.camera, this.canvas);
-    this.controls.enableKeys = false; // Only the canvas is to take them, not the whole window.
+    this.controls.enableKeys = false; // The canvas handles keys; the controls would handle those of the whole window.
     this.controls.screenSpacePanning = true;
     this.controls.target.copy(view.target);
     this.resize();
@@ -37,7 +37,7 @@ class Viewer {
     this.controls.addEventListener('change', () => this.moved());
   }
 
-  /** The eye has left the view that it was given: what is near and far follows it. */
+  /** Adapts the near and far planes after the camera has moved. */
   moved() {
     const forward = this.camera.getWorldDirection(new THREE.Vector3());
     let nearest = Infinity, farthest = 0;
@@ -81,7 +81,7 @@ class Viewer {
     });
   }
 
-  /** Turns around the target, by angles. */
+  /** Turns the camera around the target, by two angles. */
   turn(sideways, upwards) {
     const toY = new THREE.Quaternion().setFromUnitVectors(this.camera.up.clone().normalize(), new THREE.Vector3(0, 1, 0));
     const offset = this.camera.position.clone().sub(this.controls.target).applyQuaternion(toY);

@@ -1,10 +1,10 @@
-// Where the scene is seen from. The same formulas are in vrmlexport's pictures.
+// Views of the scene. vrmlexport's pictures use the same formulas.
 const fitAngle = Math.PI / 4;
 const fitMargin = 1.05;
 const stands = {
   fit: {label: 'all of it', back: new THREE.Vector3(1, 1, 1.5)},
   front: {label: 'front', back: new THREE.Vector3(0, 0, 1)},
-  // The least lean towards the front says which way is up.
+  // A view straight down has no up direction, so it leans very slightly towards the front.
   top: {label: 'top', back: new THREE.Vector3(0, 1, 1e-5)},
   left: {label: 'left', back: new THREE.Vector3(-1, 0, 0)},
 };
@@ -21,7 +21,7 @@ function tangents(angle, aspectRatio) {
   return aspectRatio < 1 ? [tangent, tangent / aspectRatio] : [tangent * aspectRatio, tangent];
 }
 
-/** A view that shows the whole box: the eye's distance from its middle, and the depths of it. */
+/** A view that shows the whole box: the distance of the camera from its centre, and its depth range. */
 function fittedView(name, box, aspectRatio) {
   const middle = box.getCenter(new THREE.Vector3());
   const size = box.min.distanceTo(box.max);
@@ -48,8 +48,9 @@ function fittedView(name, box, aspectRatio) {
 }
 
 /**
- * The view of a camera in the scene, from its definition in the file: three.js took the sizes of
- * orthographic cameras for halves. What the view turns around lies as deep as the scene's middle.
+ * The view of a camera of the scene. Reads the sizes from the file's JSON, since this three.js
+ * takes half the height of an orthographic camera (ymag) for its full height. The view turns around a point at the
+ * depth of the scene's centre.
  */
 function cameraView(camera, definition, box) {
   camera.updateWorldMatrix(true, false);

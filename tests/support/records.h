@@ -41,13 +41,13 @@ inline Bytes fromHex(const std::string& text) {
 }
 
 inline std::string header10(const std::string& data, const std::string& type,
-                             const std::string& byte_count) {
+                            const std::string& byte_count) {
     return "474d3634,z4," + data + "," + type + ",z4,z4,z4,z4,z4,z4,z4,z6 " + byte_count +
            ",z4,z4,z4,";
 }
 
 inline std::string header7(const std::string& data, const std::string& type,
-                            const std::string& byte_count) {
+                           const std::string& byte_count) {
     return "34364d47,02z3," + data + "," + type + ",z4,z4,z4,z4,z4,z4,z4," + byte_count +
            "z6,z4,00,00,";
 }

@@ -162,9 +162,8 @@ TEST_F(Geomtool, TakesMemoryForTheLargestRecordOnly) {
     // The address sanitizer would hold on to what is freed.
     setenv("ASAN_OPTIONS", "quarantine_size_mb=1", 1);
     const std::string header = records::header10("z3 20", "z3 04", "0004");
-    const Outcome many =
-        run("info --totals", records::fromHex(header + "z5 015180 z1036800").bytes,
-            "for i in $(seq 200); do cat stream; done | ");
+    const Outcome many = run("info --totals", records::fromHex(header + "z5 015180 z1036800").bytes,
+                             "for i in $(seq 200); do cat stream; done | ");
     EXPECT_EQ(many.out, "objects   200\nvertices  0\npolygons  0\nbytes     207374400\n");
     EXPECT_LT(many.peak, 100'000);
     const Outcome claim = run("info stream", records::fromHex(header + "z4 02000000").bytes);

@@ -28,7 +28,7 @@ class Interruption:
 
 
 class Folders:
-    """The folder of scenes, that of outputs, and in that the one for unfinished work.
+    """The folder of scenes, the folder of outputs, and its subfolder for unfinished work.
 
     Everything unfinished is there, so that a rename puts an output in place and one removal cleans up.
     """
@@ -59,7 +59,7 @@ class Folders:
         shutil.rmtree(os.path.join(self.work, "part"), ignore_errors=True)
 
     def finish(self):
-        """Leaves nothing but the journal of a run that is not finished."""
+        """Removes everything except the journal of an unfinished run."""
         self.clear()
         for name in ("lock", "journal.new"):
             try:
@@ -80,15 +80,15 @@ class Run:
             {gallery.NAME, gallery.NAME + ".new"} if self._has_gallery else set())
         self._scenes, self._errors = scenes.find_scenes(folders.scenes, folders.work, options.follow)
         self._names = scenes.name_outputs(self._scenes, options.to, reserved)
-        # The rows of earlier runs: the journal of an unfinished one has them all.
+        # The rows of earlier runs. The journal of an unfinished run has all of them.
         self._earlier = table.read_rows(folders.journal) or table.read_rows(folders.table)
 
     def convert(self):
-        """Converts what is to be converted. Returns the exit status."""
+        """Converts the scenes that are left. Returns the exit status."""
         for error in self._errors:
             say(f"cannot search {printable(error.filename)}: {error.strerror}")
         done = [self._earlier[printable(scene)] for scene in self._scenes if self._is_done(scene)]
-        # A table stands for a run that came to its end: the old one goes when the new journal is safe.
+        # A table means that a run has finished, so the old one is removed once the new journal is on disk.
         table.write_rows(self._folders.journal, done)
         if os.path.isfile(self._folders.table):
             os.unlink(self._folders.table)
@@ -99,7 +99,7 @@ class Run:
         return self._finish()
 
     def _is_done(self, scene):
-        """It has failed, or its outputs are there."""
+        """Whether the scene has failed or has all its outputs."""
         row = self._earlier.get(printable(scene))
         if row is None or not (self._options.resume or self._options.resume_failed):
             return False
@@ -153,7 +153,7 @@ class Run:
 
 
 class JournalTail:
-    """Counts the rows that come into a journal."""
+    """Counts the rows that are added to a journal."""
 
     def __init__(self, path):
         self._file = open(path, "rb")
@@ -174,14 +174,14 @@ def say(text):
 
 
 def programs_folder():
-    """Where the programs are that belong to this one, if they are not on PATH."""
+    """The folders of the other programs, if they are not on PATH."""
     return os.path.dirname(os.path.realpath(sys.argv[0]))
 
 
 def main(version):
     """Runs the program, and returns its exit status."""
     interruption = Interruption()
-    # Messages of other programs are to read as the manual has them.
+    # Other programs must print their messages in English, as in the manual.
     os.environ["LC_ALL"] = "C"
     try:
         options = command_line.parse(sys.argv[1:], version)

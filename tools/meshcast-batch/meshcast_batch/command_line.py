@@ -68,21 +68,21 @@ def parse(arguments, version):
     add("--version", action="version", version=f"meshcast-batch {version}",
         help="Display program version information and exit")
     add("--follow", action="store_true", help="Follow symbolic links, also those that lead out of SCENES")
-    add("--inline", action="store_true", help="Put the scenes that WWWInline names into streams")
+    add("--inline", action="store_true", help="Replace WWWInline nodes by their scenes in streams")
     add("--jobs", metavar="N", type=_jobs,
-        help="Convert N scenes at a time, or N%% of the processors; one each by default")
+        help="Convert N scenes at a time, or N%% of the number of processors; 100%% by default")
     add("--max-output", metavar="SIZE", type=_size, default="4G",
-        help="Let scenes fail that have a larger output; with K, M, G or T, 4G by default")
-    add("--resume", action="store_true", help="Go on where an earlier run was broken off")
-    add("--resume-failed", action="store_true", help="Go on, and convert anew what failed")
+        help="Fail scenes with a larger output, in bytes or with K, M, G or T; 4G by default")
+    add("--resume", action="store_true", help="Continue an interrupted run")
+    add("--resume-failed", action="store_true", help="Continue, and convert failed scenes again")
     add("--size", metavar="WIDTHxHEIGHT", type=_picture_size, default="640x480",
         help="The size of pictures in pixels; 640x480 by default")
     add("--sshlogin", metavar="HOSTS", action="append", default=[],
-        help="Spread the work over these machines, as parallel does")
-    add("--strict", action="store_true", help="Let scenes that need repairs fail")
+        help="Distribute the work over these machines, in the syntax of parallel")
+    add("--strict", action="store_true", help="Fail scenes that need repairs")
     add("--timeout", metavar="SECONDS", type=_seconds, default="600",
-        help="Let scenes fail that take longer; 600 by default, 0 for no limit")
+        help="Fail scenes that take longer; 600 by default, 0 for no limit")
     add("--to", metavar="KINDS", type=_kinds, default="geom",
-        help=f"What to write, with commas: {', '.join(KINDS)}; geom by default. With html or png, a page "
+        help=f"Formats to write, separated by commas: {', '.join(KINDS)}; geom by default. With html or png, a page "
              "index.html shows all scenes")
     return parser.parse_args(arguments)

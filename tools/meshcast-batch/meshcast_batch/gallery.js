@@ -13,7 +13,7 @@
     return Object.assign(made, attributes);
   }
 
-  /** What shows a scene at a glance: its picture, or a sign that there is none. */
+  /** The picture of a scene, or a placeholder. */
   function thumbnail(scene) {
     const best = kinds.includes('html') ? 'html' : 'png';
     if (!scene.link || (!kinds.includes('png') && best !== 'html')) return element('span', '\u2014', {className: 'empty', ariaHidden: 'true'});

@@ -25,11 +25,11 @@ def page(title, rows, names, kinds):
 
 
 def _entry(row, name):
-    # A name such as javascript:x is no address of its own after "./".
+    # With "./" before it, a name such as javascript:x is a path and not a URL scheme.
     link = "./" + urllib.parse.quote(os.fsencode(name)) if row.is_converted else None
     return [row.file, row.status, row.objects, row.vertices, row.polygons, row.repairs, row.message, link]
 
 
 def _hash(text):
-    """How a content security policy names a script or a style."""
+    """The source expression for a script or a style in a content security policy."""
     return "'sha256-" + base64.b64encode(hashlib.sha256(text.encode("utf-8")).digest()).decode("ascii") + "'"

@@ -26,7 +26,7 @@ COLUMNS = ("file", "status", "objects", "vertices", "polygons", "repairs", "seco
 
 ARGUMENTS_PER_SCENE = 3
 
-_SAID_SIZE = 4096  # Of a program's messages the first or the last of this many bytes.
+_SAID_SIZE = 4096  # The number of bytes kept of the beginning and the end of a program's messages.
 _DISTURBING = re.compile("[\\\\\0-\x1f\x7f-\x9f\u2028\u2029\ud800-\udfff]")
 _SHORT = {"\\": "\\\\", "\t": "\\t", "\n": "\\n", "\r": "\\r"}
 
@@ -49,7 +49,7 @@ class Failure(Exception):
 
 
 class Said:
-    """The beginning and the end of what a program says, however much that is."""
+    """Keeps the beginning and the end of a program's messages, of any length."""
 
     def __init__(self, pipe):
         self._head = self._tail = b""
@@ -104,13 +104,13 @@ class Clock:
 
 
 def ended(program, code, said):
-    """How a program ended that should not have."""
+    """Describes how a program ended unexpectedly."""
     how = f"was ended by signal {-code}" if code < 0 else f"ended with status {code}"
     return Failure("failed", f"{program} {how}" + (f": {said}" if said else ""))
 
 
 def sync(path, flags=os.O_RDONLY):
-    """Makes a file or folder safe from a power cut."""
+    """Flushes a file or folder to disk."""
     descriptor = os.open(path, flags)
     try:
         os.fsync(descriptor)
@@ -139,7 +139,7 @@ class Job:
                 self.row.update(status=problem.status, message=problem.message)
             else:
                 self.row["message"] = f"{problem.filename or 'the output folder'}: {problem.strerror}"
-            # An output of an earlier run would pass for this one's. Files of others stay.
+            # An output of an earlier run could be mistaken for one of this run. Other files stay.
             for kind in filter(None, earlier.split(",")):
                 try:
                     os.unlink(self._target(kind))
@@ -151,7 +151,7 @@ class Job:
         return os.path.join(self._options["output"], f"{self._name}.{kind}")
 
     def _check_scene(self):
-        """The scene is a file of the folder, or one of elsewhere if links may lead there."""
+        """Checks that the scene is a file below the folder, or anywhere with --follow."""
         try:
             real = os.path.realpath(self._scene, strict=True)
             is_file = stat.S_ISREG(os.stat(real).st_mode) and os.access(real, os.R_OK)
@@ -182,7 +182,7 @@ class Job:
 
     @staticmethod
     def _put_in_place(path, target):
-        """Renames an output to its name. A power cut leaves the whole file, or none."""
+        """Renames an output to its final name. After a power failure it is complete or absent."""
         folder = os.path.dirname(target)
         os.makedirs(folder, exist_ok=True)
         sync(path)
@@ -200,7 +200,7 @@ class Job:
         self.row.update(repairs=int(repairs.group(1)) if repairs else 0, message=first)
         if tidied == 1:
             raise Failure("refused", last.removeprefix(f"vrmltidy: ./{self._scene}: "))
-        # A program whose reader has left ends by SIGPIPE: the reader knows why.
+        # SIGPIPE means that the next program ended early; that program has the reason.
         if tidied not in (0, -signal.SIGPIPE):
             raise ended("vrmltidy", tidied, last)
         if converted != 0:
@@ -264,7 +264,7 @@ class Job:
             self.row[name] = int(count)
 
     def _make_model(self, path):
-        """Has vrmlexport write a format of its own; its report tells what that holds."""
+        """Writes a format with vrmlexport, and takes the counts from its report."""
         folder = os.path.dirname(path)
         report = os.path.join(os.path.dirname(folder), "report.json")
         size = ["--size", self._options["size"]] if path.endswith(".png") else []
@@ -284,7 +284,7 @@ class Job:
         with open(report, encoding="utf-8") as file:
             told = json.load(file) if code in (0, 1) and os.stat(report).st_size else {}
         failure = told.get("failure", "")
-        # The limit ends the program by a signal, or fails its writing.
+        # At the limit, the program ends by a signal, or a write fails.
         if code == -signal.SIGXFSZ or failure.endswith(os.strerror(errno.EFBIG)):
             raise self._too_large()
         if code == 1 and failure:

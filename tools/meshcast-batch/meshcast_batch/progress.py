@@ -1,4 +1,4 @@
-"""A line on a terminal with how far a run has come."""
+"""A line on a terminal that shows the progress of a run."""
 
 import shutil
 import sys

@@ -39,7 +39,7 @@ def find_scenes(folder, skipped, follow):
 def _is_folder(entry):
     try:
         return entry.is_dir()
-    except OSError:  # A link that leads to itself.
+    except OSError:  # A link to itself.
         return False
 
 
@@ -63,7 +63,7 @@ def name_outputs(scenes, kinds, reserved):
 
 
 def _beside(name, reserved, folders):
-    """The name with another first folder if that has a reserved name."""
+    """The name, with its first folder renamed if that is reserved."""
     first, slash, rest = name.partition("/")
     while slash and (first in reserved or (first != name.split("/")[0] and first in folders)):
         first += "_"

@@ -10,7 +10,7 @@ HEADER = "\t".join(COLUMNS)
 
 
 class Row(NamedTuple):
-    """What became of a scene. Texts are printable."""
+    """The result of a scene. Texts are printable."""
 
     file: str
     status: str  # One of STATES.
@@ -20,7 +20,7 @@ class Row(NamedTuple):
     repairs: int
     seconds: str
     message: str
-    outputs: str  # The kinds that were written, with commas between them.
+    outputs: str  # The formats that were written, separated by commas.
 
     @property
     def is_converted(self):
@@ -31,7 +31,7 @@ class Row(NamedTuple):
 
 
 def parse_row(line):
-    """The row of a line; None if no run of this program has written such a line."""
+    """The row of a line; None if the line is not valid."""
     columns = line.split("\t")
     if len(columns) == len(COLUMNS) - 1:  # Older tables, which had streams only.
         columns.append("geom" if columns[1] in ("ok", "empty") else "")
@@ -63,7 +63,7 @@ def write_rows(path, rows):
 
 
 def replace(path, text):
-    """Replaces a file in one step that a power cut cannot leave half done."""
+    """Replaces a file atomically, even if the power fails."""
     with open(path + ".new", "w", encoding="utf-8", newline="\n") as file:
         file.write(text)
         file.flush()
