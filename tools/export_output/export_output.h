@@ -26,8 +26,8 @@ std::string stemOf(const std::string& output);
 void writeNotes(exporter::JsonWriter& json, const std::vector<evaluate::Note>& notes);
 
 /// Writes the files of an export: the main one under the name `output`, or to standard output for
-/// "-", and the others beside it. Each is written in one step, the main one last: whoever finds it
-/// finds all that it names. Returns what went wrong, as FILE: WHAT; empty if nothing did.
+/// "-", and the others in the same folder. Each is replaced atomically, the main one last, so that
+/// the files that it refers to are complete. Returns an error as FILE: WHAT, or an empty text.
 std::string writeExported(const exporter::Exported& exported, const std::string& output);
 
 } // namespace meshcast

@@ -27,7 +27,7 @@ std::string footer() {
            "Exit status: 0 written, 1 nothing could be written, 2 wrong usage.";
 }
 
-/// A number of pixels; nothing when it is not one, or too large.
+/// A number of pixels; none if the text is no number or the number is too large.
 std::optional<std::uint32_t> pixelsOf(std::string_view text) {
     std::uint32_t pixels = 0;
     const char* const end = text.data() + text.size();
@@ -37,7 +37,7 @@ std::optional<std::uint32_t> pixelsOf(std::string_view text) {
     return isGood ? std::optional(pixels) : std::nullopt;
 }
 
-/// Takes a size such as "1280x720". Says what is wrong otherwise, as option checks do.
+/// Parses a size such as "1280x720". Returns an error message for other texts, as option checks do.
 std::string takeSize(const std::string& text, meshcast::render::PictureOptions& picture) {
     const std::size_t cross = text.find('x');
     const auto width = pixelsOf(std::string_view(text).substr(0, cross));
@@ -53,7 +53,7 @@ std::string takeSize(const std::string& text, meshcast::render::PictureOptions& 
     return {};
 }
 
-/// Takes a colour such as "#ffe0c0", or "transparent".
+/// Parses a colour such as "#ffe0c0", or "transparent".
 std::string takeBackground(const std::string& text, meshcast::render::PictureOptions& picture) {
     if (text == "transparent") {
         picture.background.reset();
@@ -133,14 +133,14 @@ std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& l
         }
         const auto chosen = meshcast::chooseFormat(format, line.output);
         if (!wrong.empty()) {
-            // Said already.
+            // Already reported.
         } else if (const auto* const problem = std::get_if<std::string>(&chosen)) {
             wrong = *problem;
         } else {
             line.format = std::get<0>(chosen);
         }
     } catch (const CLI::ParseError& error) {
-        // Help and version come this way too, with status 0. Other texts repeat the arguments.
+        // --help and --version get here too, with status 0. Error messages repeat the arguments.
         std::ostringstream message;
         if (app.exit(error, std::cout, message) == 0) {
             return kWritten;

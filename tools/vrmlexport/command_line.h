@@ -11,7 +11,7 @@ namespace vrmlexport {
 
 enum ExitStatus : std::uint8_t { kWritten = 0, kNothingWritten = 1, kWrongUsage = 2 };
 
-/// What the user asks for.
+/// The options and arguments of the command line.
 struct CommandLine {
     std::string scene;  ///< A file, or "-" for standard input.
     std::string output; ///< A file, or "-" for standard output.
@@ -26,11 +26,11 @@ struct CommandLine {
     bool showsProgress = false;
 };
 
-/// Takes the arguments apart. Gives the status to end with instead when there is nothing to do:
-/// help has been asked for and printed, or wrong usage reported.
+/// Parses the arguments. Returns the exit status instead if the program has to end: help was
+/// printed, or wrong usage was reported.
 std::optional<ExitStatus> parseCommandLine(int argc, char** argv, CommandLine& line);
 
-/// The folder outside of which nothing is read.
+/// The folder that textures and inlined scenes are read from.
 std::string rootOf(const CommandLine& line);
 
 } // namespace vrmlexport

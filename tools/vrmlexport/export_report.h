@@ -16,36 +16,36 @@
 
 namespace vrmlexport {
 
-/// What a model holds, in numbers. Meshes count as often as they are placed.
+/// The numbers of things in a model. A mesh counts once for each instance.
 struct ModelCounts {
     std::uint64_t meshes = 0, instances = 0, materials = 0, images = 0, cameras = 0, lights = 0;
     std::uint64_t vertices = 0, triangles = 0, lines = 0, points = 0;
-    /// The least and the greatest placed coordinates; none without instances.
+    /// The bounding box of all instances; none without instances.
     std::optional<std::array<meshcast::evaluate::Vec3, 2>> bounds;
 };
 
 ModelCounts countsOf(const meshcast::evaluate::Model& model);
 
-/// Tells on standard error what happens to a scene, and keeps it for a report as JSON.
+/// Reports what happens to a scene on standard error, and collects it for a report as JSON.
 class ExportReport {
 public:
     explicit ExportReport(const CommandLine& line)
         : line_(line), lines_(line.isQuiet), messages_(*this) {}
 
-    /// A repair of the scene, and then how many there were.
+    /// Adds a repair of the scene; the other function, their number.
     void add(const meshcast::tidy::Message& repair);
     void addRepairCount(std::size_t count);
-    /// Where messages of the reader and the walk go.
+    /// The receiver of messages of the reader and the walk.
     meshcast::Diagnostics& messages() { return messages_; }
-    /// What the model or the format does not show as the scene has it.
+    /// Adds notes about what the model or the format cannot show like the scene.
     void addNotes(const std::vector<meshcast::evaluate::Note>& notes);
     void addCounts(const ModelCounts& counts) { counts_ = counts; }
-    /// The reason why nothing is written, as FILE: WHAT. Never quiet.
+    /// Adds the reason why nothing is written, as FILE: WHAT. Printed even with --quiet.
     void fail(const std::string& reason);
 
-    /// What a page tells of the scene: repairs, messages and notes as a JSON object.
+    /// The repairs, messages and notes that a page shows, as a JSON object.
     std::string pageJson() const;
-    /// Writes the JSON file, if there is to be one. False, and a message, if that fails.
+    /// Writes the JSON file if one was asked for. On failure, prints a message and returns false.
     bool write();
 
 private:

@@ -23,8 +23,8 @@ namespace {
 namespace evaluate = meshcast::evaluate;
 namespace exporter = meshcast::exporter;
 
-/// Keeps an object for as long as the process lasts, which is faster than taking a large one apart.
-/// The first one only, of each type; leak checkers find it by the pointer.
+/// Keeps an object until the process ends, which is faster than destroying a large one. Only the
+/// first object of each type; leak checkers find it by the pointer.
 template <typename Object>
 const Object& keptForGood(std::unique_ptr<const Object> object) {
     static const Object* volatile kept = object.release();
@@ -88,9 +88,9 @@ ExitStatus run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
 #ifdef __GLIBC__
-    // A scene, its model and its file are as large as one another and needed one after the other.
-    // What one gives back is kept for the next: otherwise every page goes to the system and comes
-    // back empty, which takes a tenth of the time.
+    // The scene, its model and the file are of similar size and needed one after the other. Freed
+    // memory is kept for the next of them: returning every page to the system and getting it back
+    // would take a tenth of the time.
     constexpr int kKeep = std::numeric_limits<int>::max();
     mallopt(M_MMAP_THRESHOLD, kKeep);
     mallopt(M_TRIM_THRESHOLD, kKeep);

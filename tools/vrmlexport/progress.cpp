@@ -15,7 +15,7 @@ using std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kDelay(1000), kInterval(100);
 constexpr int kBarWidth = 40;
 
-/// Where the bar stands when a step begins and ends, by how long the steps usually take.
+/// The position of the bar at the beginning and end of each step, by the usual time of the steps.
 struct StepInfo {
     std::string_view name;
     double begin, end;

@@ -13,9 +13,8 @@ namespace vrmlexport {
 /// The work of an export, step by step. A scene that needs repair is read twice.
 enum class Step : std::uint8_t { kReading, kRepairing, kReadingAgain, kPlacing, kWriting };
 
-/// A line on a terminal with what is being done, a bar, and the time it has taken, once that is a
-/// second. A thread draws it, so that the clock goes on whatever a step does. It is gone when the
-/// work is done.
+/// A line on a terminal with the current step, a bar and the elapsed time, shown after one second
+/// and removed at the end. A thread draws it, so that the clock continues during long steps.
 class Progress {
 public:
     /// Shows nothing unless standard error is a terminal.
@@ -25,9 +24,9 @@ public:
     ~Progress();
 
     void begin(Step step);
-    /// Tells how much of the step is done.
+    /// Sets how much of the step is done.
     void advance(std::uint64_t done, std::uint64_t all);
-    /// Takes the line away until the next step begins, for other text to be written.
+    /// Removes the line until the next step begins, so that other text can be printed.
     void clear();
 
 private:

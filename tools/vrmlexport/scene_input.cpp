@@ -22,9 +22,9 @@
 #include <utility>
 #include <variant>
 
-// Most scenes need no repair, and to tidy one of 100 MB takes a third as long as everything else.
-// So a scene is read as it is first. It is tidied and read again only if there was a message, or if
-// something might be left out.
+// Most scenes need no repair, and tidying a large one takes a third of the time of everything else.
+// So a scene is first read without tidying. It is tidied and read again only if there was a
+// message, or if something might be left out.
 
 namespace vrmlexport {
 
@@ -32,7 +32,7 @@ namespace {
 
 using meshcast::Scene;
 
-/// Passes bytes on, shows how far the reader has come, and notices a word among them.
+/// Passes bytes to the reader, shows its progress, and looks for a word in the bytes.
 class WatchedSource final : public meshcast::ByteSource {
 public:
     WatchedSource(meshcast::ByteSource& source, std::uint64_t size, Progress& progress)
@@ -41,7 +41,7 @@ public:
     std::size_t read(char* buffer, std::size_t capacity) override {
         const std::size_t count = source_.read(buffer, std::min(capacity, kPieceSize));
         const std::string_view piece(buffer, count);
-        // The word may begin in the last piece.
+        // The word may begin in the previous block.
         const std::string seam = tail_ + std::string(piece.substr(0, kInline.size() - 1));
         hasInlines_ = hasInlines_ || seam.find(kInline) != std::string::npos ||
                       piece.find(kInline) != std::string_view::npos;
@@ -66,7 +66,7 @@ private:
     bool hasInlines_ = false;
 };
 
-/// Notices that there was a message.
+/// Remembers whether there was a message.
 class AnyMessage final : public meshcast::Diagnostics {
 public:
     void report(const meshcast::Diagnostic& /*diagnostic*/) override { isReported = true; }
@@ -75,7 +75,7 @@ public:
 };
 
 /// Reads a scene that needs no repair: there is no message, nothing after the root, and no node
-/// that the tidier would replace. Null if it is none.
+/// that the tidier would replace. Null for other scenes.
 std::unique_ptr<Scene> readGoodScene(WatchedSource& source, bool withInlines) {
     auto scene = std::make_unique<Scene>();
     AnyMessage messages;
@@ -89,8 +89,8 @@ std::unique_ptr<Scene> readGoodScene(WatchedSource& source, bool withInlines) {
     return hasMore || (withInlines && source.hasInlines()) ? nullptr : std::move(scene);
 }
 
-/// The same straight from a file, so that its text takes no memory. What cannot be read twice is
-/// not looked at.
+/// The same directly from a file, so that its text takes no memory. Null for pipes and other
+/// files that cannot be read twice.
 std::unique_ptr<Scene> readGoodFile(const std::string& name, bool withInlines, Progress& progress) {
     const meshcast::io::Descriptor file(
         name == "-" ? -1 : ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
@@ -117,7 +117,7 @@ std::unique_ptr<Scene> readStrictly(const std::string& text, ExportReport& repor
     return meshcast::readScene(*scene, source, report.messages()) ? std::move(scene) : nullptr;
 }
 
-/// Repairs a scene; nothing if that cannot be done, which is reported.
+/// Repairs a scene. If that is not possible, reports why and returns nothing.
 std::optional<std::string> repaired(std::string text, const CommandLine& line, ExportReport& report,
                                     Progress& progress) {
     progress.begin(Step::kRepairing);

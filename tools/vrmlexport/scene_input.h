@@ -9,8 +9,8 @@
 
 namespace vrmlexport {
 
-/// The scene that the command line names, repaired and with the scenes that it names in their
-/// places unless that is not wanted. Null if it cannot be read, which has been reported.
+/// Reads the scene of the command line, repairs it, and replaces WWWInline nodes by the scenes that
+/// they name, as the options say. Null, with a report, if it cannot be read.
 std::unique_ptr<meshcast::Scene> readInput(const CommandLine& line, ExportReport& report,
                                            Progress& progress);
 
