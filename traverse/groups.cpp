@@ -11,10 +11,6 @@ namespace {
 void traverseAll(const QvGroup& group, QvState& state) {
     const std::int32_t count = group.getNumChildren();
     for (std::int32_t i = 0; i < count; ++i) {
-        // Children that USE names may lie anywhere in memory.
-        if (i + 1 < count) {
-            __builtin_prefetch(group.getChild(i + 1));
-        }
         group.getChild(i)->traverse(state);
     }
 }

@@ -134,35 +134,13 @@ void putRaw(GEOMstream* stream, T value) {
     stream->sink(stream, &word, sizeof word);
 }
 
-// Encodes `n` values into `out`. The compiler vectorises this loop if the instruction set allows
-// it.
+// Encodes `n` values into `out`.
 template <std::endian Order, class T>
-[[gnu::always_inline]] inline void encode(unsigned char* out, const T* values, std::size_t n) {
+void encode(unsigned char* out, const T* values, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
         const auto word = ordered<Order>(std::bit_cast<WordOf<T>>(values[i]));
         std::memcpy(out + i * sizeof word, &word, sizeof word);
     }
-}
-
-#ifdef __x86_64__
-// The base instruction set can swap the bytes of only one word at a time.
-template <class T>
-[[gnu::target("avx2")]] void encodeBigWithAvx2(unsigned char* out, const T* values, std::size_t n) {
-    encode<std::endian::big>(out, values, n);
-}
-
-const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-#endif
-
-template <class T>
-void encodeBig(unsigned char* out, const T* values, std::size_t n) {
-#ifdef __x86_64__
-    if (hasAvx2) {
-        encodeBigWithAvx2(out, values, n);
-        return;
-    }
-#endif
-    encode<std::endian::big>(out, values, n);
 }
 
 // `putOne` writes a value that crosses the end of a piece.
@@ -185,7 +163,7 @@ void putArray(GEOMstream* stream, const T* values, std::int64_t n, bool raw,
         if (raw)
             encode<std::endian::little>(out, values, count);
         else
-            encodeBig(out, values, count);
+            encode<std::endian::big>(out, values, count);
         if (inPlace)
             advance(*stream, count * sizeof(T));
         else

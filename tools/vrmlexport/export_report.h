@@ -32,7 +32,7 @@ public:
     explicit ExportReport(const CommandLine& line)
         : line_(line), lines_(line.isQuiet), messages_(*this) {}
 
-    /// Adds a repair of the scene; the other function, their number.
+    /// Adds a repair of the scene, or the number of all repairs.
     void add(const meshcast::tidy::Message& repair);
     void addRepairCount(std::size_t count);
     /// The receiver of messages of the reader and the walk.
