@@ -1,8 +1,10 @@
 # Finds libtirpc and makes the target Tirpc::Tirpc. From the archive, not the shared library: the filter
 # is started for each scene, and the shared library loads seven others for services that are not used.
-# Shared libraries need code that can be loaded anywhere, which the archive does not have.
+# Shared libraries need code that can be loaded anywhere, which the archive does not have. The sanitizers'
+# runtimes define the functions of XDR themselves, so the archive's would not be linked, and look for the
+# real ones in shared libraries only.
 find_path(TIRPC_INCLUDE_DIR rpc/xdr.h PATH_SUFFIXES tirpc)
-if(BUILD_SHARED_LIBS)
+if(BUILD_SHARED_LIBS OR MESHCAST_SANITIZE OR CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   find_library(TIRPC_LIBRARY NAMES tirpc)
 else()
   find_library(TIRPC_LIBRARY NAMES libtirpc.a tirpc)
