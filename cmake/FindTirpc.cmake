@@ -5,17 +5,19 @@
 # real ones in shared libraries only.
 find_path(TIRPC_INCLUDE_DIR rpc/xdr.h PATH_SUFFIXES tirpc)
 if(BUILD_SHARED_LIBS OR MESHCAST_SANITIZE OR CMAKE_CXX_FLAGS MATCHES "-fsanitize")
-  find_library(TIRPC_LIBRARY NAMES tirpc)
+  set(tirpc_kind TIRPC_SHARED_LIBRARY)
+  find_library(TIRPC_SHARED_LIBRARY NAMES tirpc)
 else()
+  set(tirpc_kind TIRPC_LIBRARY)
   find_library(TIRPC_LIBRARY NAMES libtirpc.a tirpc)
 endif()
-mark_as_advanced(TIRPC_INCLUDE_DIR TIRPC_LIBRARY)
+mark_as_advanced(TIRPC_INCLUDE_DIR TIRPC_LIBRARY TIRPC_SHARED_LIBRARY)
 
 include(FindPackageHandleStandardArgs)
-find_package_handle_standard_args(Tirpc REQUIRED_VARS TIRPC_LIBRARY TIRPC_INCLUDE_DIR)
+find_package_handle_standard_args(Tirpc REQUIRED_VARS ${tirpc_kind} TIRPC_INCLUDE_DIR)
 if(Tirpc_FOUND AND NOT TARGET Tirpc::Tirpc)
   add_library(Tirpc::Tirpc UNKNOWN IMPORTED)
   set_target_properties(Tirpc::Tirpc PROPERTIES
-    IMPORTED_LOCATION "${TIRPC_LIBRARY}"
+    IMPORTED_LOCATION "${${tirpc_kind}}"
     INTERFACE_INCLUDE_DIRECTORIES "${TIRPC_INCLUDE_DIR}")
 endif()
