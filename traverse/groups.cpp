@@ -9,9 +9,8 @@ namespace meshcast {
 namespace {
 
 void traverseAll(const QvGroup& group, QvState& state) {
-    const std::int32_t count = group.getNumChildren();
-    for (std::int32_t i = 0; i < count; ++i) {
-        group.getChild(i)->traverse(state);
+    for (const QvNode* const child : group.getChildList()) {
+        child->traverse(state);
     }
 }
 

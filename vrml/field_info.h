@@ -63,6 +63,12 @@ enum class FieldType : std::uint8_t {
     kSFVec3f,
 };
 
+/// Whether fields of the type own memory: lists, images and texts.
+constexpr bool ownsMemory(FieldType type) {
+    return type <= FieldType::kMFVec3f || type == FieldType::kSFImage ||
+           type == FieldType::kSFString;
+}
+
 /// What the nodes of a class do when the scene is walked.
 enum class NodeKind : std::uint8_t {
     kShape,    ///< Is geometry.

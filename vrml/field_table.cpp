@@ -51,17 +51,14 @@ void FieldTable::add(const FieldEntry& entry) {
     appendDoubling(fields_, entry);
 }
 
-QvField* FieldTable::findField(QvNode& node, InternedName name) const {
-    const FieldEntry* entry = nullptr;
+const FieldTable::FieldEntry* FieldTable::findField(InternedName name) const {
     if (places_ != nullptr) {
         const auto found = places_->find(name.number());
-        entry = found == places_->end() ? nullptr : &fields_[found->second];
-    } else {
-        const auto found = std::find_if(fields_.begin(), fields_.end(),
-                                        [name](const auto& each) { return each.name == name; });
-        entry = found == fields_.end() ? nullptr : &*found;
+        return found == places_->end() ? nullptr : &fields_[found->second];
     }
-    return entry == nullptr ? nullptr : &entry->of(node);
+    const auto found = std::find_if(fields_.begin(), fields_.end(),
+                                    [name](const auto& each) { return each.name == name; });
+    return found == fields_.end() ? nullptr : &*found;
 }
 
 } // namespace meshcast

@@ -25,6 +25,8 @@ public:
         QvField* declared;     ///< The field that a scene declares; null for one of the catalogue.
 
         QvField& of(QvNode& node) const { return declared != nullptr ? *declared : info->of(node); }
+        /// The words that the field accepts; null for one that a scene declares.
+        const Enumeration* words() const { return info == nullptr ? nullptr : info->words; }
     };
 
     FieldTable() = default;
@@ -41,9 +43,9 @@ public:
     void addField(InternedName name, FieldType type, QvField& field) {
         add({name, type, nullptr, &field});
     }
-    /// The field of that name in a node that the table is for, or null when the table has none. Of
-    /// two fields of one name the first is found.
-    QvField* findField(QvNode& node, InternedName name) const;
+    /// The field of that name, or null when the table has none. Of two fields of one name the
+    /// first is found.
+    const FieldEntry* findField(InternedName name) const;
 
 private:
     void add(const FieldEntry& entry);

@@ -43,14 +43,18 @@ bool readFloat(VrmlInput& input, float& value) {
 bool readScalar(VrmlInput& input, float& value) { return readFloat(input, value); }
 bool readScalar(VrmlInput& input, std::int32_t& value) { return input.readInteger(value); }
 
-} // namespace
-
-bool QvField::readText(VrmlInput& input) {
-    return (flags_ & kIsList) != 0 ? static_cast<QvMField*>(this)->readAll(input)
-                                   : static_cast<QvSField*>(this)->readValue(input);
+/// Looks a word up in an enumeration; false when it is not there.
+bool findWord(const Enumeration* words, InternedName word, std::int32_t& value) {
+    const EnumWord* const entry = words == nullptr ? nullptr : words->find(word.view());
+    if (entry != nullptr) {
+        value = entry->value;
+    }
+    return entry != nullptr;
 }
 
-bool readField(VrmlInput& input, QvField& field, InternedName name) {
+} // namespace
+
+bool readField(VrmlInput& input, QvField& field, InternedName name, const Enumeration* words) {
     field.setIsDefault(false);
     if (skipTo(input, '~')) {
         field.setIsDefault(true);
@@ -58,7 +62,7 @@ bool readField(VrmlInput& input, QvField& field, InternedName name) {
         return true;
     }
     field.setIgnored(false);
-    if (!field.readText(input)) {
+    if (!field.readText(input, words)) {
         input.readError("Couldn't read value for field \"%s\"", name.c_str());
         return false;
     }
@@ -71,33 +75,59 @@ bool readField(VrmlInput& input, QvField& field, InternedName name) {
 namespace {
 
 template <class Field>
-std::unique_ptr<QvField> makeField() {
-    return std::make_unique<Field>();
+QvField* makeField() {
+    return new Field();
 }
 
+template <class Field>
+void destroyField(QvField* field) {
+    delete static_cast<Field*>(field);
+}
+
+template <class Field>
+bool readTextOf(QvField& field, VrmlInput& input, const Enumeration* words) {
+    auto& typed = static_cast<Field&>(field);
+    if constexpr (std::is_base_of_v<QvMField, Field>) {
+        return typed.readAll(input);
+    } else if constexpr (Field::kType == FieldType::kSFEnum ||
+                         Field::kType == FieldType::kSFBitMask) {
+        return typed.readValue(input, words);
+    } else {
+        return typed.readValue(input);
+    }
+}
+
+/// What differs from type to type.
 struct TypeInfo {
     std::string_view name;
-    std::unique_ptr<QvField> (*make)();
+    QvField* (*make)();
+    void (*destroy)(QvField* field);
+    bool (*readText)(QvField& field, VrmlInput& input, const Enumeration* words);
 };
+
+template <class Field>
+constexpr TypeInfo typeInfo(std::string_view name) {
+    return {name, makeField<Field>, destroyField<Field>, readTextOf<Field>};
+}
 
 /// By FieldType.
 constexpr TypeInfo kTypes[] = {
-    {"MFColor", makeField<QvMFColor>},   {"MFFloat", makeField<QvMFFloat>},
-    {"MFLong", makeField<QvMFLong>},     {"MFVec2f", makeField<QvMFVec2f>},
-    {"MFVec3f", makeField<QvMFVec3f>},   {"SFBitMask", makeField<QvSFBitMask>},
-    {"SFBool", makeField<QvSFBool>},     {"SFColor", makeField<QvSFColor>},
-    {"SFEnum", makeField<QvSFEnum>},     {"SFFloat", makeField<QvSFFloat>},
-    {"SFImage", makeField<QvSFImage>},   {"SFLong", makeField<QvSFLong>},
-    {"SFMatrix", makeField<QvSFMatrix>}, {"SFRotation", makeField<QvSFRotation>},
-    {"SFString", makeField<QvSFString>}, {"SFVec2f", makeField<QvSFVec2f>},
-    {"SFVec3f", makeField<QvSFVec3f>},
+    typeInfo<QvMFColor>("MFColor"),   typeInfo<QvMFFloat>("MFFloat"),
+    typeInfo<QvMFLong>("MFLong"),     typeInfo<QvMFVec2f>("MFVec2f"),
+    typeInfo<QvMFVec3f>("MFVec3f"),   typeInfo<QvSFBitMask>("SFBitMask"),
+    typeInfo<QvSFBool>("SFBool"),     typeInfo<QvSFColor>("SFColor"),
+    typeInfo<QvSFEnum>("SFEnum"),     typeInfo<QvSFFloat>("SFFloat"),
+    typeInfo<QvSFImage>("SFImage"),   typeInfo<QvSFLong>("SFLong"),
+    typeInfo<QvSFMatrix>("SFMatrix"), typeInfo<QvSFRotation>("SFRotation"),
+    typeInfo<QvSFString>("SFString"), typeInfo<QvSFVec2f>("SFVec2f"),
+    typeInfo<QvSFVec3f>("SFVec3f"),
 };
+
+const TypeInfo& infoOf(FieldType type) { return kTypes[static_cast<std::size_t>(type)]; }
 
 } // namespace
 
-std::string_view fieldTypeName(FieldType type) {
-    return kTypes[static_cast<std::size_t>(type)].name;
-}
+std::string_view fieldTypeName(FieldType type) { return infoOf(type).name; }
 
 std::optional<FieldType> findFieldType(std::string_view name) {
     const auto* const found =
@@ -109,9 +139,13 @@ std::optional<FieldType> findFieldType(std::string_view name) {
     return static_cast<FieldType>(found - std::begin(kTypes));
 }
 
-std::unique_ptr<QvField> createField(FieldType type) {
-    return kTypes[static_cast<std::size_t>(type)].make();
+bool QvField::readText(VrmlInput& input, const Enumeration* words) {
+    return infoOf(type_).readText(*this, input, words);
 }
+
+void FieldDeleter::operator()(QvField* field) const { infoOf(field->type()).destroy(field); }
+
+OwnedField createField(FieldType type) { return OwnedField(infoOf(type).make()); }
 
 // ---- single values
 
@@ -153,27 +187,19 @@ bool QvSFBool::readValue(VrmlInput& input) {
     return false;
 }
 
-bool QvSFEnum::findWord(InternedName word, std::int32_t& found) const {
-    const EnumWord* const entry = words_ == nullptr ? nullptr : words_->find(word.view());
-    if (entry != nullptr) {
-        found = entry->value;
-    }
-    return entry != nullptr;
-}
-
-bool QvSFEnum::readValue(VrmlInput& input) {
+bool QvSFEnum::readValue(VrmlInput& input, const Enumeration* words) {
     InternedName word;
     if (!input.readName(word)) {
         return false;
     }
-    if (!findWord(word, value)) {
+    if (!findWord(words, word, value)) {
         input.readError("Unknown QvSFEnum enumeration value \"%s\"", word.c_str());
         return false;
     }
     return true;
 }
 
-bool QvSFBitMask::readValue(VrmlInput& input) {
+bool QvSFBitMask::readValue(VrmlInput& input, const Enumeration* words) {
     value = 0;
     const bool list = skipTo(input, '(');
     for (;;) {
@@ -183,7 +209,7 @@ bool QvSFBitMask::readValue(VrmlInput& input) {
         }
         std::int32_t bits = 0;
         // Inside parentheses a word may be missing: "( )" and "( A | | B )" are masks.
-        if (!(list && word.empty()) && !findWord(word, bits)) {
+        if (!(list && word.empty()) && !findWord(words, word, bits)) {
             input.readError("Unknown QvSFBitMask bit mask value \"%s\"", word.c_str());
             return false;
         }
@@ -235,8 +261,8 @@ bool QvSFString::readValue(VrmlInput& input) { return input.readString(value); }
 // ---- lists
 
 template <class Scalar, std::size_t Width>
-QvMFieldOf<Scalar, Width>::QvMFieldOf(const std::array<Scalar, Width>& initial)
-    : initial_(initial), values(initial_.data()) {
+QvMFieldOf<Scalar, Width>::QvMFieldOf(FieldType type, const Initial& initial)
+    : QvMField(type), initial_(initial), values(initial_.data()) {
     num = 1;
     maxNum = 1;
 }

@@ -17,16 +17,18 @@
 namespace meshcast {
 
 /// The base of all fields: a typed value of a node, with a default. The kType of each field class
-/// below names its type.
+/// below names its type. A field keeps its type in one byte instead of having virtual operations,
+/// because the pointer to those would be the largest part of most fields.
 class QvField {
 public:
-    QvField() = default;
     QvField(const QvField&) = delete;
     QvField& operator=(const QvField&) = delete;
-    virtual ~QvField() = default;
+
+    FieldType type() const { return type_; }
 
     /// Reads the text of the field's value, one value or a list. False when it cannot be read.
-    bool readText(VrmlInput& input);
+    /// `words` are those that the field accepts if it is an SFEnum or SFBitMask; null for none.
+    bool readText(VrmlInput& input, const Enumeration* words);
 
     /// Set while the field holds its default: no value has been read for it.
     bool isDefault() const { return (flags_ & kIsDefault) != 0; }
@@ -35,54 +37,68 @@ public:
     bool ignored() const { return (flags_ & kIgnored) != 0; }
     void setIgnored(bool on) { setFlag(kIgnored, on); }
 
+protected:
+    explicit QvField(FieldType type) : type_(type) {}
+    ~QvField() = default;
+
 private:
-    static constexpr std::uint32_t kIsDefault = 1;
-    static constexpr std::uint32_t kIgnored = 2;
-    static constexpr std::uint32_t kIsList = 4; // A QvMField.
+    static constexpr unsigned kIsDefault = 1;
+    static constexpr unsigned kIgnored = 2;
 
-    friend class QvMField;
+    void setFlag(unsigned flag, bool on) {
+        flags_ = static_cast<std::uint8_t>(on ? flags_ | flag : flags_ & ~flag);
+    }
 
-    void setFlag(std::uint32_t flag, bool on) { flags_ = on ? flags_ | flag : flags_ & ~flag; }
-
-    std::uint32_t flags_ = kIsDefault;
+    FieldType type_;
+    std::uint8_t flags_ = kIsDefault;
 };
 
 /// Reads a field whose name has been read: its value, and a `~` instead of it or after it, which
-/// marks the field as ignored. Reports a value that cannot be read.
-bool readField(VrmlInput& input, QvField& field, InternedName name);
+/// marks the field as ignored. Reports a value that cannot be read. `words` as in readText.
+bool readField(VrmlInput& input, QvField& field, InternedName name,
+               const Enumeration* words = nullptr);
 
 /// A field type's name, as in `fields` declarations: "SFFloat".
 std::string_view fieldTypeName(FieldType type);
 /// The type of that name, if there is one.
 std::optional<FieldType> findFieldType(std::string_view name);
-/// Makes an empty field.
-std::unique_ptr<QvField> createField(FieldType type);
+/// Destroys a field as what its type says.
+struct FieldDeleter {
+    void operator()(QvField* field) const;
+};
+using OwnedField = std::unique_ptr<QvField, FieldDeleter>;
 
-/// A field of one value.
+/// Makes an empty field.
+OwnedField createField(FieldType type);
+
+/// A field of one value. Its readValue reads the value. The comment of each type lists the errors
+/// that it reports; on failure the caller reports that the field could not be read.
 class QvSField : public QvField {
-public:
-    /// Reads the value. The comment of each type lists the errors that it reports. On failure the
-    /// caller reports that the field could not be read.
-    virtual bool readValue(VrmlInput& input) = 0;
+protected:
+    using QvField::QvField;
 };
 
 /// A field of `Count` reals, stored as floats in the order read.
 template <std::size_t Count>
 class QvSFReals : public QvSField {
 public:
-    QvSFReals() = default;
-    explicit QvSFReals(const std::array<float, Count>& initial) : value(initial) {}
-    bool readValue(VrmlInput& input) final;
+    using Initial = std::array<float, Count>;
 
-    std::array<float, Count> value{};
+    bool readValue(VrmlInput& input);
+
+    std::array<float, Count> value;
+
+protected:
+    explicit QvSFReals(FieldType type, const Initial& initial = {})
+        : QvSField(type), value(initial) {}
 };
 
 class QvSFFloat final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFFloat;
 
-    explicit QvSFFloat(float initial = 0) : value(initial) {}
-    bool readValue(VrmlInput& input) override;
+    explicit QvSFFloat(float initial = 0) : QvSField(kType), value(initial) {}
+    bool readValue(VrmlInput& input);
 
     float value;
 };
@@ -91,8 +107,8 @@ class QvSFLong final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFLong;
 
-    explicit QvSFLong(std::int32_t initial = 0) : value(initial) {}
-    bool readValue(VrmlInput& input) override;
+    explicit QvSFLong(std::int32_t initial = 0) : QvSField(kType), value(initial) {}
+    bool readValue(VrmlInput& input);
 
     std::int32_t value;
 };
@@ -102,40 +118,35 @@ class QvSFBool final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFBool;
 
-    explicit QvSFBool(bool initial = false) : value(initial ? 1 : 0) {}
-    bool readValue(VrmlInput& input) override;
+    explicit QvSFBool(bool initial = false) : QvSField(kType), value(initial ? 1 : 0) {}
+    bool readValue(VrmlInput& input);
 
     std::int32_t value;
 };
 
 /// One word of an enumeration. Reports a word that the enumeration does not hold.
-class QvSFEnum : public QvSField {
+class QvSFEnum final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFEnum;
 
-    QvSFEnum() = default;
-    QvSFEnum(const Enumeration& words, std::int32_t initial) : value(initial), words_(&words) {}
-    bool readValue(VrmlInput& input) override;
+    explicit QvSFEnum(std::int32_t initial = 0) : QvSField(kType), value(initial) {}
+    /// Null for `words` accepts none.
+    bool readValue(VrmlInput& input, const Enumeration* words);
 
-    std::int32_t value = 0;
-
-protected:
-    /// Looks a word up in the field's enumeration; false when it is not there.
-    bool findWord(InternedName word, std::int32_t& found) const;
-
-private:
-    /// The accepted words; null for a field that a scene declares, which accepts none.
-    const Enumeration* words_ = nullptr;
+    std::int32_t value;
 };
 
 /// Words of an enumeration combined by OR: one word, or words between parentheses separated by `|`.
 /// Reports an unknown word and a list that is not closed.
-class QvSFBitMask final : public QvSFEnum {
+class QvSFBitMask final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFBitMask;
 
-    using QvSFEnum::QvSFEnum;
-    bool readValue(VrmlInput& input) override;
+    explicit QvSFBitMask(std::int32_t initial = 0) : QvSField(kType), value(initial) {}
+    /// Null for `words` accepts none.
+    bool readValue(VrmlInput& input, const Enumeration* words);
+
+    std::int32_t value;
 };
 
 /// An image: width, height, bytes per pixel, then a number for each pixel whose lowest bytes are
@@ -144,7 +155,8 @@ class QvSFImage final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFImage;
 
-    bool readValue(VrmlInput& input) override;
+    QvSFImage() : QvSField(kType) {}
+    bool readValue(VrmlInput& input);
 
     /// The bytes of the pixels in input order: `components` bytes per pixel, but at most the four
     /// that a number has.
@@ -162,8 +174,8 @@ class QvSFString final : public QvSField {
 public:
     static constexpr FieldType kType = FieldType::kSFString;
 
-    explicit QvSFString(const char* initial = "") : value(initial) {}
-    bool readValue(VrmlInput& input) override;
+    explicit QvSFString(const char* initial = "") : QvSField(kType), value(initial) {}
+    bool readValue(VrmlInput& input);
 
     std::string value;
 };
@@ -171,38 +183,38 @@ public:
 /// A field of any number of values, written as a list in brackets or as one bare value.
 class QvMField : public QvField {
 public:
-    QvMField() { setFlag(kIsList, true); }
-    /// Reads the values. Reports a list value that cannot be read and a bad separator.
-    virtual bool readAll(VrmlInput& input) = 0;
-    /// Makes the field hold `count` values, keeping the leading ones.
-    virtual void setCount(std::int32_t count) = 0;
-    /// Resizes the array to exactly `count` values, keeping the leading ones. 0 frees it.
-    virtual void reallocate(std::int32_t count) = 0;
-    /// Reads one value into a slot that exists.
-    virtual bool readOneValue(VrmlInput& input, std::int32_t index) = 0;
-
     std::int32_t num = 0;    ///< Number of values.
     std::int32_t maxNum = 0; ///< Number of values that the array has room for.
+
+protected:
+    using QvField::QvField;
 };
 
 /// A list of values of `Width` scalars each, in one array of `num` x `Width` scalars.
 template <class Scalar, std::size_t Width>
 class QvMFieldOf : public QvMField {
 public:
-    QvMFieldOf() = default;
-    /// A list that starts with one value.
-    explicit QvMFieldOf(const std::array<Scalar, Width>& initial);
-    ~QvMFieldOf() override { release(); }
+    using Initial = std::array<Scalar, Width>;
 
-    bool readAll(VrmlInput& input) final;
-    void setCount(std::int32_t count) final;
-    void reallocate(std::int32_t count) final;
-    bool readOneValue(VrmlInput& input, std::int32_t index) final;
+    /// Reads the values. Reports a list value that cannot be read and a bad separator.
+    bool readAll(VrmlInput& input);
+    /// Makes the field hold `count` values, keeping the leading ones.
+    void setCount(std::int32_t count);
+    /// Resizes the array to exactly `count` values, keeping the leading ones. 0 frees it.
+    void reallocate(std::int32_t count);
+    /// Reads one value into a slot that exists.
+    bool readOneValue(VrmlInput& input, std::int32_t index);
 
     /// The scalars of the value `index`, which must exist.
     const Scalar* at(std::int32_t index) const {
         return values + static_cast<std::size_t>(index) * Width;
     }
+
+protected:
+    explicit QvMFieldOf(FieldType type) : QvMField(type) {}
+    /// A list that starts with one value.
+    QvMFieldOf(FieldType type, const Initial& initial);
+    ~QvMFieldOf() { release(); }
 
 private:
     void release();
@@ -212,7 +224,7 @@ private:
     void makeRoom(std::int32_t count, std::size_t fresh, bool isLast);
 
     /// The initial value. It is stored in place because most lists keep it.
-    std::array<Scalar, Width> initial_{};
+    Initial initial_{};
 
 public:
     Scalar* values = nullptr;
@@ -223,7 +235,9 @@ template <class Base, FieldType Type>
 class TypedField final : public Base {
 public:
     static constexpr FieldType kType = Type;
-    using Base::Base;
+
+    TypedField() : Base(kType) {}
+    explicit TypedField(const typename Base::Initial& initial) : Base(kType, initial) {}
 };
 
 /// Red, green, blue.

@@ -5,8 +5,19 @@
 #include "vrml/scene_reader.h"
 
 #include <utility>
+#include <vector>
 
 namespace meshcast {
+
+namespace {
+
+// This and keepChildren are not inlined: their variables would be in each frame of the recursion
+// over nested groups.
+[[gnu::noinline]] void append(std::vector<QvNode*>& children, QvNode* child) {
+    children.push_back(child);
+}
+
+} // namespace
 
 bool QvGroup::readBody(VrmlInput& input) {
     return (isBuiltIn() || readFieldsDeclaration(input)) &&
@@ -14,16 +25,29 @@ bool QvGroup::readBody(VrmlInput& input) {
 }
 
 bool QvGroup::readChildren(VrmlInput& input) {
+    // The children of all groups that are being read, the innermost group's last.
+    std::vector<QvNode*>& unfinished = input.childrenBeingRead();
+    const std::size_t first = unfinished.size();
     for (;;) {
         QvNode* child = nullptr;
         if (!readNode(input, child)) {
             return false;
         }
         if (child == nullptr) {
-            return true;
+            break;
         }
-        appendDoubling(children_, child);
+        append(unfinished, child);
     }
+    keepChildren(input, first);
+    return true;
+}
+
+[[gnu::noinline]] void QvGroup::keepChildren(VrmlInput& input, std::size_t first) {
+    std::vector<QvNode*>& unfinished = input.childrenBeingRead();
+    const ChildList kept = input.scene().keep(std::span(unfinished).subspan(first));
+    children_ = kept.data();
+    childCount_ = static_cast<std::uint32_t>(kept.size());
+    unfinished.resize(first);
 }
 
 QvUnknownNode::QvUnknownNode(Scene& scene, InternedName className)
@@ -39,7 +63,7 @@ bool QvUnknownNode::adoptField(InternedName typeName, InternedName fieldName) {
     if (!type) {
         return false;
     }
-    std::unique_ptr<QvField> field = createField(*type);
+    OwnedField field = createField(*type);
     scene_.newestUnknownTable->addField(fieldName, *type, *field);
     fields_.push_back(std::move(field));
     return true;

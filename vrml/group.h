@@ -6,7 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -16,8 +16,8 @@ namespace meshcast {
 
 class Scene;
 
-/// A list of children. The list does not own them.
-using ChildList = std::vector<QvNode*>;
+/// The children of a group, in order. Neither the list nor the group owns them.
+using ChildList = std::span<QvNode* const>;
 
 /// The base of all grouping nodes, and itself the node class "Group".
 class QvGroup : public BuiltIn<QvGroup> {
@@ -27,7 +27,7 @@ public:
     void traverse(QvState& state) const override;
     bool readBody(VrmlInput& input) override;
 
-    virtual const ChildList& getChildList() const { return children_; }
+    virtual ChildList getChildList() const { return {children_, childCount_}; }
     /// Reads child nodes until none follows.
     virtual bool readChildren(VrmlInput& input);
 
@@ -43,8 +43,12 @@ public:
 private:
     friend class Scene;
 
+    /// Takes the children that were read last, from the given place on, as this group's.
+    void keepChildren(VrmlInput& input, std::size_t first);
+
     std::uint32_t groupNumber_ = 0;
-    ChildList children_;
+    QvNode* const* children_ = nullptr; ///< In the scene's memory.
+    std::uint32_t childCount_ = 0;
 };
 
 /// A node of a class outside the catalogue, whose body begins by declaring its fields.
@@ -57,6 +61,8 @@ public:
     const FieldTable& getFieldTable() const override;
     void traverse(QvState& state) const override;
 
+    static constexpr bool ownsMemory() { return true; }
+
     InternedName className() const { return className_; }
     /// The node's own table, with the fields that it has declared.
     const FieldTable& declaredFields() const { return table_; }
@@ -68,7 +74,7 @@ private:
     Scene& scene_;
     InternedName className_;
     FieldTable table_;
-    std::vector<std::unique_ptr<QvField>> fields_;
+    std::vector<OwnedField> fields_;
 };
 
 } // namespace meshcast

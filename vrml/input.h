@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #pragma GCC visibility push(default)
 
@@ -125,6 +126,8 @@ public:
     Diagnostics& diagnostics() { return diagnostics_; }
     /// How many node bodies are being read, one inside the other. The node reader counts.
     int& nestingDepth() { return nestingDepth_; }
+    /// The children of these bodies, as far as they have been read. Groups keep this list.
+    std::vector<QvNode*>& childrenBeingRead() { return childrenBeingRead_; }
 
 private:
     static constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
@@ -174,6 +177,7 @@ private:
     std::unique_ptr<char[]> block_;
     std::string word_;
     int nestingDepth_ = 0;
+    std::vector<QvNode*> childrenBeingRead_;
 };
 
 } // namespace meshcast

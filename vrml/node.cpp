@@ -4,7 +4,7 @@
 #include "vrml/group.h"
 #include "vrml/input.h"
 
-#include <utility>
+#include <memory>
 
 namespace meshcast {
 
@@ -25,7 +25,7 @@ bool QvNode::readFields(VrmlInput& input, UnknownWord policy) {
         if (name.empty()) {
             return true;
         }
-        QvField* const field = table.findField(*this, name);
+        const FieldTable::FieldEntry* const field = table.findField(name);
         if (field == nullptr) {
             if (policy == UnknownWord::kIsError) {
                 input.readError("Unknown field \"%s\"", name.c_str());
@@ -34,7 +34,7 @@ bool QvNode::readFields(VrmlInput& input, UnknownWord policy) {
             input.putBackWord(name.view());
             return true;
         }
-        if (!readField(input, *field, name)) {
+        if (!readField(input, field->of(*this), name, field->words())) {
             return false;
         }
     }
@@ -99,9 +99,19 @@ bool QvNode::readDeclarations(VrmlInput& input) {
     }
 }
 
+std::span<QvNode* const> NodePool::keep(std::span<QvNode* const> nodes) {
+    if (nodes.empty()) {
+        return {};
+    }
+    auto* const place =
+        static_cast<QvNode**>(memory_.allocate(nodes.size_bytes(), alignof(QvNode*)));
+    std::uninitialized_copy(nodes.begin(), nodes.end(), place);
+    return {place, nodes.size()};
+}
+
 NodePool::~NodePool() {
-    while (newest_ != nullptr) {
-        std::exchange(newest_, newest_->nextInPool_)->~QvNode();
+    for (QvNode* const node : owners_) {
+        node->~QvNode();
     }
 }
 

@@ -3,9 +3,12 @@
 #include "vrml/field_table.h"
 #include "vrml/names.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <deque>
 #include <memory_resource>
 #include <new>
+#include <span>
 #include <utility>
 
 #pragma GCC visibility push(default)
@@ -50,13 +53,11 @@ protected:
     bool readFieldsDeclaration(VrmlInput& input);
 
 private:
-    friend class NodePool;
     friend class Scene;
 
     bool readDeclarations(VrmlInput& input);
 
     InternedName name_;
-    QvNode* nextInPool_ = nullptr;
 
 protected:
     // Last, so that the first members of a derived class can use its padding.
@@ -73,12 +74,19 @@ public:
         return table;
     }
 
+    /// Whether nodes of the class may own memory besides their own and the scene's.
+    static constexpr bool ownsMemory() {
+        return std::any_of(Self::kClass.fields.begin(), Self::kClass.fields.end(),
+                           [](const FieldInfo& field) { return meshcast::ownsMemory(field.type); });
+    }
+
 protected:
     using This = Self;
 };
 
 /// The owner of nodes. The tree has only plain pointers, since a node may have several parents.
-/// Destroying the pool destroys every node made in it.
+/// Destroying the pool releases the memory of every node made in it, and destroys those nodes that
+/// own memory themselves.
 class NodePool {
 public:
     NodePool() = default;
@@ -92,16 +100,20 @@ public:
     Node* make(Arguments&&... arguments) {
         void* const place = memory_.allocate(sizeof(Node), alignof(Node));
         auto* const node = new (place) Node(std::forward<Arguments>(arguments)...);
-        node->nextInPool_ = newest_;
-        newest_ = node;
+        if constexpr (Node::ownsMemory()) {
+            owners_.push_back(node);
+        }
         return node;
     }
+
+    /// Copies a list of nodes; the copy lives as long as the pool.
+    std::span<QvNode* const> keep(std::span<QvNode* const> nodes);
 
 private:
     static constexpr std::size_t kFirstBlock = std::size_t(64) * 1024;
 
     std::pmr::monotonic_buffer_resource memory_{kFirstBlock};
-    QvNode* newest_ = nullptr;
+    std::deque<QvNode*> owners_; ///< The nodes that own memory themselves.
 };
 
 } // namespace meshcast

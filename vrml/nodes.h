@@ -31,7 +31,7 @@ public:
 
     QvSFString string{""};
     QvSFFloat spacing{1};
-    QvSFEnum justification{kJustification, LEFT};
+    QvSFEnum justification{LEFT};
     QvSFFloat width{0};
     static constexpr auto kClass =
         declare("AsciiText", NodeKind::kShape, field<&This::string>("string"),
@@ -48,7 +48,7 @@ public:
     static constexpr Enumeration kPart = {"Part",
                                           {{"SIDES", SIDES}, {"BOTTOM", BOTTOM}, {"ALL", ALL}}};
 
-    QvSFBitMask parts{kPart, ALL};
+    QvSFBitMask parts{ALL};
     QvSFFloat bottomRadius{1}, height{2};
     static constexpr auto kClass =
         declare("Cone", NodeKind::kShape, field<&This::parts>("parts", &kPart),
@@ -73,7 +73,7 @@ public:
     static constexpr Enumeration kPart = {
         "Part", {{"SIDES", SIDES}, {"TOP", TOP}, {"BOTTOM", BOTTOM}, {"ALL", ALL}}};
 
-    QvSFBitMask parts{kPart, ALL};
+    QvSFBitMask parts{ALL};
     QvSFFloat radius{1}, height{2};
     static constexpr auto kClass =
         declare("Cylinder", NodeKind::kShape, field<&This::parts>("parts", &kPart),
@@ -170,7 +170,7 @@ struct Binding {
 
 class QvNormalBinding final : public BuiltIn<QvNormalBinding> {
 public:
-    QvSFEnum value{Binding::kEnumeration, Binding::DEFAULT};
+    QvSFEnum value{Binding::DEFAULT};
     static constexpr auto kClass = declare("NormalBinding", NodeKind::kProperty,
                                            field<&This::value>("value", &Binding::kEnumeration));
 
@@ -197,8 +197,8 @@ public:
     static constexpr Enumeration kFaceType = {
         "FaceType", {{"UNKNOWN_FACE_TYPE", UNKNOWN_FACE_TYPE}, {"CONVEX", CONVEX}}};
 
-    QvSFEnum vertexOrdering{kVertexOrdering, UNKNOWN_ORDERING};
-    QvSFEnum shapeType{kShapeType, UNKNOWN_SHAPE_TYPE}, faceType{kFaceType, CONVEX};
+    QvSFEnum vertexOrdering{UNKNOWN_ORDERING};
+    QvSFEnum shapeType{UNKNOWN_SHAPE_TYPE}, faceType{CONVEX};
     QvSFFloat creaseAngle{0.5F};
     static constexpr auto kClass = declare(
         "ShapeHints", NodeKind::kProperty,
@@ -228,7 +228,7 @@ public:
 
 class QvMaterialBinding final : public BuiltIn<QvMaterialBinding> {
 public:
-    QvSFEnum value{Binding::kEnumeration, Binding::DEFAULT};
+    QvSFEnum value{Binding::DEFAULT};
     static constexpr auto kClass = declare("MaterialBinding", NodeKind::kProperty,
                                            field<&This::value>("value", &Binding::kEnumeration));
 
@@ -242,7 +242,7 @@ public:
 
     QvSFString filename{""};
     QvSFImage image;
-    QvSFEnum wrapS{kWrap, REPEAT}, wrapT{kWrap, REPEAT};
+    QvSFEnum wrapS{REPEAT}, wrapT{REPEAT};
     static constexpr auto kClass =
         declare("Texture2", NodeKind::kProperty, field<&This::filename>("filename"),
                 field<&This::image>("image"), field<&This::wrapS>("wrapS", &kWrap),
@@ -284,8 +284,8 @@ public:
                                            {{"NONE", NONE}, {"BOLD", BOLD}, {"ITALIC", ITALIC}}};
 
     QvSFFloat size{10};
-    QvSFEnum family{kFamily, SERIF};
-    QvSFBitMask style{kStyle, NONE};
+    QvSFEnum family{SERIF};
+    QvSFBitMask style{NONE};
     static constexpr auto kClass =
         declare("FontStyle", NodeKind::kProperty, field<&This::size>("size"),
                 field<&This::family>("family", &kFamily), field<&This::style>("style", &kStyle));
@@ -440,7 +440,7 @@ public:
     static constexpr Enumeration kCullEnabled = {"CullEnabled",
                                                  {{"ON", ON}, {"OFF", OFF}, {"AUTO", AUTO}}};
 
-    QvSFEnum renderCulling{kCullEnabled, AUTO};
+    QvSFEnum renderCulling{AUTO};
     static constexpr auto kClass = declare(
         "Separator", NodeKind::kGroup, field<&This::renderCulling>("renderCulling", &kCullEnabled));
 
@@ -469,7 +469,7 @@ public:
     static constexpr Enumeration kMap = {"Map", {{"NONE", NONE}, {"POINT", POINT}}};
 
     QvSFString name{""}, description{""};
-    QvSFEnum map{kMap, NONE};
+    QvSFEnum map{NONE};
     static constexpr auto kClass =
         declare("WWWAnchor", NodeKind::kGroup, field<&This::name>("name"),
                 field<&This::description>("description"), field<&This::map>("map", &kMap));

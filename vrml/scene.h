@@ -34,6 +34,9 @@ public:
         return node;
     }
 
+    /// Copies a list of nodes; the copy lives as long as the scene.
+    ChildList keep(ChildList nodes) { return nodes_.keep(nodes); }
+
     /// The handle of a text, valid as long as the scene.
     InternedName intern(std::string_view text) { return names_.intern(text); }
 

@@ -13,11 +13,11 @@
 namespace meshcast {
 namespace {
 
-/// The value of a field is read wherever a block of the input ends.
+/// Fields are read from input blocks of different sizes.
 class Fields : public testing::TestWithParam<std::size_t> {};
 INSTANTIATE_TEST_SUITE_P(Pieces, Fields, testing::Values(1, 3, 100'000));
 
-TEST_P(Fields, ListsHoldWhatIsReadAndNothingInReserve) {
+TEST_P(Fields, ListsHaveNoSpareCapacity) {
     struct Case {
         const char* list;
         std::vector<std::int32_t> values;
@@ -25,7 +25,7 @@ TEST_P(Fields, ListsHoldWhatIsReadAndNothingInReserve) {
     for (const Case& c :
          {Case{"7", {7}}, Case{"[]", {}}, Case{"[ 1 ]", {1}}, Case{"[1,2,3,]", {1, 2, 3}},
           Case{"[ 0x10 ,010 , -1 ]", {16, 8, -1}}, Case{"~", {0}},
-          // The second reading of a field counts.
+          // If a field is given twice, the last value is kept.
           Case{"[1,2,3] coordIndex [4]", {4}}, Case{"[1] coordIndex [2,3,4]", {2, 3, 4}},
           Case{"[1,2] coordIndex 9", {9}}, Case{"[1,2] coordIndex [ ]", {}}}) {
         ReadScene scene("IndexedFaceSet { coordIndex " + std::string(c.list) + " }", GetParam());
@@ -37,7 +37,7 @@ TEST_P(Fields, ListsHoldWhatIsReadAndNothingInReserve) {
     }
 }
 
-/// What a list field becomes: its values, the messages, and what is left of the text.
+/// The result of reading a list field: its values, the messages, and the rest of the text.
 template <class Field, std::size_t Width>
 std::string readList(const std::string& list, std::size_t pieceSize) {
     const std::string text = "#VRML V1.0 ascii\n" + list;
@@ -60,8 +60,8 @@ std::string readList(const std::string& list, std::size_t pieceSize) {
     return found + " messages " + messages.text;
 }
 
-// Lists of plain values are read by other code than those in which something else comes, or which
-// the end of a block cuts. In pieces of one byte every value is cut.
+// Lists of plain numbers are read by a fast path, other lists and values across the end of a block
+// by the general code. In pieces of one byte, every value takes the general code.
 TEST(FieldLists, PlainValuesAreReadLikeOthers) {
     std::minstd_rand random(1); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same lists in every run
     const auto pick = [&random](std::initializer_list<const char*> texts) {
@@ -75,7 +75,7 @@ TEST(FieldLists, PlainValuesAreReadLikeOthers) {
             }
             return text;
         };
-        const bool isOdd = round % 2 != 0; // Every other list has what the plain code leaves.
+        const bool isOdd = round % 2 != 0; // Half of the lists also need the general code.
         const auto blank = [&] {
             return isOdd && random() % 30 == 0 ? pick({"#c\n", "\v", "\xff", "", "\r\n", "  #\n ,"})
                                                : pick({" ", " ", "\n      ", "\n", "\t", "  "});
@@ -103,7 +103,7 @@ TEST(FieldLists, PlainValuesAreReadLikeOthers) {
         list +=
             pick({"]", "1 ]", "1 2 3]", "1,]", ",]", "1, #\n]", "1 2 3, # ]\n ]", "1 2 3,", ""}) +
             " rest";
-        // Pieces may end after any part of a value.
+        // Pieces may end anywhere in a value.
         for (const std::size_t pieceSize : {std::size_t{2} + random() % 60, std::size_t{100'000}}) {
             EXPECT_EQ((readList<QvMFLong, 1>(list, 1)), (readList<QvMFLong, 1>(list, pieceSize)))
                 << pieceSize << list;
@@ -115,7 +115,7 @@ TEST(FieldLists, PlainValuesAreReadLikeOthers) {
     }
 }
 
-TEST(FieldLists, GrowWithoutReserve) {
+TEST(FieldLists, LongListsHaveNoSpareCapacity) {
     std::string list = "[";
     for (int i = 0; i < 100'000; ++i) {
         list += std::to_string(i) + (i % 1000 == 0 ? " #\n," : ",");
@@ -181,17 +181,17 @@ TEST(FieldMarks, TildeMarksAFieldAsIgnored) {
     EXPECT_TRUE(!cube.depth.isDefault() && !cube.depth.ignored() && cube.depth.value == 4);
 }
 
-TEST(FieldImages, SizesFromStrangers) {
+TEST(FieldImages, InvalidSizesAreRefused) {
     const auto read = [](const std::string& image) {
         return ReadScene("Texture2 { image " + image + " }").ok;
     };
     EXPECT_TRUE(read("0 0 0"));
-    EXPECT_TRUE(read("2 2 0 1 2 3 4"));    // Numbers without bytes.
-    EXPECT_TRUE(read("1 1 6 0x01020304")); // More bytes than a number has.
+    EXPECT_TRUE(read("2 2 0 1 2 3 4"));    // Pixels without components.
+    EXPECT_TRUE(read("1 1 6 0x01020304")); // More components than an integer has bytes.
     EXPECT_FALSE(read("-1 1 1 0"));
     EXPECT_FALSE(read("1 -1 1 0"));
     EXPECT_FALSE(read("1 1 -1 0"));
-    EXPECT_FALSE(read("32767 32767 2147483647 0")); // More than there is memory for.
+    EXPECT_FALSE(read("32767 32767 2147483647 0")); // More than the available memory.
     EXPECT_FALSE(read("2 1 3 0xFF0000"));           // A pixel is missing.
 }
 

@@ -106,8 +106,8 @@ std::string maskText(std::int32_t value, const Enumeration* words) {
 
 } // namespace
 
-std::string fieldText(const QvField& field, FieldType type, const Enumeration* words) {
-    switch (type) {
+std::string fieldText(const QvField& field, const Enumeration* words) {
+    switch (field.type()) {
     case FieldType::kMFColor:
     case FieldType::kMFVec3f:
         return listText<float, 3>(field);
@@ -118,7 +118,7 @@ std::string fieldText(const QvField& field, FieldType type, const Enumeration* w
     case FieldType::kMFVec2f:
         return listText<float, 2>(field);
     case FieldType::kSFBitMask:
-        return maskText(static_cast<const QvSFEnum&>(field).value, words);
+        return maskText(static_cast<const QvSFBitMask&>(field).value, words);
     case FieldType::kSFBool:
         return static_cast<const QvSFBool&>(field).value != 0 ? "TRUE" : "FALSE";
     case FieldType::kSFEnum: {

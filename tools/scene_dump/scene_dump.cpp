@@ -112,12 +112,11 @@ private:
 
     void field(QvNode& node, const FieldTable& table, const FieldTable::FieldEntry& entry) {
         const QvField& field = entry.of(node);
-        if (table.findField(node, entry.name) != &field) {
+        if (table.findField(entry.name) != &entry) {
             return; // Declared twice under the same name: only the first can have a value.
         }
         const std::string name(entry.name.view());
-        const std::string value =
-            fieldText(field, entry.type, entry.info == nullptr ? nullptr : entry.info->words);
+        const std::string value = fieldText(field, entry.words());
         std::string text = name + " " + value;
         if (field.isDefault() && !field.ignored()) {
             text.insert(0, "# ");

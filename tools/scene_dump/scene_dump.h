@@ -10,9 +10,9 @@ namespace meshcast {
 class QvField;
 class QvNode;
 
-/// The value of a field as a scene spells it. `type` must be the type of the field. For SFEnum and
-/// SFBitMask, `words` is the enumeration of the field; null for a field that a scene declares.
-std::string fieldText(const QvField& field, FieldType type, const Enumeration* words);
+/// The value of a field as a scene spells it. For SFEnum and SFBitMask, `words` is the enumeration
+/// of the field; null for a field that a scene declares.
+std::string fieldText(const QvField& field, const Enumeration* words);
 
 /// Writes the tree below a node (which may be null) as a scene with the values of all fields.
 /// Fields with their default values are comments, so that reading the dump gives the same tree,
