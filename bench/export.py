@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Times vrmlexport to GLB against the filter on the same scenes.
 
-Both run by turns, each with its output going nowhere; the filter gets the scene as standard input,
-vrmlexport by its name. Reported are medians of processor time, their ratio, and the memory of
+Both run alternately, and their outputs are discarded. The filter reads the scene from standard input,
+vrmlexport from the file. Prints the medians of processor time, their ratio, and the memory of
 vrmlexport. Build the preset bench first.
 """
 
@@ -17,7 +17,7 @@ KINDS = ("terrain", "parts")
 
 
 def script_for(folder, exporter, scene):
-    """A program without arguments, which is what measured_run starts, that exports the scene."""
+    """A script that exports the scene, since measured_run starts programs without arguments."""
     script = Path(folder) / "export"
     script.write_text(f"#!/bin/sh\nexec '{exporter}' --quiet --format glb '{scene}' -\n")
     script.chmod(0o755)
@@ -44,7 +44,7 @@ def main():
         for kind in arguments.kinds:
             scene = bench.scene(kind, arguments.size)
             script = script_for(folder, exporter, scene)
-            filter_run, export_run = bench.by_turns((bench.meshcast, script), scene, arguments.runs)
+            filter_run, export_run = bench.alternate((bench.meshcast, script), scene, arguments.runs)
             size = scene.stat().st_size
             print(f"{kind:<11}{size / run.MEGABYTE:>7.1f}{filter_run.cpu:>10.2f}{export_run.cpu:>10.2f}"
                   f"{export_run.cpu / filter_run.cpu:>7.2f}{export_run.peak / size:>21.2f}", flush=True)

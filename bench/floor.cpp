@@ -1,8 +1,8 @@
-// The floor: the least work that yields, for the scenes of scene_gen, the bytes that meshcast
-// writes. It reads in blocks, takes short decimals by hand and other numbers with std::from_chars,
-// keeps plain arrays, swaps bytes in bulk and writes in large pieces. It knows only the words that
-// scene_gen prints, builds no tree and checks nothing: no converter can be much faster, and the
-// ratio to it says what meshcast's generality costs.
+// A baseline for the speed of meshcast, called the floor: it converts only the scenes of scene_gen,
+// to the same bytes, and does as little as possible. It reads in blocks, converts short decimals
+// with its own code and other numbers with std::from_chars, keeps plain arrays, swaps bytes in bulk
+// and writes in large pieces. It knows only the words that scene_gen writes, builds no tree and
+// checks nothing. The ratio to it shows what meshcast's generality costs.
 
 #include "bench/floor_io.h"
 
@@ -43,10 +43,10 @@ void putHeader(Output& out, std::uint32_t type, std::uint32_t flags, std::uint32
 
 // ---- Polyhedra
 
-/// Faces as in a scene: indices from 0, each face closed by -1.
+/// Faces as in a scene: indices from 0, with -1 after each face.
 using Faces = std::vector<int>;
 
-/// Whether the faces keep their points, or every corner has a point of its own.
+/// Whether faces share points, or every corner has its own point.
 enum class Corners { Shared, Own };
 
 void putPolyhedron(Output& out, const Faces& faces, Corners corners, std::span<const float> points,
@@ -89,8 +89,7 @@ Vector pointAt(std::span<const float> points, int index) {
 
 Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
-// Not inlined: where one call feeds the next, GCC 12 vectorises the two and forgets to round to
-// float in between.
+// Not inlined: GCC 12 vectorises two calls in a row and does not round to float in between.
 [[gnu::noinline]] Vector normalised(Vector v) {
     const float square = v.x * v.x + v.y * v.y + v.z * v.z;
     const double length = std::sqrt(static_cast<double>(square));
@@ -144,7 +143,7 @@ void putSmooth(Output& out, const Faces& faces, std::span<const float> points,
         }
     });
     for (std::size_t i = 0; i < normals.size(); i += 3) {
-        // Twice, as the library does: the second pass may still move the last bit.
+        // Twice, as the library does: the second pass may change the last bit.
         const Vector normal = normalised(normalised({normals[i], normals[i + 1], normals[i + 2]}));
         normals[i] = normal.x;
         normals[i + 1] = normal.y;
@@ -175,7 +174,7 @@ enum class Primitive { None, Cube, Cone, Cylinder, Sphere };
 
 struct Solid {
     Primitive kind = Primitive::None;
-    float width = 0; // the radius of the round ones
+    float width = 0; // the radius of cones, cylinders and spheres
     float height = 0;
     float depth = 0;
 };
@@ -268,7 +267,7 @@ struct FaceSet {
     bool givenNormals = false;
 };
 
-/// A colour component as it comes out of a byte.
+/// A colour component after conversion to a byte and back.
 float throughByte(float component) {
     const auto byte = static_cast<unsigned char>(std::min<double>(component, 1.0) * 255.0);
     return static_cast<float>(byte / 255.0);
@@ -364,7 +363,7 @@ private:
         }
     }
 
-    /// Ends a node: whatever shape was being read is written.
+    /// Ends a node, and writes its shape if it is one.
     void close() {
         if (solid_.kind != Primitive::None) {
             if (name_) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the floor program reads and writes with: blocks, and no check of anything.
+// Input and output of the floor program: in blocks, without any checks.
 
 #include <algorithm>
 #include <array>
@@ -38,7 +38,7 @@ public:
         return {begin, next_};
     }
 
-    /// The numbers up to whatever is none: a list in brackets, or the values of one field.
+    /// The numbers up to the next word: a list in brackets, or the values of one field.
     template <typename Stored, typename Parsed = Stored>
     void numbers(std::vector<Stored>& values) {
         values.clear();
@@ -56,9 +56,9 @@ public:
     }
 
 private:
-    /// Takes a decimal of few digits, which is a quotient of two integers that doubles hold
-    /// exactly, so that dividing them gives the nearest double (Clinger 1990). False, with nothing
-    /// taken, for other numbers.
+    /// Reads a decimal of few digits: it is the quotient of two integers that doubles represent
+    /// exactly, so their division gives the nearest double (Clinger 1990). For other numbers,
+    /// returns false and reads nothing.
     template <typename Real>
     bool shortDecimal(Real& value) {
         static constexpr std::array<double, 16> kPowers{

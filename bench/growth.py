@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Shows whether time and memory grow in proportion to the scene.
 
-For every kind of generated scene, and for scenes that strain one thing alone, a scene and one ten
-times as large are converted by turns; reported is processor time per byte of each, and the peak of
-memory per byte of the larger.
+For every kind of generated scene, and for scenes that stress a single part of the program, converts a
+scene and one ten times as large alternately. Prints the processor time per byte of each, and the peak
+of memory per byte of the larger.
 
     bench/growth.py [--build DIR] [--runs N] [KIND ...]
 """
@@ -20,7 +20,7 @@ HEADER = "#VRML V1.0 ascii\n"
 
 
 def name(number):
-    """Distinct names of letters."""
+    """A different name for each number, made of letters."""
     text = ""
     while True:
         text += LETTERS[number % 26]
@@ -69,7 +69,7 @@ def nested(n):
     yield HEADER + "Separator{" * n + "}" * n
 
 
-# Each with the number of its larger scene.
+# For each, the function that writes a scene and the number of elements in the larger scene.
 STRAINS = {
     "one-list": (one_list, 8_000_000),
     "nodes": (nodes, 1_000_000),

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Counts the instructions that meshcast takes for small scenes, and compares them with the record.
+"""Counts the instructions that meshcast executes for small scenes, and compares them with a record.
 
-Instructions repeat exactly where seconds do not, so a slow-down shows on any machine of the kind
-that the record is from. Fails when a count is more than 5 % above its record.
+Unlike seconds, these counts are the same in every run, so they show slow-downs on any machine of the
+same kind. Fails if a count is more than 5 % above the recorded one.
 
     bench/instructions.py            compare with bench/instructions.txt
-    bench/instructions.py --record   write that file anew
+    bench/instructions.py --record   update that file
 """
 
 import argparse
@@ -34,7 +34,7 @@ def count(build, kind):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--build", type=Path, default=HERE.parent / "build" / "bench")
-    parser.add_argument("--record", action="store_true", help="write bench/instructions.txt anew")
+    parser.add_argument("--record", action="store_true", help="update bench/instructions.txt")
     options = parser.parse_args()
 
     counts = {kind: count(options.build, kind) for kind in KINDS}

@@ -1,10 +1,10 @@
-// Runs a program on standard input with its output going nowhere, and prints what the run took:
-// seconds by the clock, seconds of processor time, bytes resident at most, exit status.
+// Runs a program on standard input, discards its output, and prints the elapsed seconds, the
+// seconds of processor time, the peak of resident memory in bytes and the exit status.
 //
 //     measured_run PROGRAM < scene.wrl
 //
-// run.py does not do this itself because a process is charged with the peak memory of the one that
-// started it, and an interpreter is larger than what it would measure.
+// run.py does not do this itself: after fork(), the peak of the child includes the memory of the
+// parent, and the Python interpreter needs more memory than the measured programs.
 
 #include <chrono>
 #include <cstdio>
@@ -19,7 +19,7 @@ double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-/// Becomes the program; returns only when that cannot be done.
+/// Replaces the process by the program; returns only if that fails.
 void become(char** arguments) {
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (nowhere >= 0 && dup2(nowhere, STDOUT_FILENO) >= 0) {

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Times whole runs of meshcast against the floor program on generated scenes.
 
-For every kind and size of scene, the outputs of the two are compared first; they must be the same
-bytes. Then the two run by turns, so that whatever else the machine does falls on both, with the
-scene as standard input and nothing written. Reported are medians.
+For every kind and size of scene, the outputs of the two are compared first; they must be equal. Then
+the two run alternately, so that other load on the machine affects both. The scene is their standard
+input, and the output is discarded. Medians are printed.
 """
 
 import argparse
@@ -23,7 +23,7 @@ MEGABYTE = 1_000_000
 class Run(NamedTuple):
     wall: float  # seconds
     cpu: float  # seconds, user and system
-    peak: int  # bytes resident at most
+    peak: int  # peak of resident memory, bytes
 
 
 class Bench:
@@ -42,7 +42,7 @@ class Bench:
         self.scenes.mkdir(exist_ok=True)
 
     def scene(self, kind, megabytes):
-        """A scene from the cache, or made afresh when the generator is newer than it."""
+        """The path of a scene, which is generated unless it exists and is newer than the generator."""
         scene = self.scenes / f"{kind}-{megabytes:g}MB.wrl"
         if not scene.exists() or scene.stat().st_mtime < self.generator.stat().st_mtime:
             unfinished = scene.with_suffix(".part")
@@ -61,8 +61,8 @@ class Bench:
             sys.exit(f"run.py: {program} ended with status {int(status)}")
         return Run(float(wall), float(cpu), int(peak))
 
-    def by_turns(self, programs, scene, count):
-        """The median run of each program, the programs taking turns."""
+    def alternate(self, programs, scene, count):
+        """The median run of each program; the programs run alternately."""
         runs = {program: [] for program in programs}
         for _ in range(count):
             for program in programs:
@@ -75,7 +75,7 @@ def median(runs):
 
 
 def output_digest(program, scene):
-    """The digest and the size of what a program writes for a scene."""
+    """The digest and the size of the output of a program for a scene."""
     digest = hashlib.sha256()
     size = 0
     with open(scene, "rb") as source:
@@ -94,7 +94,7 @@ def measure(bench, kind, megabytes, count):
     if output_digest(bench.floor, scene) != (digest, written):
         sys.exit(f"run.py: the outputs for {scene} differ")
     size = scene.stat().st_size
-    meshcast, floor = bench.by_turns((bench.meshcast, bench.floor), scene, count)
+    meshcast, floor = bench.alternate((bench.meshcast, bench.floor), scene, count)
     return {
         "kind": kind,
         "input_bytes": size,
@@ -112,10 +112,10 @@ def measure(bench, kind, megabytes, count):
 
 
 def measure_start_up(bench, count):
-    """Without a scene there is nothing but the start. It is short, so it runs often."""
+    """The time of a run without a scene. It is short, so it is measured more often."""
     header_only = bench.scenes / "header-only.wrl"
     header_only.write_text("#VRML V1.0 ascii\n")
-    return bench.by_turns((bench.meshcast, bench.empty), header_only, 20 * count)
+    return bench.alternate((bench.meshcast, bench.empty), header_only, 20 * count)
 
 
 HEADINGS = """\

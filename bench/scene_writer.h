@@ -11,14 +11,14 @@
 
 namespace bench {
 
-/// A length in thousandths of a unit: what a scene prints with up to three decimals.
+/// A length in thousandths of a unit, which is printed with up to three decimals.
 using Thousandths = std::int64_t;
 
 struct Point {
     Thousandths x, y, z;
 };
 
-/// Prints a scene as an exporter does: one value a line, indented by depth, commas between values.
+/// Writes a scene in the style of exporters: one value per line, indented by depth, with commas.
 class SceneWriter {
 public:
     explicit SceneWriter(std::FILE* to) : to_(to), buffer_(kBufferSize) {
@@ -27,15 +27,15 @@ public:
 
     std::size_t written() const { return flushed_ + used_; }
 
-    /// A line of its own, such as a field with its value.
+    /// Writes a line, such as a field with its value.
     void line(std::string_view words) {
         indent();
         text(words);
         text("\n");
     }
 
-    /// A field with numbers given in thousandths. They stand in a braced list because only there
-    /// are random numbers drawn in the order in which they are written.
+    /// A field with numbers in thousandths. The parameter is an initializer list, whose elements
+    /// are evaluated in order, so that random numbers are drawn in the order of the text.
     void field(std::string_view name, std::initializer_list<Thousandths> numbers) {
         indent();
         text(name);
@@ -53,7 +53,7 @@ public:
         ++depth_;
     }
 
-    /// Opens a node under a name made of a word and a number.
+    /// Opens a node with a name made of a word and a number.
     void openNamed(std::string_view word, int number, std::string_view words) {
         indent();
         text("DEF ");
@@ -99,7 +99,7 @@ public:
         thousandths(point.z);
     }
 
-    /// A face: indices on one line, closed by -1.
+    /// A face: its indices and -1, on one line.
     template <typename Indices>
     void faceValue(const Indices& indices) {
         separateValues();
@@ -121,7 +121,7 @@ public:
         line("]");
     }
 
-    /// Hands over the rest; false when any of it could not be written.
+    /// Writes the rest of the buffer; false if anything could not be written.
     bool finish() {
         flush();
         return std::fflush(to_) == 0 && !failed_;

@@ -1,6 +1,6 @@
-// The same arguments give the same bytes on every machine: the random numbers are drawn here,
-// coordinates are whole thousandths until they are printed, and angles go through a sine of our own
-// because the last bit of the library's differs between machines.
+// The same arguments give the same bytes on every machine: this file has its own random numbers and
+// its own sine, since the last bit of the library's sine differs between machines, and coordinates
+// are integers (thousandths) until they are printed.
 
 #include "bench/scenes.h"
 
@@ -72,7 +72,7 @@ void writeColour(SceneWriter& scene, Random& random) {
                 {random.between(0, 1000), random.between(0, 1000), random.between(0, 1000)});
 }
 
-/// The quadrilaterals of a grid of `columns` by `rows` points, a line each.
+/// The quadrilaterals of a grid of `columns` by `rows` points, one per line.
 void writeGridFaces(SceneWriter& scene, int columns, int rows) {
     scene.openList("coordIndex");
     for (int row = 0; row + 1 < rows; ++row) {
@@ -84,7 +84,7 @@ void writeGridFaces(SceneWriter& scene, int columns, int rows) {
     scene.closeList();
 }
 
-/// A landscape: rolling hills under a grain of a few centimetres, drawn from a random phase.
+/// A landscape: hills with a random phase, and noise of a few centimetres.
 class Landscape {
 public:
     explicit Landscape(Random& random) {
@@ -112,9 +112,9 @@ private:
     std::array<double, 2 * kOctaves> phases_;
 };
 
-/// The side of the square grid whose points and faces print in about `bytes`.
+/// The side of the square grid whose points and faces take about `bytes` when printed.
 int gridSideFor(std::size_t bytes) {
-    // How many digits the whole numbers up to `limit` have on average.
+    // The average number of digits of the integers up to `limit`.
     const auto digits = [](double limit) {
         double sum = 0;
         for (std::int64_t power = 1; static_cast<double>(power) <= limit; power *= 10) {
@@ -199,7 +199,7 @@ void writeTurnedPart(SceneWriter& scene, int sides, int rings, Random& random) {
     scene.close();
 }
 
-/// Many small parts, every third of them under a name.
+/// Many small parts, every third of them with a name.
 void writeParts(SceneWriter& scene, std::size_t bytes, Random& random) {
     scene.open("Separator");
     for (int part = 0; scene.written() < bytes; ++part) {
@@ -249,7 +249,8 @@ void writePrimitive(SceneWriter& scene, Random& random) {
     scene.close();
 }
 
-/// A stock of named primitives, then places: some use one of the stock, some hold their own.
+/// Named primitives, then placed shapes: half of them use a named primitive, the others have their
+/// own.
 void writePrimitives(SceneWriter& scene, std::size_t bytes, Random& random) {
     constexpr int stockSize = 512;
     scene.open("Separator");
@@ -282,7 +283,7 @@ void writePrimitives(SceneWriter& scene, std::size_t bytes, Random& random) {
 
 constexpr int kPatchSide = 32;
 
-/// The points of a curved patch, a square grid in no particular place.
+/// The points of a curved patch: a square grid at a random position.
 std::vector<Point> curvedPatch(Random& random) {
     const double bend = random.between(10, 90) / 1000.0;
     const Point corner = somewhere(random);
@@ -311,7 +312,7 @@ std::vector<Point> directions(int count, Random& random) {
     return vectors;
 }
 
-/// A list parallel to the corners of the patch's faces, each entry drawn below `count`.
+/// A random index below `count` for each corner of the faces of a patch.
 void writeCornerChoices(SceneWriter& scene, std::string_view field, int count, Random& random) {
     constexpr int faces = (kPatchSide - 1) * (kPatchSide - 1);
     const auto choice = [&] { return random.between(0, count - 1); };
@@ -322,7 +323,7 @@ void writeCornerChoices(SceneWriter& scene, std::string_view field, int count, R
     scene.closeList();
 }
 
-/// Meshes with lists of colours: in turn by corner and by face, with and without given normals.
+/// Meshes with lists of colours, alternately by corner and by face, with and without normals.
 void writeColoured(SceneWriter& scene, std::size_t bytes, Random& random) {
     constexpr int colourCount = 64;
     constexpr int normalCount = 256;

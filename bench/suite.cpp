@@ -1,5 +1,5 @@
-// Google Benchmark suite over the libraries: tokens, fields, whole scenes, normals, writers.
-// Speeds in bytes are of the text read or of the records written.
+// Google Benchmark suite of the libraries: tokens, fields, whole scenes, normals, writers. Bytes
+// per second count the text that is read or the records that are written.
 
 #include "bench/scenes.h"
 #include "compat/geom/geom.h"
@@ -43,7 +43,7 @@ void countBytes(benchmark::State& state, std::size_t bytesEachTime) {
 
 // ---- Tokens
 
-/// Reads a text with one token reader until it fails, which it does at the end.
+/// Reads a text with a token reader until it fails at the end.
 template <typename ReadToken>
 void readTokens(benchmark::State& state, std::string_view piece, ReadToken readToken) {
     const std::string text = repeated(piece);
@@ -109,7 +109,7 @@ void readList(benchmark::State& state, FieldType type, std::string_view value) {
         MemorySource source(text);
         StandardErrorDiagnostics messages;
         VrmlInput input(scene, source, messages);
-        const std::unique_ptr<QvField> field = createField(type);
+        const OwnedField field = createField(type);
         if (!readField(input, *field, scene.intern("list"))) {
             state.SkipWithError("the list cannot be read");
             return;
@@ -239,7 +239,7 @@ BENCHMARK_CAPTURE(generateNormals, mesh, makeMesh, 0);
 
 // ---- Writers
 
-/// The size of an object's record, measured on a file that is gone at once.
+/// The size of an object's record, measured with a temporary file.
 std::size_t recordSize(const GEOMobj* object) {
     const std::unique_ptr<std::FILE, decltype(&std::fclose)> file(std::tmpfile(), &std::fclose);
     if (!file) {

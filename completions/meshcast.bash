@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # Completion of the command lines of meshcast and its companions by bash. Installed under the name of
-# each program, since bash-completion looks for that. Options are those that --help names.
+# each program, since bash-completion looks for that. The options are read from --help.
 
 _meshcast_programs() {
     local cur prev words cword

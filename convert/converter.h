@@ -73,8 +73,8 @@ public:
     std::optional<TextureUse> textureInForce(const QvState& state) const;
 
 private:
-    /// Writes the records of a shape again, if they are kept; otherwise converts it, and keeps them
-    /// if it has come before.
+    /// Writes the kept records of a shape, if there are any. Otherwise converts the shape, and
+    /// keeps its records if it occurred before.
     template <class Shape>
     void convertOrRepeat(const Shape& shape, const QvState& state);
     void convert(const QvCone& shape, const QvState& state);
@@ -85,7 +85,7 @@ private:
     void convert(const QvPointSet& shape, const QvState& state);
     void convert(const QvSphere& shape, const QvState& state);
 
-    /// Hands an object to the sink.
+    /// Passes an object to the sink.
     void write(const GEOMobj& object);
     /// Writes a polyhedron: `vertices` holds 3 floats per vertex, `polygons` the counts and 1-based
     /// indices of a polygon list with its closing 0, `uvs` 2 floats per vertex or nothing.
@@ -102,12 +102,12 @@ private:
     CountedDiagnostics& diagnostics_;
     const ConvertOptions& options_;
     bool textures_;
-    /// Without textures, which print, and without checks and a trace, which say something each
-    /// time.
+    /// Whether kept records may be written. Not with textures, verification or the trace, which
+    /// print text for each conversion.
     const bool mayRepeat_;
     RecordCache cache_;
-    ShapeRecords records_;   ///< Of the shape that is being converted,
-    bool isKeeping_ = false; ///< if these are to be kept.
+    ShapeRecords records_;   ///< Of the current shape, if isKeeping_.
+    bool isKeeping_ = false; ///< The records of the current shape are to be kept.
     bool sinesPrinted_ = false;
     std::set<const QvTexture2*> writtenImages_; ///< Textures whose image is a raw file.
 };

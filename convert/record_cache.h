@@ -11,25 +11,25 @@
 
 namespace meshcast {
 
-/// Records of one shape, one after another in a fixed room.
+/// The records of one shape, one after another in a buffer of fixed size.
 class ShapeRecords {
 public:
     void clear() { used_ = 0, isComplete_ = true; }
 
-    /// Where the next record can be copied to; empty when there is no room for the longest.
+    /// The space for the next record; empty if it is too small for the longest one.
     std::span<unsigned char> room();
-    /// Takes the first bytes of the room as a record. With a size of 0, the record could not be
-    /// copied, and the records are not complete any more.
+    /// Adds the record that was copied to room(). A size of 0 means that it could not be copied;
+    /// the records are then incomplete.
     void add(std::size_t size);
 
     bool isComplete() const { return isComplete_; }
     std::span<const unsigned char> bytes() const { return {bytes_.data(), used_}; }
 
-    /// Takes the first record off bytes() as they were; empty when there is none.
+    /// Removes the first record from a copy of bytes() and returns it; empty if there is none.
     static std::span<const unsigned char> next(std::span<const unsigned char>& bytes);
 
 private:
-    using Size = std::uint32_t; ///< In front of each record.
+    using Size = std::uint32_t; ///< Stored before each record.
     static constexpr std::size_t kMostRecords = 3;
 
     std::array<unsigned char, kMostRecords*(sizeof(Size) + GEOM_COPY_BYTES)> bytes_;
@@ -37,26 +37,25 @@ private:
     bool isComplete_ = true;
 };
 
-/// Keeps the records of shapes that come again, so that they need not be converted again: scenes
-/// repeat one shape, or primitives of the same measures, hundreds of times.
+/// Keeps the records of repeated shapes, so that they are not converted again: scenes repeat a
+/// shape, or primitives of the same size, hundreds of times.
 ///
-/// Records are kept from a shape's second conversion on, since most shapes come once. The memory is
-/// bounded. Where it cannot be had nothing is kept, so that a conversion that works without the
-/// cache works with it.
+/// Records are kept from the second conversion of a shape, since most shapes occur only once.
+/// Memory is limited. If an allocation fails, nothing is kept, but the conversion continues.
 class RecordCache {
 public:
     /// What the records of a shape depend on: shapes with equal keys have equal records.
     using Key = std::array<std::uint64_t, 6>;
 
-    /// What is known of a shape that is to be converted.
+    /// The result of a look-up.
     struct Entry {
         bool isKept = false;
-        bool hasComeBefore = false; ///< Probably: its records are worth keeping.
+        bool hasComeBefore = false; ///< Probably; may be wrong. Its records should be kept.
         std::span<const unsigned char> records;
     };
 
     Entry find(const Key& key);
-    /// Keeps the bytes of a shape's records, unless there is no room.
+    /// Keeps the bytes of a shape's records, unless the cache is full.
     void keep(const Key& key, std::span<const unsigned char> records);
 
 private:
@@ -75,7 +74,7 @@ private:
 
     Slot* slotOf(const Key& key, std::uint64_t hash) const;
 
-    std::bitset<std::size_t(1) << 20U> seen_;      ///< By hash: a wrong guess costs time only.
+    std::bitset<std::size_t(1) << 20U> seen_;      ///< By hash. Collisions only cost time.
     std::unique_ptr<Slot[], Free> slots_;          ///< kSlots, or none yet.
     std::unique_ptr<unsigned char[], Free> bytes_; ///< kMostBytes, or none yet.
     std::size_t shapes_ = 0, used_ = 0;

@@ -14,7 +14,7 @@
 
 namespace meshcast::exporter {
 
-/// A linear colour in sRGB, as formats with the classical shading model store it.
+/// A linear colour in sRGB, as formats with the Phong shading model store it.
 inline aiColor4D screenColor(const evaluate::Color& color) {
     return {evaluate::srgbFromLinear(color[0]), evaluate::srgbFromLinear(color[1]),
             evaluate::srgbFromLinear(color[2]), color[3]};

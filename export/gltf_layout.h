@@ -12,8 +12,8 @@
 // Where the lists of a model go in the one buffer of a glTF file.
 //
 // All positions are stored first, then all normals, and so on: a buffer view for each kind of list,
-// and an accessor for each list. Images follow, each with its own view. Section 3.6 of the glTF 2.0
-// specification defines the layout of vertex attributes and indices.
+// and an accessor for each list. Images follow, each with its own view. See glTF 2.0, section 3.6,
+// for the layout of vertex attributes and indices.
 
 namespace meshcast::exporter {
 

@@ -12,8 +12,7 @@
 #include <memory>
 #include <utility>
 
-// A binary glTF file is its JSON and its buffer, each in a chunk: section 4 of glTF's 2.0
-// specification.
+// A binary glTF file has two chunks: its JSON and its buffer (glTF 2.0, section 4).
 
 namespace meshcast::exporter {
 

@@ -31,7 +31,7 @@ std::string integer(Random& random, Words /*words*/) { return randomInteger(rand
 
 template <std::string (*One)(Random&, Words)>
 std::string list(Random& random, Words words) {
-    // Much in a shape depends on lists of one length.
+    // Often the same length, since shapes need lists of equal lengths.
     constexpr std::size_t kUsual = 4;
     std::string text = "[ ";
     for (std::size_t count = random.oneIn(2) ? kUsual : random.below(kLongestList); count > 0;
@@ -77,7 +77,7 @@ std::string image(Random& random, Words /*words*/) {
     return random.oneIn(12) ? randomInteger(random) + " " + randomInteger(random) + " 3 1" : value;
 }
 
-/// By meshcast::FieldType.
+/// In the order of meshcast::FieldType.
 constexpr ValueWriter kFieldTypes[] = {
     {"MFColor", list<reals<3>>}, {"MFFloat", list<reals<1>>}, {"MFLong", list<integer>},
     {"MFVec2f", list<reals<2>>}, {"MFVec3f", list<reals<3>>}, {"SFBitMask", mask},

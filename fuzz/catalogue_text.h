@@ -7,12 +7,11 @@
 #include <string_view>
 #include <vector>
 
-// Random pieces of scene text. What classes there are, with which fields and words, is asked of the
-// catalogue.
+// Random pieces of scene text, with the classes, fields and words of the catalogue.
 
 namespace meshcast::fuzz {
 
-/// Decisions that a seed determines.
+/// Pseudorandom decisions, determined by a seed.
 class Random {
 public:
     explicit Random(unsigned seed) : engine_(seed) {}
@@ -29,7 +28,7 @@ private:
     std::minstd_rand engine_;
 };
 
-/// A field type, and how a value of it is written.
+/// A field type with a function that writes a random value of it.
 struct ValueWriter {
     std::string_view name; ///< As in `fields` declarations.
     std::string (*value)(Random& random, std::span<const std::string> words);
@@ -47,23 +46,24 @@ struct CatalogueField {
 
 struct CatalogueClass {
     std::string_view name;
-    bool isGroup; ///< Children may stand in its body.
+    bool isGroup; ///< Its body may have children.
     std::vector<CatalogueField> fields;
 
     /// The field of that name, or null.
     const CatalogueField* find(std::string_view fieldName) const;
 };
 
-/// All classes that a scene may name, with their fields in their order.
+/// All classes of nodes, with their fields in the order of declaration.
 std::span<const CatalogueClass> catalogue();
 /// The class of that name, or null.
 const CatalogueClass* findClass(std::string_view name);
 
-/// A number as indices are: mostly small, -1 often, sometimes far out.
+/// A number like those in lists of indices: mostly small, often -1, sometimes far out of range.
 std::string randomInteger(Random& random);
-/// A number as coordinates are, sometimes one that breaks arithmetic.
+/// A number like coordinates, sometimes one that makes arithmetic overflow.
 std::string randomReal(Random& random);
-/// A node with some of its fields, of the catalogue or of a class that declares its own.
+/// A node with some of its fields. Its class is one of the catalogue, or one that declares its
+/// fields.
 std::string randomNode(Random& random);
 
 } // namespace meshcast::fuzz

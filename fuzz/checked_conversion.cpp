@@ -34,7 +34,7 @@ const std::string& imageFolder() {
     return folder;
 }
 
-/// Splits a command as a shell would; empty when the shell would see more in it than words.
+/// Splits a command as a shell would. Empty if the shell would do more than start one program.
 std::vector<std::string> shellWords(const char* command) {
     std::vector<std::string> words(1);
     bool quoted = false;
@@ -62,14 +62,15 @@ bool isConverting = false;
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
 extern "C" int __real_system(const char* command);
 
-/// Stands in for the shell that runs image converters. (The fuzzer uses the shell for itself.)
+/// Replaces the shell that runs image converters; checks their commands. Other calls, which are
+/// those of the fuzzer itself, run as usual.
 extern "C" int __wrap_system(const char* command) {
     if (!isConverting) {
         return __real_system(command);
     }
     const std::vector<std::string> words = shellWords(command);
     if (words.size() != 3 || !words[2].starts_with(imageFolder() + "/")) {
-        meshcast::fuzz::finding("the shell is told: %s", command);
+        meshcast::fuzz::finding("a command that is not safe in a shell: %s", command);
     }
     return 0;
 }
@@ -79,10 +80,10 @@ namespace meshcast::fuzz {
 
 namespace {
 
-/// Bounds the walk of a scene by what its nodes cost, counted as often as USE makes them occur.
+/// Limits the cost of walking a scene. Nodes count each time that USE repeats them.
 class WalkBudget {
 public:
-    /// False once the budget is used up.
+    /// False once the budget is exceeded.
     bool allows(const QvNode& node) {
         left_ -= cost(node);
         if (left_ < 0) {
@@ -92,7 +93,7 @@ public:
         if (group == nullptr || !open_.insert(group).second) {
             return true;
         }
-        const ChildList& children = group->getChildList();
+        const ChildList children = group->getChildList();
         const bool fits = std::all_of(children.begin(), children.end(),
                                       [this](const QvNode* child) { return allows(*child); });
         open_.erase(group);
@@ -127,8 +128,8 @@ struct Outcome {
     std::string messages;
 };
 
-/// Reads the scene in pieces of a size, and converts it unless that would take long. What comes
-/// again is written from a copy, or converted again.
+/// Reads the scene in pieces of a given size, and converts it unless that would take long. Repeated
+/// shapes are written as copies of their records, or converted again.
 Outcome run(std::string_view text, std::size_t pieceSize, bool takesCopies,
             const ConvertOptions& options) {
     Scene scene;
@@ -157,7 +158,8 @@ void compare(const Outcome& a, const Outcome& b) {
     if (a.messages != b.messages) {
         finding("messages differ:\n%s---\n%s", a.messages.c_str(), b.messages.c_str());
     }
-    check(a.objects.size() == b.objects.size(), "the numbers of objects differ");
+    check(a.objects.size() == b.objects.size(),
+          "the two conversions have different numbers of objects");
     for (std::size_t i = 0; i < a.objects.size(); ++i) {
         if (ObjectValues(a.objects[i]) != ObjectValues(b.objects[i])) {
             finding("object %zu differs", i);

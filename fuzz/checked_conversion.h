@@ -4,13 +4,13 @@
 
 namespace meshcast::fuzz {
 
-/// The whole road of a scene, in memory: any bytes are read, walked and converted, and what comes
-/// out must decode, record by record. Every scene takes the road twice, in ways that must make no
-/// difference: read at once and written in version 10, and read in small pieces and written in
-/// version 7. Values and messages are compared. Whether objects are verified, text becomes labels
-/// and textures are prepared follows from the scene's bytes.
+/// Converts any bytes in memory and checks that the output can be decoded. Every scene is converted
+/// twice: read as a whole and written in version 10, then read in small pieces and written in
+/// version
+/// 7. Both must give the same values and messages. The bytes of the scene decide whether objects
+/// are verified, and whether text and textures are converted.
 ///
-/// A scene whose walk would take long, since USE repeats much of it, is only read.
+/// A scene that would take long to walk, since USE repeats much of it, is only read.
 void convertAndCheck(std::string_view scene);
 
 } // namespace meshcast::fuzz

@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 
-// Any bytes as a scene.
+// Converts any bytes as a scene.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Longer scenes take long without telling more.
+    // Longer scenes take more time but find no more errors.
     constexpr std::size_t kLongestScene = 65'536;
     if (size <= kLongestScene) {
         meshcast::fuzz::convertAndCheck({reinterpret_cast<const char*>(data), size});

@@ -4,7 +4,7 @@
 #include <set>
 #include <string>
 
-// Prints the words of the scene language as a dictionary for the fuzzer.
+// Prints the words of the scene language as a dictionary for libFuzzer.
 
 namespace {
 

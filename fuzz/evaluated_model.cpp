@@ -21,7 +21,7 @@ public:
 } // namespace
 
 Model modelOf(const std::uint8_t* data, std::size_t size) {
-    // Looking for fonts takes long.
+    // Searching for fonts takes too long.
     static const FontFile font = findInstalledFont({});
     EvaluateOptions options;
     options.findFont = [](const FontRequest&) { return font; };

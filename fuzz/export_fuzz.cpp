@@ -10,8 +10,8 @@
 #include <tiny_gltf.h>
 #include <utility>
 
-// What is exported of any scene is read again by another implementation of the format, and holds
-// as much as the model did.
+// Exports any bytes as a scene, loads the file with an independent implementation of the format,
+// and compares the numbers of elements with the model.
 
 using namespace meshcast;
 using fuzz::check;
@@ -25,10 +25,10 @@ public:
     std::string bytes;
 };
 
-/// Every list of a file lies in its buffer.
+/// Checks that every accessor is inside its buffer.
 void checkAccessors(const tinygltf::Model& gltf) {
     for (const tinygltf::Accessor& accessor : gltf.accessors) {
-        check(accessor.bufferView >= 0 && accessor.count > 0, "a list with something in it");
+        check(accessor.bufferView >= 0 && accessor.count > 0, "an accessor is empty");
         const auto& view = gltf.bufferViews.at(static_cast<std::size_t>(accessor.bufferView));
         const auto component =
             tinygltf::GetComponentSizeInBytes(static_cast<std::uint32_t>(accessor.componentType));
@@ -37,8 +37,9 @@ void checkAccessors(const tinygltf::Model& gltf) {
         const auto size = static_cast<std::size_t>(component * components) * accessor.count;
         check(accessor.byteOffset + size <= view.byteLength &&
                   view.byteOffset + view.byteLength <= gltf.buffers.at(0).data.size(),
-              "a list within its buffer");
-        check(accessor.byteOffset % static_cast<std::size_t>(component) == 0, "an aligned list");
+              "an accessor exceeds its buffer");
+        check(accessor.byteOffset % static_cast<std::size_t>(component) == 0,
+              "an accessor is not aligned");
     }
 }
 
@@ -52,7 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t materials = model.materials.size();
     const exporter::Exported exported =
         exporter::exportModel(std::move(model), *exporter::findFormat("glb"), {"fuzz"});
-    check(exported.failure.empty() && exported.files.size() == 1, "one file");
+    check(exported.failure.empty() && exported.files.size() == 1,
+          "the export fails or gives several files");
     StringSink sink;
     exported.files[0].write(sink);
 
@@ -62,10 +64,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool isLoaded = loader.LoadBinaryFromMemory(
         &gltf, &errors, &warnings, reinterpret_cast<const unsigned char*>(sink.bytes.data()),
         static_cast<unsigned>(sink.bytes.size()));
-    check(isLoaded && errors.empty() && warnings.empty(), "a file that can be loaded");
+    check(isLoaded && errors.empty() && warnings.empty(),
+          "the file cannot be loaded without errors or warnings");
     check(gltf.nodes.size() == nodes && gltf.meshes.size() == meshes &&
               gltf.materials.size() == materials,
-          "all that the model holds");
+          "the file has other numbers of nodes, meshes or materials than the model");
     checkAccessors(gltf);
     return 0;
 }

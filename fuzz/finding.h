@@ -5,11 +5,11 @@
 #include <cstdlib>
 #include <unistd.h>
 
-// How the fuzz targets say that something is wrong.
+// Reports of the fuzz targets.
 
 namespace meshcast::fuzz {
 
-/// Standard error as it was when it was first asked for: runs print into a file of their own.
+/// A copy of standard error as it was at the first call. Later it may be redirected to a file.
 inline int originalStandardError() {
     static const int kept = dup(STDERR_FILENO);
     return kept;
@@ -26,6 +26,7 @@ inline int originalStandardError() {
     std::abort();
 }
 
+/// Prints the finding unless the condition holds.
 inline void check(bool holds, const char* what) {
     if (!holds) {
         finding("%s", what);

@@ -28,7 +28,8 @@ T& component(std::array<T, Width>& element, std::size_t index) {
     return element[index];
 }
 
-/// The first `count` elements of a list, each of `Width` values; zeros where the list has ended.
+/// The first `count` elements of a list, each of `Width` values, with zeros after the end of the
+/// list.
 template <class Element, std::size_t Width = std::size(Element{}), class T, int N>
 std::vector<Element> elements(const GEOMlist<T, N>* list, std::int64_t count) {
     std::vector<Element> result(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)));

@@ -5,8 +5,8 @@
 
 namespace meshcast::fuzz {
 
-/// The object as a reader of its record must find it: its own lists, with zeros for what its flags
-/// promise and its lists lack.
+/// The object that a reader of its record must find: its lists, with zeros for elements that its
+/// flags announce but its lists do not have.
 geom_stream::Object heldValues(const GEOMobj& object);
 
 } // namespace meshcast::fuzz

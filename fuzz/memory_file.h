@@ -9,7 +9,7 @@
 
 namespace meshcast::fuzz {
 
-/// A file in memory that stays open for the process's life.
+/// A file in memory, open until the process ends.
 class MemoryFile {
 public:
     MemoryFile() : descriptor_(memfd_create("fuzz", 0)) {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-// Any text as a number: whatever the scanner takes has the value that the C library gives it.
+// Scans any text as a number and compares the value with that of the C library.
 
 using namespace meshcast;
 using namespace meshcast::fuzz;
@@ -20,14 +20,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string taken(text.c_str(), real.end);
         if (std::bit_cast<std::uint64_t>(real.value) !=
             std::bit_cast<std::uint64_t>(std::strtod(taken.c_str(), nullptr))) {
-            finding("another real than that of %s", taken.c_str());
+            finding("%s has another value as a real number in the C library", taken.c_str());
         }
     }
     const ScannedInteger integer = scanInteger(text.c_str());
     if (integer.ok) {
         const std::string taken(text.c_str(), integer.end);
         if (integer.value != static_cast<std::int32_t>(std::strtoll(taken.c_str(), nullptr, 0))) {
-            finding("another integer than that of %s", taken.c_str());
+            finding("%s has another value as an integer in the C library", taken.c_str());
         }
     }
     return 0;

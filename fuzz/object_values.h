@@ -14,9 +14,9 @@
 
 namespace meshcast::fuzz {
 
-/// All that an object holds as one list of numbers, each array with its length before it, so that
-/// two objects can be compared. Floats are their bits: not-a-number equals itself. Left out is what
-/// depends on the version or the place in the stream: offset, size, version, header size.
+/// All values of an object as one list of numbers, for comparisons. Each array has its length
+/// before it. Floats are stored as bits, so that NaN equals itself. Offset, size, version and
+/// header size are left out, since they depend on the version and the position in the stream.
 class ObjectValues {
 public:
     explicit ObjectValues(const geom_stream::Object& object) {

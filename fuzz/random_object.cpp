@@ -20,7 +20,7 @@ namespace {
 
 using Floats = std::vector<float>;
 
-/// Bits that promise arrays: a set one without its array is a promise of zeros.
+/// The flags that announce arrays. If there is no such array, zeros are written.
 constexpr std::uint32_t kPromises = GEOM_HAS_NORMALS | GEOM_HAS_COLORS | GEOM_HAS_UVS |
                                     GEOM_HAS_UVWS | GEOM_HAS_LABEL_DATA | GEOM_HAS_PRIMITIVE_DATA |
                                     GEOM_HAS_VERTEX_DATA | GEOM_HAS_VERTEX_TRANS;
@@ -39,7 +39,7 @@ std::vector<T> held(const GEOMlist<T, N>* list) {
                            : std::vector<T>(list->data, list->data + list->used * N);
 }
 
-/// By their bits: not-a-number is equal to itself.
+/// Compares bits, so that NaN equals itself.
 template <class T>
 bool areSame(const std::vector<T>& a, const std::vector<T>& b) {
     static_assert(sizeof(T) == sizeof(std::uint32_t));
@@ -83,12 +83,12 @@ private:
 
     bool maybe() { return choices_.ConsumeBool(); }
     std::int64_t smallCount() { return choices_.ConsumeIntegralInRange<std::int64_t>(0, 7); }
-    /// Small too, but for some counts that take an array over the end of a piece of the stream.
+    /// Mostly small; sometimes so large that arrays cross the end of a piece of the stream.
     std::int64_t vertexCount() {
         const auto count = choices_.ConsumeIntegralInRange<std::int64_t>(0, 31);
         return count < 28 ? count % 8 : 100 * (count - 20);
     }
-    /// A count where `expected` is right.
+    /// The expected count, or any count if the object may be invalid.
     std::int64_t countLike(std::int64_t expected) {
         return isSound_ ? expected : choices_.ConsumeIntegralInRange<std::int64_t>(-1, 9);
     }
@@ -127,8 +127,8 @@ private:
 
     // ---- additions, each checked
 
-    /// Calls add(array, flag), and checks that the list holds the result after what it held. An
-    /// object without such a list refuses the array.
+    /// Calls add(array, flag) and checks that the result was appended to the list. An object
+    /// without such a list must refuse the array.
     template <class Given, class T, int N, class Add>
     void add(const GEOMlist<T, N>* list, const std::vector<Given>& given,
              const std::vector<T>& result, Add addArray) {
@@ -142,7 +142,7 @@ private:
         if (!taken) {
             std::free(copy);
         }
-        check(areSame(held(list), expected), "a list does not hold what was added");
+        check(areSame(held(list), expected), "elements were not appended to a list");
     }
 
     void addVertices(std::int64_t n) {
@@ -196,7 +196,7 @@ private:
             [&](const float* array, int flag) { GEOMadd_radii(object_.get(), array, n, flag); });
     }
 
-    /// Adds some of what vertices may have, in batches whose sizes are given.
+    /// Adds some vertex attributes, in batches of the given sizes.
     void addData(const std::vector<std::int64_t>& batches, bool uvsToo = true) {
         using Adder = void (Maker::*)(std::int64_t);
         constexpr Adder kAdders[] = {&Maker::addNormals, &Maker::addColors, &Maker::addVertexData,
@@ -241,7 +241,7 @@ private:
         if (!taken) {
             std::free(copy);
         }
-        check(areSame(held(&object_->mesh.vertices), vertices), "a mesh lacks its vertices");
+        check(areSame(held(&object_->mesh.vertices), vertices), "a mesh has wrong vertices");
         isSound_ = isSound_ && (hasVertices || u * v == 0);
         addData({u * v});
         if (maybe()) {
@@ -256,14 +256,15 @@ private:
             addPolygons();
         }
         const int normals = choices_.ConsumeIntegralInRange(0, 2);
-        // Facet normals give every corner a vertex of its own, but no texture coordinates.
+        // Generating facet normals gives every corner its own vertex, but drops texture
+        // coordinates.
         addData(batches, normals != 2 || !isSound_);
         if (normals != 0) {
             generateNormals(normals - 1);
         }
     }
 
-    /// The number of a vertex, mostly of one that is there.
+    /// The number of a vertex, mostly a valid one.
     std::int32_t corner() {
         const auto choice = choices_.ConsumeIntegralInRange<std::int32_t>(0, 31);
         if (choice == 31) {
@@ -293,7 +294,7 @@ private:
         if (!taken) {
             std::free(copy);
         }
-        check(polygonEntries() == expected, "a polygon list does not hold what was added");
+        check(polygonEntries() == expected, "polygons were not appended to a polygon list");
     }
 
     void makePolytriangle() {
@@ -305,7 +306,7 @@ private:
         }
         while (maybe() && choices_.remaining_bytes() > 0) {
             const std::int64_t n = vertexCount();
-            // What a sound object's flags promise, all of its parts have.
+            // All parts of a valid object have the arrays that its flags announce.
             if (maybe() && !(isSound_ && colored)) {
                 addVertices(n);
             } else {
@@ -340,13 +341,13 @@ private:
         if (all.lines != before) {
             check(areSame(held(&all.line_vertices[before]), vertices) &&
                       (!colored || areSame(held(&all.line_colors[before]), colors)),
-                  "a polyline does not hold what was added");
+                  "a polyline has wrong vertices or colours");
         } else {
             check(n == 0 || !colored, "a polyline was not added");
         }
     }
 
-    /// Gives lists for which there are no functions some elements.
+    /// Adds elements to the lists for which the library has no functions.
     void fill(const geom::Part& part) {
         const auto extend = [this]<class T, int N>(GEOMlist<T, N>* list) {
             if (list == nullptr || !maybe()) {
@@ -378,7 +379,7 @@ private:
                                         nullptr, nullptr, n, GEOM_COPY));
         check(areSame(held(&object_->sphere.centers), centers) &&
                   (!haveRadii || areSame(held(&object_->sphere.radii), radii)),
-              "spheres are not where they were created");
+              "a sphere object has wrong centres or radii");
         if (!isSound_ && maybe()) {
             addRadii(countLike(n));
         }
@@ -400,7 +401,7 @@ private:
                           (isSound_ ? colored : maybe()) ? color.data() : nullptr,
                           choices_.ConsumeIntegralInRange(-1, 3));
             const GEOMlabels& labels = object_->label;
-            check(labels.texts.data[labels.texts.used - 1] == text, "a label lacks its text");
+            check(labels.texts.data[labels.texts.used - 1] == text, "a label has a wrong text");
         }
         if (!isSound_) {
             addVertices(smallCount());
@@ -426,15 +427,16 @@ private:
         checkNormals();
     }
 
-    /// The normals of tame vertices have length 1, or 0 where there is no direction.
+    /// In a valid object, normals have length 1, or 0 if there is no direction.
     void checkNormals() {
         const geom::Part part = geom::partOf(*object_);
         const Floats normals = held(part.normals);
         check(!isSound_ || part.normals->used == part.vertices->used,
-              "normals do not match the vertices");
+              "the numbers of normals and vertices differ");
         for (std::size_t i = 0; isSound_ && i < normals.size(); i += 3) {
             const float length = std::hypot(normals[i], normals[i + 1], normals[i + 2]);
-            check(length == 0 || std::fabs(length - 1) < 1e-4F, "a normal has not length 1");
+            check(length == 0 || std::fabs(length - 1) < 1e-4F,
+                  "the length of a normal is neither 0 nor 1");
         }
     }
 
@@ -446,7 +448,7 @@ private:
         return {list.data, list.data + list.polygons + list.indices};
     }
 
-    /// Every corner has become a vertex of its own: what it named before, or zeros.
+    /// Every corner must have its own copy of its vertex, or zeros if its index was invalid.
     void checkCorners(const Floats& before, const std::vector<std::int64_t>& polygons) {
         const Floats vertices = held(geom::partOf(*object_).vertices);
         Floats expected;
@@ -464,7 +466,7 @@ private:
             }
         }
         check(areSame(vertices, expected), "the corners' vertices are not those they named");
-        check(polygonEntries() == numbered, "the corners are not numbered in their order");
+        check(polygonEntries() == numbered, "the corners are not numbered in order");
     }
 
     // ---- the header

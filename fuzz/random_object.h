@@ -14,12 +14,13 @@ using OwnedObject = std::unique_ptr<GEOMobj, DestroyObject>;
 
 struct RandomObject {
     OwnedObject object;
-    /// All arrays match, and no number is out of its range: verification has nothing to find.
+    /// Whether the lengths of all arrays match and all numbers are in range, so that verification
+    /// finds no error.
     bool isSound;
 };
 
-/// An object of any kind, made of the fuzzer's bytes by the library's own functions. What they add
-/// is checked on the way, and so are the normals that they generate.
+/// An object of any kind, built from the fuzzer's bytes by the functions of the library. The
+/// elements that they add and the normals that they generate are checked.
 RandomObject randomObject(FuzzedDataProvider& choices);
 
 } // namespace meshcast::fuzz

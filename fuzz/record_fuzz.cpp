@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-// Random objects, written in both versions: what the decoder reads must be what the objects hold.
+// Writes random objects in both versions, decodes the records, and compares the values.
 
 namespace {
 
@@ -22,14 +22,14 @@ using namespace meshcast::fuzz;
 
 int findings = 0;
 
-/// Those of the current input, but for the version.
+/// The settings of the current input; the version is set for each write.
 GEOMsettings settings;
 
 void verify(const RandomObject& object) {
     findings = 0;
     const int passed = GEOMcheck_obj(object.object.get(), 0, [](const char*) { ++findings; });
-    check(passed != 0 || findings > 0, "an object fails without a finding");
-    check(!object.isSound || findings == 0, "a sound object has findings");
+    check(passed != 0 || findings > 0, "verification fails without a finding");
+    check(!object.isSound || findings == 0, "verification has findings for a valid object");
 }
 
 std::string written(const std::vector<RandomObject>& objects, bool raw, int flags) {
@@ -54,11 +54,11 @@ void checkDecoded(const std::vector<RandomObject>& objects, const std::string& s
     for (std::size_t i = 0; i < objects.size(); ++i) {
         check(decoded.objects[i].version == version, "another version was written");
         check(ObjectValues(decoded.objects[i]) == ObjectValues(heldValues(*objects[i].object)),
-              "an object is read back as another");
+              "a decoded object differs from the one written");
     }
 }
 
-/// The flags of a write drop bits from the header's fourth word, and change nothing else.
+/// Checks that the flags of a write clear bits of `data` in the header and change nothing else.
 void checkDroppedBits(const std::vector<RandomObject>& objects, std::string stream) {
     constexpr int kDropped = GEOM_HAS_NORMALS | GEOM_HAS_COLORS;
     constexpr std::size_t kLowestByteOfData = 11;
@@ -67,7 +67,7 @@ void checkDroppedBits(const std::vector<RandomObject>& objects, std::string stre
         char& byte = stream[object.offset + kLowestByteOfData];
         byte = static_cast<char>(static_cast<unsigned char>(byte) & ~kDropped);
     }
-    check(written(objects, false, kDropped) == stream, "dropping flags changes more than them");
+    check(written(objects, false, kDropped) == stream, "clearing flags changes other bytes");
 }
 
 } // namespace
@@ -92,6 +92,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     GEOMobj* const kept = objects.front().object.get();
     ++kept->refs;
-    check(GEOMdestroy_obj(kept) == 1, "an object with references is gone");
+    check(GEOMdestroy_obj(kept) == 1, "an object with references was destroyed");
     return 0;
 }

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// Scenes that make sense, or nearly: scene_mutator.cpp makes them.
+// Converts scenes that are valid, or nearly so; scene_mutator.cpp makes them.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     meshcast::fuzz::convertAndCheck({reinterpret_cast<const char*>(data), size});

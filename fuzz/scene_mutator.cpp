@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-// Mutations of a scene's structure, for the targets whose inputs are scenes that make sense, or
-// nearly. An input is a scene's text, so that scenes are seeds and findings are scenes.
+// Mutations of the structure of scenes, for targets whose inputs are scenes that are valid, or
+// nearly so. Inputs are texts of scenes, so any scene can be a seed, and every finding is a scene.
 
 using namespace meshcast::fuzz;
 

@@ -41,7 +41,7 @@ void SceneText::findTokens() {
 
 void SceneText::findStructure() {
     const auto is = [this](std::size_t token, std::string_view word) {
-        return token < tokens_.size() && at(tokens_[token]) == word; // Token -1 is none.
+        return token < tokens_.size() && at(tokens_[token]) == word; // Token -1 does not exist.
     };
     constexpr std::string_view kNumberStart = "0123456789+-.";
     std::vector<std::size_t> open;
@@ -119,7 +119,7 @@ std::string replaced(const SceneText& scene, Stretch stretch, std::string_view b
     return std::string(scene.text()).replace(stretch.begin, stretch.size(), by);
 }
 
-/// Replaces two stretches; the texts must be copies.
+/// Replaces two ranges. The new texts must not be views of the scene.
 std::string replacedBoth(const SceneText& scene, Stretch a, std::string_view byA, Stretch b,
                          std::string_view byB) {
     std::string text = scene.text();
@@ -128,12 +128,12 @@ std::string replacedBoth(const SceneText& scene, Stretch a, std::string_view byA
         std::swap(byA, byB);
     }
     if (a.begin < b.end) {
-        return text; // One in the other.
+        return text; // One contains the other.
     }
     return text.replace(a.begin, a.size(), byA).replace(b.begin, b.size(), byB);
 }
 
-/// A place where a child may stand; the end of the scene if there is no group.
+/// A position where a child may be inserted; the end of the scene if there is no group.
 Stretch childPlace(const SceneText& scene, Random& random) {
     std::vector<const Node*> groups;
     for (const Node& node : scene.nodes()) {
@@ -156,7 +156,7 @@ std::string insertChild(const SceneText& scene, std::string_view child, Random& 
     return replaced(scene, childPlace(scene, random), std::string(" ").append(child).append(" "));
 }
 
-// ---- mutations: each makes a new text, or gives the old one where it does not apply
+// ---- mutations: each returns a new text, or the old one if it is not applicable
 
 std::string insertNodes(const SceneText& scene, Random& random) {
     std::string nodes = randomNode(random);
@@ -250,7 +250,7 @@ std::string changeList(const SceneText& scene, Random& random) {
     if (tokens.empty()) {
         return replaced(scene, list, " " + randomInteger(random) + " ");
     }
-    // A part of the list, from one token to another, goes or comes twice.
+    // Removes or repeats a part of the list.
     std::size_t first = random.below(tokens.size());
     std::size_t last = random.below(tokens.size());
     if (last < first) {
@@ -273,7 +273,7 @@ std::string changeToken(const SceneText& scene, Random& random) {
 
 using Mutation = std::string (*)(const SceneText&, Random&);
 
-/// Those that lead into the conversion more often than those that end in read errors.
+/// Mutations that keep scenes readable occur more often than those that cause read errors.
 constexpr Mutation kMutations[] = {
     insertNodes, insertNodes,  insertNodes,  setField,   setField,   setField,
     setField,    repeatNode,   removeNode,   swapNodes,  wrapNode,   defineNode,

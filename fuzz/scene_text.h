@@ -9,7 +9,7 @@
 
 namespace meshcast::fuzz {
 
-/// A stretch of a text.
+/// A range of a text.
 struct Stretch {
     std::size_t begin;
     std::size_t end;
@@ -17,8 +17,8 @@ struct Stretch {
     std::size_t size() const { return end - begin; }
 };
 
-/// A scene's text with the structure that shows without reading it as a scene: tokens, nodes and
-/// lists. Any text has one; what makes no sense is in no node and no list.
+/// The text of a scene with its rough structure: tokens, nodes and lists. Any text is accepted;
+/// parts that are not valid belong to no node or list.
 class SceneText {
 public:
     explicit SceneText(std::string text);
@@ -26,7 +26,7 @@ public:
     /// A node with its braces, and the DEF before it if there is one.
     struct Node {
         Stretch all;
-        Stretch body;                      ///< What stands between the braces.
+        Stretch body;                      ///< The text between the braces.
         const CatalogueClass* class_;      ///< Null if unknown.
         std::vector<std::size_t> children; ///< Numbers of nodes.
     };
@@ -36,19 +36,19 @@ public:
         return std::string_view(text_).substr(stretch.begin, stretch.size());
     }
 
-    /// Parents stand before their children.
+    /// Parents come before their children.
     const std::vector<Node>& nodes() const { return nodes_; }
-    /// What stands between the brackets of each list.
+    /// The text between the brackets of each list.
     const std::vector<Stretch>& lists() const { return lists_; }
     const std::vector<Stretch>& numbers() const { return numbers_; }
     const std::vector<Stretch>& tokens() const { return tokens_; }
     /// The names after DEF.
     const std::vector<Stretch>& definedNames() const { return definedNames_; }
 
-    /// The field with its value, where the node's own body sets it; else an empty stretch where it
-    /// could stand.
+    /// The field with its value, if the body of the node sets it; else an empty range where it can
+    /// be inserted.
     Stretch findField(const Node& node, std::string_view name) const;
-    /// The tokens of a stretch.
+    /// The tokens of a range.
     std::vector<Stretch> tokensOf(Stretch stretch) const;
 
 private:
@@ -63,11 +63,11 @@ private:
     std::vector<Stretch> definedNames_;
 };
 
-/// Changes the structure of a scene at random: nodes come, go, repeat, swap, get names and are
-/// used, fields get values of their types, numbers and lists change.
+/// Changes the structure of a scene at random: nodes are inserted, removed, repeated, swapped,
+/// named and used; fields get values of their types; numbers and lists change.
 std::string mutatedScene(std::string text, Random& random);
 
-/// A scene with one of its nodes replaced by one of another's.
+/// A scene with one of its nodes replaced by a node of another scene.
 std::string crossedScenes(const std::string& text, const std::string& other, Random& random);
 
 } // namespace meshcast::fuzz

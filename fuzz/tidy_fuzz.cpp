@@ -12,16 +12,17 @@
 #include <string>
 #include <string_view>
 
-// Whatever goes into the tidier is refused, or what comes out is read to its end without a word,
-// and tidying it again changes nothing. A scene that could be read before has the same stream.
+// Repairs any bytes. Unless they are refused, the result must be read to its end without a message,
+// and repairing it again must not change it. If the scene could be read before, its stream must not
+// change.
 
 namespace {
 
 struct Read {
     bool ok;
-    bool atEnd; ///< Nothing but space and comments stands after the node.
+    bool atEnd; ///< Only space and comments follow the node.
     std::string messages;
-    std::string stream; ///< Of a scene that is walked.
+    std::string stream; ///< If the scene is walked.
 };
 
 Read read(std::string_view text, bool walks) {
@@ -50,7 +51,7 @@ Read read(std::string_view text, bool walks) {
     std::abort();
 }
 
-/// A few bytes of USE make any number of shapes.
+/// Whether a scene has few USE, which could otherwise repeat shapes any number of times.
 bool isQuicklyWalked(std::string_view text) {
     std::size_t uses = 0;
     for (std::size_t at = text.find("USE"); at != std::string_view::npos;
@@ -60,8 +61,9 @@ bool isQuicklyWalked(std::string_view text) {
     return uses <= 4;
 }
 
-/// The filter takes a byte 255 for an end in places, `1.#INF` for a 1, and `a#b` or `a"b` for a
-/// name, where no braces are to be found; there the tidier may see another scene.
+/// Whether the tidier must see the same scene as the filter. The filter reads a byte 255 as an end
+/// in places, `1.#INF` as 1, and `a#b` or `a"b` as a name, and ignores braces inside it; the tidier
+/// differs.
 bool isPlain(std::string_view text) {
     constexpr std::string_view kApart = " \t\r\n\f\v{}[](),;|";
     for (std::size_t at = text.find_first_of("#\"\xff"); at != std::string_view::npos;
@@ -102,19 +104,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options.report = [&said](const tidy::Message& message) { said.append(message.what) += '\n'; };
     const tidy::Result again = tidy::tidy(*tidied.text, options);
     if (again.text != tidied.text || again.repairs != 0) {
-        fail("not the same when tidied again", *tidied.text + "\n----\n" + scene, said);
+        fail("repairing the result again changes it", *tidied.text + "\n----\n" + scene, said);
     }
     const bool isCompared = isPlain(scene);
     const bool walks = isCompared && isQuicklyWalked(scene);
     const Read after = read(*tidied.text, walks);
     if (!after.ok || !after.messages.empty() || !after.atEnd) {
-        fail("not read to its end", *tidied.text, reports + after.messages);
+        fail("the result is not read to its end without a message", *tidied.text,
+             reports + after.messages);
     }
-    // Where point sets show all points, the stream becomes a better one.
+    // Repaired point sets show all points, so their stream may change.
     if (walks && scene.find("PointSet") == std::string::npos) {
         const Read before = read(scene, walks);
         if (before.ok && before.atEnd && before.messages.empty() && before.stream != after.stream) {
-            fail("another stream", *tidied.text, scene);
+            fail("the repaired scene has another stream", *tidied.text, scene);
         }
     }
     return 0;

@@ -24,7 +24,7 @@ DEBUG = "-DCMAKE_BUILD_TYPE=Debug"
 GCC = "-DCMAKE_CXX_COMPILER=g++"
 CLANG = "-DCMAKE_CXX_COMPILER=clang++"
 
-# For each build its CMake arguments.
+# The CMake arguments of each build.
 NATIVE = {
     "gcc -O3": [GCC, RELEASE],
     "gcc -O0": [GCC, DEBUG],
@@ -35,7 +35,7 @@ FOREIGN = {
     machine: [f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/{machine}.cmake", RELEASE]
     for machine in ("s390x", "i386")
 }
-# The emulator of a build's machine, and where it finds that machine's C library.
+# The emulator for each machine, with the folder of that machine's C library.
 EMULATORS = {
     "s390x": ["qemu-s390x", "-L", "/usr/s390x-linux-gnu"],
     "i386": ["qemu-i386", "-L", "/usr/i686-linux-gnu"],
@@ -47,7 +47,7 @@ ARGUMENTS = {FILTER: [], TIDIER: [], EXPORTER: ["--quiet", "--format", "glb", "-
 MOST_SHOWN = 5
 SECONDS_PER_SCENE = 300
 
-# The first of these tests start programs, which the kernel cannot do for another machine. Prefixes takes
+# All but the last two start programs, which does not work for programs of another machine. Prefixes takes
 # too long under emulation, since it converts each scene once for each of its bytes. ExhaustedMemory expects
 # the sizes of records with 64-bit pointers.
 TESTS_LEFT_OUT = ("Scenes|Filter|Readme|Geomtool|VrmlTidy|ManPages|MeshcastBatch|"
@@ -55,7 +55,7 @@ TESTS_LEFT_OUT = ("Scenes|Filter|Readme|Geomtool|VrmlTidy|ManPages|MeshcastBatch
 
 
 def quietly(*command):
-    """Runs a command whose output matters only when it fails."""
+    """Runs a command. Prints its output only if it fails."""
     run = subprocess.run(command, cwd=ROOT, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     if run.returncode != 0:
         sys.stderr.buffer.write(run.stdout)

@@ -7,7 +7,7 @@
 #   --package      what scripts/package.sh needs
 #   --fuzz         what fuzzing needs
 #   --lint         what scripts/lint.sh needs
-#   --developer    these, and what the other checks of CONTRIBUTING.md and the benchmarks need
+#   --developer    all of the above, and what the other checks of CONTRIBUTING.md and the benchmarks need
 #   --portability  cross compilers and an emulator for scripts/portability.py
 set -eu
 

@@ -14,8 +14,9 @@ git ls-files '*.cpp' | grep -v -e '^bench/' -e '^fuzz/' -e '^tests/' |
         --enable=warning,style,performance,portability --suppressions-list=scripts/cppcheck-exceptions.txt ||
     failed=1
 
-# Nodes and names are kept until the end on purpose. Memory that is still reachable is no leak, nor is a
-# block that only a pointer into it leads to ("possibly lost"): so the allocator of the nodes keeps its own.
+# Nodes and names are not freed before the program ends, on purpose. So memory that is still reachable is not
+# a leak; nor are blocks with only a pointer into their middle ("possibly lost"), which the allocator of the
+# nodes has.
 scripts/build.sh release meshcast
 for scene in examples/*.wrl tests/scenes/*.wrl; do
     messages=$(valgrind --quiet --leak-check=full --errors-for-leak-kinds=definite \

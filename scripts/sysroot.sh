@@ -30,7 +30,8 @@ foreign_apt download libtirpc-dev libsodium-dev libcli11-dev nlohmann-json3-dev 
 for package in *.deb; do
     dpkg-deb -x "$package" "$sysroot"
 done
-# These links are broken without the packages of the shared libraries. The linker uses the archives.
+# Without the packages of the shared libraries, these links are broken. The linker then uses the static
+# libraries.
 rm "$sysroot"/usr/lib/*/libtirpc.so "$sysroot"/usr/lib/*/libz.so "$sysroot"/usr/lib/*/libsodium.so
 rm -r "$sysroot/packages"
 touch "$sysroot/complete"

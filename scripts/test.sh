@@ -10,6 +10,6 @@ scripts/setup.sh --tests
 scripts/build.sh "$preset"
 ctest --preset "$preset" --parallel "$(nproc)" --output-junit tests.xml
 if grep -q '<skipped' "build/$preset/tests.xml"; then
-    echo "test: a test was skipped because something that it needs is missing: see above" >&2
+    echo "test: a test was skipped; the output above names what it needs" >&2
     exit 1
 fi

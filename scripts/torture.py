@@ -22,7 +22,7 @@ FIELD = r'Couldn\'t read value for field "image"'
 
 
 class Scene:
-    """A head, a unit that is repeated up to the wanted size (numbered if it holds %x), and a tail."""
+    """A head, a unit that is repeated up to the given size (with a number in place of %x), and a tail."""
 
     def __init__(self, name, head, unit, tail=b"", says="", header=HEADER, limit=None):
         self.name, self.head, self.unit, self.tail = name, header + head, unit, tail
@@ -109,7 +109,7 @@ SCENES = [
     Scene("one name", b"Group { Switch {", b"DEF a LOD{}", b"} }"),
     Scene("references", b"Group { DEF a Switch{}", b"USE a ", b" }"),
     Scene("words", b"Info { string ", b"w%x string ", b"x }"),
-    # What the walk keeps
+    # State of the walk
     Scene("transforms in force", b"Group { DEF a Scale{}", b"USE a ", b" }"),
     Scene("materials in force", b"Group { DEF a Material{}", b"USE a ", b" }"),
     Scene("transform separators", b"Group { DEF a TransformSeparator{}", b"USE a ", b" }"),
@@ -150,7 +150,7 @@ def feed(pipe, pieces):
             pipe.write(piece)
         pipe.close()
     except BrokenPipeError:
-        pass  # The program does not read the rest.
+        pass  # The program has stopped reading.
 
 
 def run(program, scene, size):
@@ -189,7 +189,7 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program")
     parser.add_argument("--megabytes", type=float, default=100)
-    parser.add_argument("--only", default="", help="scenes whose name holds this word")
+    parser.add_argument("--only", default="", help="only scenes whose name contains this word")
     arguments = parser.parse_args()
     size = int(arguments.megabytes * 1e6)
     empty = run(arguments.program, Scene("", b"", b" "), 1)[1]

@@ -3,9 +3,9 @@
 
     scripts/torture_tidy.py PROGRAM [--megabytes 16] [--only WORD]
 
-Prints for each kind the nanoseconds and the bytes of memory per byte of input. Ends with status 1
-if a byte takes more than twice the time at the full size than at a sixteenth of it, if memory exceeds
-MOST bytes per byte, if the program crashes, or if a run takes longer than SECONDS.
+Prints for each kind the nanoseconds and the bytes of memory per byte of input. Ends with status 1 if the
+time per byte at the full size is more than twice that at a sixteenth of it, if memory exceeds MOST bytes
+per byte, if the program crashes, or if a run takes longer than SECONDS.
 """
 import argparse
 import gzip
@@ -23,7 +23,7 @@ NOTHING = 0.05  # seconds: shorter runs do not show growth
 
 
 def colliding_names():
-    """Words of one hash in the C++ library of 64-bit machines, by inverting MurmurHash64A."""
+    """Names with the same std::hash on 64-bit machines, found by inverting MurmurHash64A."""
     mask, multiplier = (1 << 64) - 1, 0xC6A4A7935BD1E995
     inverse = pow(multiplier, -1, 1 << 64)
     number = 0
@@ -42,7 +42,7 @@ def colliding_names():
 
 
 class Names(Scene):
-    """DEF with names that collide."""
+    """Definitions with names whose hashes collide."""
 
     def pieces(self, size):
         yield self.head
@@ -157,7 +157,7 @@ def check(program, scene, size):
 
 
 def check_inlines(program):
-    """A folder of files that inline one another, and scenes that inline them endlessly."""
+    """Makes a folder of scenes that inline one another, and scenes that inline these without end."""
     with tempfile.TemporaryDirectory() as folder:
         def write(name, data):
             with open(os.path.join(folder, name), "wb") as file:
@@ -191,7 +191,7 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program", type=os.path.abspath)
     parser.add_argument("--megabytes", type=float, default=16)
-    parser.add_argument("--only", default="", help="scenes whose name holds this word")
+    parser.add_argument("--only", default="", help="only scenes whose name contains this word")
     arguments = parser.parse_args()
     size = int(arguments.megabytes * (1 << 20))
     good = [check(arguments.program, scene, size) for scene in FAMILIES + SCENES

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Holds the sources to the layers of docs/architecture.md.
+"""Checks the sources against the layers of docs/architecture.md.
 
-Reads every #include of the project's own headers and reports a file that includes one of a folder it
-must not know, and files that include each other, directly or by way of others.
+Reads every #include of the project's own headers. Reports files that include a header of a folder that
+their layer must not use, and files that include each other, directly or indirectly.
 Usage: architecture_test.py ROOT
 """
 
@@ -10,7 +10,7 @@ import re
 import sys
 from pathlib import Path
 
-# For each folder the folders whose headers it may include, besides its own.
+# The folders whose headers each folder may include, besides its own.
 MAY_INCLUDE = {
     "io": [],
     "vrml": ["io"],
@@ -34,18 +34,18 @@ MAY_INCLUDE = {
     "bench": ["vrml", "compat/geom"],
 }
 EVERYTHING = ("tests", "fuzz")
-# The numbers of the stream, for those who write it and those who read it.
+# The constants of the stream format, for the writer and the readers.
 FOR_ALL = "compat/geom/format.h"
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 
 
 def folder_of(name):
-    """The folder of MAY_INCLUDE that a file lies in."""
+    """The folder of MAY_INCLUDE that a file is in."""
     return next((folder for folder in MAY_INCLUDE if name.startswith(folder + "/")), None)
 
 
-def circles(includes):
-    """Each circle of files that include one another, once."""
+def cycles(includes):
+    """Every cycle of files that include one another, once."""
     found, finished, path = [], set(), []
 
     def visit(name):
@@ -64,26 +64,26 @@ def circles(includes):
 
 
 def faults(sources):
-    """What is wrong with sources, a dictionary from names to texts."""
+    """The errors of sources, a dictionary from names to texts."""
     includes = {name: INCLUDE.findall(text) for name, text in sources.items()}
     for name, headers in sorted(includes.items()):
         if name.startswith(EVERYTHING):
             continue
         folder = folder_of(name)
         if folder is None:
-            yield f"{name} lies in no folder that has a layer"
+            yield f"{name} is in a folder without a layer"
             continue
         for header in headers:
             if header not in sources:
                 yield f"{name} includes {header}, which does not exist"
             elif header != FOR_ALL and folder_of(header) not in [folder, *MAY_INCLUDE[folder]]:
-                yield f"{name} includes {header}, of a layer that it must not know"
-    for circle in circles(includes):
-        yield "files include one another: " + " -> ".join(circle)
+                yield f"{name} includes {header} of a layer that it must not use"
+    for cycle in cycles(includes):
+        yield "files include one another: " + " -> ".join(cycle)
 
 
 def self_check():
-    """The check finds what it is for."""
+    """Checks that every kind of error is found."""
     sources = {
         "vrml/a.h": '#include "vrml/b.h"\n',
         "vrml/b.h": '  #  include "vrml/a.h"\n#include "convert/c.h"\n',

@@ -4,9 +4,8 @@
 
 namespace geom {
 
-/// GEOMgen_normals() with a given tolerance: a facet normal is zero if all its components are
-/// inside
-/// (-tolerance, tolerance).
+/// GEOMgen_normals() with a given tolerance: a facet normal is set to zero if all its components
+/// are between -tolerance and tolerance.
 void generateNormals(GEOMobj& obj, int mode, double tolerance);
 
 /// Normalises every normal of a mesh, a polyhedron, or the strips of a polytriangle. Zero vectors

@@ -1,4 +1,4 @@
-// Says what a viewer shows of the scene on standard input.
+// Counts what a viewer shows of the scene on standard input.
 
 #include "evaluate/evaluate.h"
 

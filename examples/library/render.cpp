@@ -1,4 +1,5 @@
-// Draws a picture of the scene on standard input and says how much of it the scene covers.
+// Draws a picture of the scene on standard input and prints the share of pixels that the scene
+// covers.
 
 #include "evaluate/evaluate.h"
 #include "render/picture.h"

@@ -16,7 +16,7 @@ function showTrouble(text) {
   byId('loading').hidden = true;
 }
 
-/** Appends the elements that `make` returns for the items, a few hundred at a time. */
+/** Appends the elements that `make` returns for the items, 200 at a time, with a button for more. */
 function appendInPortions(list, items, make) {
   const portion = 200;
   let next = 0;

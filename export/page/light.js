@@ -1,7 +1,7 @@
 const ambientShare = 0.15;
-const mostLights = 16; // Every graphics card supports this many.
+const mostLights = 16; // All graphics cards support this number.
 
-/** The headlight, which the camera carries, and the lights of the scene. */
+/** The lights of the scene, and a headlight that moves with the camera. */
 class Lighting {
   constructor(scene, model, select, changed) {
     this.sceneLights = [];

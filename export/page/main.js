@@ -32,7 +32,7 @@ function forgiveImages() {
 function showDimensions(box) {
   const say = (number) => Number(number.toPrecision(6)).toLocaleString('en', {maximumSignificantDigits: 6});
   const size = box.getSize(new THREE.Vector3());
-  fillTerms(byId('dimensions'), box.isEmpty() ? [['Size', 'nothing is shown']] : [
+  fillTerms(byId('dimensions'), box.isEmpty() ? [['Size', 'the scene is empty']] : [
     ['Width', say(size.x) + ' m'], ['Height', say(size.y) + ' m'], ['Depth', say(size.z) + ' m'],
     ['From', [box.min.x, box.min.y, box.min.z].map(say).join(', ')], ['To', [box.max.x, box.max.y, box.max.z].map(say).join(', ')],
   ]);
@@ -113,7 +113,7 @@ function offerPicking(viewer, objects) {
 
 function showScene(viewer, gltf) {
   const model = gltf.scene;
-  shadeClassically(model);
+  usePhongMaterials(model);
   viewer.scene.add(model);
   const box = new THREE.Box3().setFromObject(model);
   if (!box.isEmpty()) viewer.box = box;

@@ -43,7 +43,7 @@ class Objects {
   constructor(viewer, model) {
     this.viewer = viewer;
     this.root = treeOf(model);
-    this.nodes = new Map(); // From an object to its place in the tree.
+    this.nodes = new Map(); // From objects to their nodes in the tree.
     this.collect(this.root);
     this.helper = null;
     const list = element('ul');
@@ -159,7 +159,7 @@ class Objects {
     const swatch = element('span', undefined, {className: 'swatch'});
     swatch.style.background = color;
     shown.prepend(swatch);
-    const facts = [['Colour', material.vertexColors ? 'of its vertices' : shown]];
+    const facts = [['Colour', material.vertexColors ? 'by vertex' : shown]];
     facts.push(['Texture', material.map ? 'yes' : 'no']);
     if (material.transparent) facts.push(['Transparency', material.opacity < 1 ? Math.round((1 - material.opacity) * 100) + ' %' : 'yes']);
     return facts;

@@ -1,9 +1,9 @@
-// The report: repairs of the scene, and what the page does not show.
+// The report: repairs, messages of the reader, and how the page differs from the scene.
 function showReport(report) {
   const parts = [
     ['Repaired', (report.repairs || []).map((repair) => repair.file + ':' + repair.line + ': ' + repair.text)],
-    ['Said while reading', report.messages || []],
-    ['Not shown as the scene has it', (report.notes || []).map((note) => (note.where ? note.where + ': ' : '') + note.text)],
+    ['Messages while reading', report.messages || []],
+    ['Differences from the scene', (report.notes || []).map((note) => (note.where ? note.where + ': ' : '') + note.text)],
   ].filter(([, texts]) => texts.length > 0);
   const text = byId('reportText');
   let count = 0;

@@ -1,10 +1,10 @@
-// Makes three.js shade like vrmlexport's pictures: the classical model, computed in linear light and
+// Makes three.js shade like the pictures of vrmlexport: Phong materials, computed in linear light and
 // encoded as exact sRGB.
 
-/** Replaces text in three.js' shaders. Fails if the text is missing, rather than shade differently. */
+/** Replaces text in a shader of three.js. Fails if the text is missing, as the shading would differ. */
 function replaceInShader(chunk, before, after) {
   const shader = THREE.ShaderChunk[chunk];
-  if (shader.indexOf(before) < 0) throw new Error('three.js ' + THREE.REVISION + ' has other shaders than this page knows');
+  if (shader.indexOf(before) < 0) throw new Error('this page does not support the shaders of three.js ' + THREE.REVISION);
   THREE.ShaderChunk[chunk] = shader.replace(before, after);
 }
 
@@ -29,8 +29,8 @@ function addVertexAlpha(geometry) {
   return true;
 }
 
-/** Converts a material of GLTFLoader to the classical model. */
-function classicalMaterial(material) {
+/** Converts a material of GLTFLoader to a Phong material. */
+function phongMaterial(material) {
   if (!material.isMeshStandardMaterial) return material;
   const specular = (material.userData.gltfExtensions || {}).KHR_materials_specular || {};
   const hasHighlight = specular.specularFactor !== 0;
@@ -43,14 +43,14 @@ function classicalMaterial(material) {
 }
 
 /** Converts the materials of all objects under `root`. */
-function shadeClassically(root) {
+function usePhongMaterials(root) {
   const made = new Map();
   root.traverse((object) => {
     if (!object.material) return;
     const hasAlpha = addVertexAlpha(object.geometry);
     const key = object.material.uuid + (hasAlpha ? 'alpha' : '');
     if (!made.has(key)) {
-      const material = hasAlpha && !object.material.isMeshStandardMaterial ? object.material.clone() : classicalMaterial(object.material);
+      const material = hasAlpha && !object.material.isMeshStandardMaterial ? object.material.clone() : phongMaterial(object.material);
       material.depthWrite = !material.transparent;
       if (hasAlpha) material.onBeforeCompile = useVertexAlpha;
       if (object.isPoints) material.size = 3;

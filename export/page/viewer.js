@@ -4,14 +4,14 @@ class Viewer {
     this.canvas = canvas;
     const wanted = {antialias: true, alpha: false};
     const context = canvas.getContext('webgl2', wanted) || canvas.getContext('webgl', wanted);
-    if (!context) throw new Error('This browser cannot draw with WebGL. Its settings, or the driver of the graphics card, may have switched it off.');
+    if (!context) throw new Error('WebGL is not available in this browser. It may be disabled in the settings or by the graphics driver.');
     this.renderer = new THREE.WebGLRenderer({canvas, context, antialias: true});
     this.renderer.gammaOutput = true;
     this.scene = new THREE.Scene();
     this.box = new THREE.Box3(new THREE.Vector3(-1, -1, -1), new THREE.Vector3(1, 1, 1));
     this.lighting = null;
     this.isAsked = false;
-    canvas.addEventListener('webglcontextlost', (event) => { event.preventDefault(); showTrouble('The graphics card has stopped drawing. Reload the page to see the scene again.'); });
+    canvas.addEventListener('webglcontextlost', (event) => { event.preventDefault(); showTrouble('The browser has lost its connection to the graphics card. Reload the page to see the scene again.'); });
     canvas.addEventListener('keydown', (event) => this.pressed(event));
     new ResizeObserver(() => this.resize()).observe(canvas.parentElement);
   }
@@ -29,7 +29,7 @@ class Viewer {
     this.scene.add(this.camera);
     if (this.lighting) this.lighting.carry(this.camera);
     this.controls = new THREE.OrbitControls(this.camera, this.canvas);
-    this.controls.enableKeys = false; // The canvas handles keys; the controls would handle those of the whole window.
+    this.controls.enableKeys = false; // The canvas has its own key handler; that of the controls would listen to the whole window.
     this.controls.screenSpacePanning = true;
     this.controls.target.copy(view.target);
     this.resize();
@@ -81,7 +81,7 @@ class Viewer {
     });
   }
 
-  /** Turns the camera around the target, by two angles. */
+  /** Turns the camera around the target by two angles. */
   turn(sideways, upwards) {
     const toY = new THREE.Quaternion().setFromUnitVectors(this.camera.up.clone().normalize(), new THREE.Vector3(0, 1, 0));
     const offset = this.camera.position.clone().sub(this.controls.target).applyQuaternion(toY);

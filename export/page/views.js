@@ -2,9 +2,9 @@
 const fitAngle = Math.PI / 4;
 const fitMargin = 1.05;
 const stands = {
-  fit: {label: 'all of it', back: new THREE.Vector3(1, 1, 1.5)},
+  fit: {label: 'whole scene', back: new THREE.Vector3(1, 1, 1.5)},
   front: {label: 'front', back: new THREE.Vector3(0, 0, 1)},
-  // A view straight down has no up direction, so it leans very slightly towards the front.
+  // The up direction is +Y, so the camera must not look exactly straight down.
   top: {label: 'top', back: new THREE.Vector3(0, 1, 1e-5)},
   left: {label: 'left', back: new THREE.Vector3(-1, 0, 0)},
 };
@@ -48,9 +48,9 @@ function fittedView(name, box, aspectRatio) {
 }
 
 /**
- * The view of a camera of the scene. Reads the sizes from the file's JSON, since this three.js
- * takes half the height of an orthographic camera (ymag) for its full height. The view turns around a point at the
- * depth of the scene's centre.
+ * The view of a camera of the scene. Reads the sizes from the JSON of the GLB, because the loader of this
+ * three.js mistakes half the height of an orthographic camera (ymag) for its full height. The view turns
+ * around a point at the depth of the scene's centre.
  */
 function cameraView(camera, definition, box) {
   camera.updateWorldMatrix(true, false);

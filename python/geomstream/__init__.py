@@ -4,8 +4,8 @@
         for face in obj.faces():
             print(obj.vertices[face])
 
-Objects come one by one: memory follows the largest record, not the stream. Arrays are numpy arrays
-in the byte order of the machine.
+Objects are read one at a time, so memory depends on the largest record, not on the length of the stream.
+Arrays are numpy arrays in the byte order of the machine.
 """
 
 from ._items import StreamError

@@ -26,7 +26,7 @@ class StreamError(ValueError):
 
 
 class ItemReader:
-    """Reads items in the byte order of the current record. `what` names an item in an error."""
+    """Reads items in the byte order of the current record. `what` is the name of an item in errors."""
 
     def __init__(self, stream: BinaryIO):
         self._stream = stream
@@ -39,8 +39,8 @@ class ItemReader:
         self._order = ">" if big_endian else "<"
 
     def _next(self, size: int) -> bytes | bytearray:
-        """The next `size` bytes, fewer at the end of the stream. `size` may be any number of a
-        damaged stream: what is allocated follows the bytes that arrive."""
+        """The next `size` bytes, or fewer at the end of the stream. In a damaged stream, `size` can be
+        huge, so memory is allocated only as bytes arrive."""
         data = self._stream.read(min(size, _FIRST_STEP))
         if len(data) < size:
             data = bytearray(data)
@@ -53,7 +53,7 @@ class ItemReader:
         return data
 
     def bytes_left(self, start: int) -> int:
-        """The number of bytes from `start` to the end of the stream, which is read to its end."""
+        """The number of bytes from `start` to the end of the stream. Reads the rest of the stream."""
         while block := self._stream.read(_FIRST_STEP):
             self.offset += len(block)
         return self.offset - start
@@ -96,7 +96,7 @@ class ItemReader:
         return self._scalars("f", 4, what, number)
 
     def count(self, what: str, least: int = 0, wide: bool = True) -> int:
-        """A count, of 64 bits if it is wide, else of 32."""
+        """A count of 64 bits if `wide`, else of 32 bits."""
         start = self.offset
         value = self.int64(what) if wide else self.int32(what)
         if value < least:
@@ -111,12 +111,12 @@ class ItemReader:
         return value == 1
 
     def words_or_none(self, length: int) -> np.ndarray | None:
-        """`length` integers of 64 bits; None when the stream ends before."""
+        """`length` integers of 64 bits; None if the stream ends too early."""
         data = self._next(8 * length)
         return self._array(data, "i8") if len(data) == 8 * length else None
 
     def array(self, length: int, kind: str, columns: int, what: str) -> np.ndarray:
-        """`length` rows of so many numbers of four bytes, of kind "f4" or "i4"; a flat array if
+        """An array of `length` rows with `columns` numbers of the type "f4" or "i4"; one-dimensional if
         there is one column. A negative length counts as 0."""
         start = self.offset
         length = max(length, 0)
@@ -127,7 +127,7 @@ class ItemReader:
         return values if columns == 1 else values.reshape(-1, columns)
 
     def incomplete(self, start: int, length: int, what: str, size: int) -> StreamError:
-        """The error of an array at `start` that the stream does not hold."""
+        """The error for an array at `start` that is longer than the rest of the stream."""
         return StreamError(start, f"expected {length} {what} of {size} bytes each, "
                                   f"{self.bytes_left(start)} bytes left")
 

@@ -1,4 +1,4 @@
-"""The objects of a stream. Values are as in the stream, but for vertex numbers, which count from 0."""
+"""The objects of a stream. Values are as in the stream; only `faces` and `lines` count vertices from 0."""
 
 from __future__ import annotations
 
@@ -47,7 +47,7 @@ class VertexArrays:
 
 @dataclass(eq=False, kw_only=True)
 class Header:
-    """What records of all kinds begin with."""
+    """The header of a record."""
 
     offset: int = 0  # of the record in the stream, bytes
     size: int = 0  # of the record, bytes
@@ -67,12 +67,12 @@ class Object(Header):
     vertices: np.ndarray  # (n, 3) float32
 
     def faces(self) -> list[np.ndarray]:
-        """The polygons: the numbers of their corners, each a row of `vertices`. Those with a corner
-        that is not there, which scenes with bad indices have, are left out."""
+        """The polygons, as arrays of row numbers of `vertices`. Polygons with invalid vertex numbers,
+        which scenes with bad indices have, are left out."""
         return []
 
     def lines(self) -> list[np.ndarray]:
-        """The lines: the numbers of their points, each a row of `vertices`."""
+        """The lines, as arrays of row numbers of `vertices`."""
         return []
 
 
@@ -92,7 +92,7 @@ class Mesh(VertexArrays, Object):
 
 @dataclass(eq=False, kw_only=True)
 class Polyhedron(VertexArrays, Object):
-    """Polygons over shared vertices."""
+    """Polygons with shared vertices."""
 
     polygon_count: int  # as the stream states it; there are fewer if a 0 ends the list early
     index_count: int
@@ -120,14 +120,14 @@ class Polytriangle(Object):
 
     strips: list[VertexArrays]
     polylines: list[VertexArrays]
-    segments: VertexArrays | None  # vertices 0 and 1 are joined, 2 and 3, and so on
+    segments: VertexArrays | None  # vertices 0 and 1 form a segment, 2 and 3 the next, and so on
 
     def __post_init__(self) -> None:
         parts = [*self.strips, *self.polylines, *([self.segments] if self.segments else [])]
         self.vertices = np.concatenate([np.empty((0, 3), np.float32), *(part.vertices for part in parts)])
 
     def faces(self) -> list[np.ndarray]:
-        """The triangles of the strips, all turned to the same side."""
+        """The triangles of the strips, with the same winding."""
         faces = []
         first = 0
         for strip in self.strips:
@@ -156,7 +156,7 @@ class Sphere(VertexArrays, Object):
 
 @dataclass(eq=False, kw_only=True)
 class Label(Object):
-    """Texts at positions, which are `vertices` too."""
+    """Texts at positions. `vertices` and `positions` are the same array."""
 
     label_flags: int
     texts: list[str]

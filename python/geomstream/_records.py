@@ -18,7 +18,7 @@ _PROPERTY_WORDS_SIZE = 12
 _LONGEST_STRING = 9_999_999
 _MOST = 2**63 - 1
 _ALL_FLAGS = 0x1FF
-# Bits are tested as plain integers, since those of an enumeration take much longer.
+# Bits are tested as plain integers, since operations on enumerations are much slower.
 _NO_RADII, _COLOURS, _LABEL_DATA = int(Flag.NO_RADII), int(Flag.COLOURS), int(Flag.LABEL_DATA)
 _SURFACE_FLAGS = _ALL_FLAGS & ~(_LABEL_DATA | _NO_RADII)
 _LINE_FLAGS = int(Flag.COLOURS | Flag.VERTEX_DATA | Flag.PRIMITIVE_DATA)
@@ -37,9 +37,8 @@ _ATTRIBUTES = (
 
 
 def read(source: str | os.PathLike[str] | BinaryIO) -> Iterator[Object]:
-    """Yields the objects of a stream, in its order, as they are read. `source` is the path of a file
-    or a binary file, which stays open. A stream that breaks the format raises StreamError after the
-    objects before the error."""
+    """Yields the objects of a stream one at a time. `source` is a path or an open binary file, which is not
+    closed. If the stream is invalid, raises StreamError after the objects before the error."""
     with contextlib.ExitStack() as opened:
         if isinstance(source, (str, os.PathLike)):
             source = opened.enter_context(open(source, "rb"))
@@ -61,11 +60,11 @@ def _record(items: ItemReader, magic: bytes) -> Object:
 
 
 def _header(items: ItemReader, start: int) -> tuple[dict[str, Any], Any]:
-    """The header of a record as arguments of its class, and the function that decodes its body."""
+    """The header as arguments for the class of the record, and the function that decodes the body."""
     header: dict[str, Any] = {"offset": start, "header_size": items.word("hdrsize")}
     place = items.offset
     flags = items.word("data")
-    # An unknown bit may mean an array of unknown length, after which nothing can be decoded.
+    # An unknown bit may stand for an array of unknown length, so the rest cannot be decoded.
     if flags & ~_ALL_FLAGS:
         raise StreamError(place, f"expected data with bits 0x1 to 0x100 only, found {flags}")
     header["flags"] = Flag(flags)
@@ -186,7 +185,7 @@ def _check_polygon_list(words: memoryview, polygons: int, indices: int, start: i
     if words[last]:
         raise StreamError(start + 8 * last,
                           f"expected the 0 that ends the polygon list, found {words[last]}")
-    # A list may end early and hold less than the counts say, but not more.
+    # A list may end early and have fewer polygons and indices than the counts, but not more.
     agrees = found == polygons if place == last else found <= polygons and place - found <= indices
     if not agrees:
         raise StreamError(start + 8 * place,

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs meshcast-batch over folders of good, dirty, bad, huge and unreadable scenes with awkward names;
-breaks runs off, and resumes them.
+"""Runs meshcast-batch over folders of valid, repairable, invalid, huge and unreadable scenes with difficult
+names; interrupts runs, and resumes them.
 
 Usage: runs_test.py FOLDER_OF_A_PROGRAM...
 """
@@ -29,7 +29,7 @@ def huge():
 
 
 def endless():
-    """A kilobyte that uses itself again and again: 2 to the power of 40 cubes."""
+    """A scene of a kilobyte with nested USE: 2 to the power of 40 cubes."""
     levels = "".join(f"DEF L{i} Group {{ USE L{i - 1} USE L{i - 1} }}\n" for i in range(1, 41))
     return f"{HEADER}Separator {{ Switch {{ DEF L0 Cube {{ }} {levels} }} USE L40 }}\n"
 
@@ -51,7 +51,7 @@ class Runs(unittest.TestCase):
         return path
 
     def run_batch(self, status, *arguments, **environment):
-        """Runs the program; returns what it says."""
+        """Runs the program, which must end with this status; returns its messages."""
         ended = subprocess.run(["meshcast-batch", *arguments], cwd=self.root, capture_output=True, check=False,
                                env=dict(self.environment, **environment))
         self.assertEqual((ended.returncode, ended.stdout), (status, b""), ended.stderr)
@@ -107,10 +107,10 @@ class Runs(unittest.TestCase):
             self.assertEqual((self.root / "out" / (name + ".geom")).read_bytes(), expected)
         self.assertFalse(list(self.root.rglob("pwned")))
 
-    def test_a_run_is_broken_off_and_resumed(self):
+    def test_an_interrupted_run_is_resumed(self):
         self.fill()
         self.run_batch(1, "in", "whole")
-        # A tidier that stops in the middle of the huge scene while there is a file blocked.
+        # A tidier that hangs in the middle of the huge scene as long as the file `blocked` exists.
         blocked = self.put("blocked", "")
         tidier = self.put("slow/vrmltidy", f"""#!/bin/bash
             if [[ ${{!#}} == */huge.wrl && -e {blocked} ]]; then
@@ -135,13 +135,13 @@ class Runs(unittest.TestCase):
         first = (self.root / "parts/-dash.geom").stat().st_ino
         blocked.unlink()
         with open(self.root / "parts/.meshcast-batch/journal", "a", encoding="ascii") as journal:
-            journal.write("pipe.wrl\tfail")  # Cut off.
+            journal.write("pipe.wrl\tfail")  # An incomplete row.
         self.run_batch(1, "--resume", "in", "parts")
         self.assertEqual((self.root / "parts/-dash.geom").stat().st_ino, first)
         self.assertEqual(self.rows("parts"), self.rows("whole"))
         self.assertEqual(self.files("parts"), self.files("whole"))
 
-        # What has failed is tried again on demand; a lost stream is made anew.
+        # Failed scenes are tried again only with --resume-failed; a missing stream is written again.
         self.put("in/bad.wrl")
         (self.root / "parts/dirty.geom").unlink()
         self.run_batch(1, "--resume", "in", "parts")
@@ -150,7 +150,7 @@ class Runs(unittest.TestCase):
         self.run_batch(1, "--resume-failed", "in", "parts")
         self.assertEqual(self.rows("parts")["bad.wrl"][0], "ok")
 
-    def test_outputs_of_earlier_runs_go_and_those_of_others_stay(self):
+    def test_old_outputs_are_removed_and_foreign_files_kept(self):
         self.put("in/a.wrl")
         self.put("in/b.wrl")
         self.put("in/c.wrl", HEADER + "Group { Cube { } Bogus { } }")
@@ -158,13 +158,13 @@ class Runs(unittest.TestCase):
         self.run_batch(1, "--strict", "in", "out")
         self.assertEqual(self.rows()["c.wrl"][0], "refused")
         self.assertEqual((self.root / "out/c.geom").read_text(), "somebody's own")
-        # A trace among the records breaks a stream; the good one of the run before goes.
+        # A trace among the records damages a stream; the valid one of the earlier run is removed.
         self.run_batch(1, "in", "out", KRA_GEOM_DEBUG="1")
         self.assertEqual(self.rows()["a.wrl"][0], "broken")
         self.assertRegex(self.rows()["a.wrl"][5], r"^offset \d+: ")
         self.assertEqual(self.files(), ["c.geom", "meshcast-batch.tsv"])
 
-    def test_what_grows_without_end_is_stopped(self):
+    def test_scenes_that_exceed_a_limit_are_stopped(self):
         self.put("in/endless.wrl", endless())
         self.put("in/good.wrl")
         self.assertLess((self.root / "in/endless.wrl").stat().st_size, 1500)
@@ -190,7 +190,7 @@ class Runs(unittest.TestCase):
         self.assertIn("meshcast-batch.tsv_/a.geom", self.files("-out\n"))
         self.assertEqual(sorted(set(os.listdir(self.root)) - {".parallel"}), ["-", "-out\n", "in"])
 
-    def test_links_lead_out_of_the_folder_only_if_they_may(self):
+    def test_links_out_of_the_folder_need_an_option(self):
         self.put("elsewhere/e.wrl")
         (self.root / "in/link.wrl").symlink_to("../elsewhere/e.wrl")
         (self.root / "in/deep").symlink_to("../elsewhere")
@@ -227,9 +227,9 @@ class Runs(unittest.TestCase):
         self.run_batch(1, "--to", "png,geom,glb,html", "in", "out")
         self.assertFalse([name for name in self.files() if name.startswith("sub/")])
         self.run_batch(1, "--to", "png,glb", "in", "out")
-        self.assertEqual(self.rows()["bad.wrl"][0::5], rows["bad.wrl"][0::5], "vrmlexport refuses what the tidier does")
+        self.assertEqual(self.rows()["bad.wrl"][0::5], rows["bad.wrl"][0::5], "vrmlexport refuses the same scenes as the tidier")
 
-    def test_other_machines_help_whatever_their_shell_and_language(self):
+    def test_other_machines_may_have_other_shells_and_locales(self):
         self.put("in/a.wrl")
         self.put("in/two.wrl.gz", gzip.compress(CUBE.encode()))
         far = self.put("far/ssh", """#!/bin/sh

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests what meshcast-batch decides before and after its jobs.
+"""Tests the parts of meshcast-batch that run before and after its jobs.
 
 Usage: units_test.py FOLDER_OF_THE_PACKAGE
 """
@@ -19,7 +19,7 @@ from meshcast_batch.job import printable  # noqa: E402
 
 
 class Texts(unittest.TestCase):
-    def test_what_disturbs_terminals_and_tables_is_escaped(self):
+    def test_control_characters_are_escaped(self):
         self.assertEqual(printable("a\tb\nc\\d\x1b\x7fé\x9b\u2028"),
                          "a\\tb\\nc\\\\d\\x1b\\x7fé\\xc2\\x9b\\xe2\\x80\\xa8")
         self.assertEqual(printable(os.fsdecode(b"\xff\x9b.wrl")), "\\xff\\x9b.wrl")
@@ -29,12 +29,12 @@ class Names(unittest.TestCase):
     def names(self, *found, kinds=("geom",), reserved=()):
         return scenes.name_outputs(list(found), list(kinds), set(reserved))
 
-    def test_endings_stay_where_scenes_differ_in_nothing_else(self):
+    def test_extensions_are_kept_where_names_would_be_equal(self):
         self.assertEqual(self.names("a.wrl", "b.wrl", "b.WRZ", "c/b.wrl.gz", "d.wrl.wrz", ".wrl", "E.Wrl.Gz"),
                          {"a.wrl": "a", "b.wrl": "b.wrl", "b.WRZ": "b.WRZ", "c/b.wrl.gz": "c/b",
                           "d.wrl.wrz": "d.wrl.wrz", ".wrl": "", "E.Wrl.Gz": "E"})
 
-    def test_names_of_the_table_and_the_gallery_stay_free(self):
+    def test_names_of_the_table_and_the_gallery_are_reserved(self):
         reserved = ("meshcast-batch.tsv", "index.html")
         self.assertEqual(self.names("meshcast-batch.tsv/a.wrl", "meshcast-batch.tsv_/a.wrl", "index.html/b.wrl",
                                     "index.wrl", "c/index.wrl", kinds=("html",), reserved=reserved),
@@ -43,7 +43,7 @@ class Names(unittest.TestCase):
                           "index.html/b.wrl": "index.html_/b", "index.wrl": "index.wrl",
                           "c/index.wrl": "c/index"})
 
-    def test_names_that_would_be_too_long_are_cut(self):
+    def test_long_names_are_truncated(self):
         long = ["x" * 250 + "1.wrl", "x" * 250 + "2.wrl", "é" * 126 + ".wrl"]
         names = self.names(*long, kinds=("geom", "glb"))
         self.assertEqual(len(set(names.values())), 3)
@@ -53,7 +53,7 @@ class Names(unittest.TestCase):
 
 
 class Search(unittest.TestCase):
-    def test_links_out_of_the_folder_and_in_circles(self):
+    def test_links_out_of_the_folder_and_cycles_of_links(self):
         with tempfile.TemporaryDirectory() as name:
             root = Path(name, "in")
             for folder in ("sub", "out", "locked"):
@@ -74,7 +74,7 @@ class Search(unittest.TestCase):
 
 
 class Tables(unittest.TestCase):
-    def test_only_rows_of_this_program_are_carried_along(self):
+    def test_only_valid_rows_are_kept(self):
         good = "a.wrl\tok\t1\t2\t3\t0\t0.1\t\tgeom,glb"
         lines = [table.HEADER, good, "b.wrl\tdone\t1\t2\t3\t0\t0.1\t\tgeom", "c.wrl\tok\tx\t2\t3\t0\t0.1\t\tgeom",
                  "\tok\t1\t2\t3\t0\t0.1\t\tgeom", "d.wrl\tok", "old.wrl\tok\t1\t2\t3\t0\t0.1\tsaid",
@@ -110,7 +110,7 @@ class CommandLines(unittest.TestCase):
 
 
 class Galleries(unittest.TestCase):
-    def test_texts_are_data(self):
+    def test_names_and_messages_are_escaped(self):
         name = "</script><b>&.wrl"
         row = table.Row(name, "ok", 1, 2, 3, 0, "0.1", "<i>", "png")
         bad = table.Row("javascript:x.wrl", "failed", 0, 0, 0, 0, "0.1", "why", "")

@@ -1,11 +1,11 @@
-"""Chromium without a window, and pictures of what it shows, for tests of pages."""
+"""Headless Chromium for tests of pages, with screenshots and comparisons of images."""
 
 import io
 import shutil
 import sys
 import time
 
-SKIPPED = 77  # The status by which ctest knows a test that could not run.
+SKIPPED = 77  # ctest shows tests with this status as skipped.
 
 try:
     from PIL import Image
@@ -18,14 +18,14 @@ except ImportError as error:
 
 
 def skip_without_browser():
-    """Ends a test program that has no browser to test with."""
+    """Ends the test program as skipped if no browser is installed."""
     if MISSING:
         print("skipped:", MISSING, file=sys.stderr)
         sys.exit(SKIPPED)
 
 
 def start(downloads, *more):
-    """A browser whose downloads go to a folder; Mesa or a graphics card are not asked for."""
+    """Starts a browser with a folder for downloads. It draws with its own software renderer."""
     options = Options()
     options.binary_location = shutil.which("chromium")
     for argument in ("--headless=new", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
@@ -38,29 +38,29 @@ def start(downloads, *more):
 
 
 def wait_for(condition, seconds=30):
-    """The first true value of a function; it is asked again and again, since browsers take time."""
+    """Calls a function until it returns a true value, and returns that value."""
     end = time.monotonic() + seconds
     while not (value := condition()):
         if time.monotonic() > end:
-            raise AssertionError("the browser did not get there in time")
+            raise AssertionError(f"the browser did not finish within {seconds} seconds")
         time.sleep(0.05)
     return value
 
 
 def complaints(driver):
-    """What stands in the browser's console since it was last asked."""
+    """The messages in the browser's console since the last call."""
     return [entry["message"] for entry in driver.get_log("browser")]
 
 
 def settled(driver):
-    """Waits until the page has drawn what it was asked to."""
+    """Waits until the page has drawn all changes."""
     driver.execute_async_script(
         "const done = arguments[0];"
         "requestAnimationFrame(() => requestAnimationFrame(() => requestAnimationFrame(done)));")
 
 
 def canvas_picture(driver):
-    """What the canvas shows, as an RGB image."""
+    """A screenshot of the canvas, as an RGB image."""
     settled(driver)
     png = driver.find_element("id", "canvas").screenshot_as_png
     return Image.open(io.BytesIO(png)).convert("RGB")
@@ -73,6 +73,6 @@ def coverage(image, background=(255, 255, 255)):
 
 
 def difference(one, other):
-    """The share of pixels in which two images of one size differ clearly."""
+    """The share of pixels that differ clearly between two images of the same size."""
     pairs = list(zip(one.getdata(), other.getdata(), strict=True))
     return sum(max(abs(a - b) for a, b in zip(*pair)) > 24 for pair in pairs) / len(pairs)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Opens galleries of meshcast-batch in a browser and uses them as people do.
+"""Opens galleries of meshcast-batch in a browser and operates their controls.
 
 Usage: gallery_test.py FOLDER_OF_THE_PACKAGE FOLDER_OF_A_PROGRAM...
 """
@@ -44,7 +44,7 @@ class Galleries(unittest.TestCase):
     def find(self, name):
         return self.driver.find_element("id", name)
 
-    def test_a_run_is_shown_searched_sorted_and_leads_to_its_pages(self):
+    def test_a_gallery_can_be_searched_and_sorted_and_links_to_pages(self):
         scenes = self.folder / "in"
         (scenes / "sub dir").mkdir(parents=True)
         (scenes / "sub dir" / "50%#?.wrl").write_text(CUBE)
@@ -84,7 +84,7 @@ class Galleries(unittest.TestCase):
         self.find("search").send_keys("49/scene 4999")
         self.assertEqual(self.find("count").text, "1 of 5,000 scenes")
         print(f"page of 5,000 scenes: {len(page) / 1e6:.2f} MB, {time.monotonic() - started:.1f} s until found")
-        # Images are asked for as they come into view; these do not exist.
+        # Images are loaded when they come into view. These do not exist, so each leaves a message.
         asked = [line for line in browser.complaints(self.driver) if "ERR_FILE_NOT_FOUND" in line]
         self.assertLess(len(asked), 200)
 

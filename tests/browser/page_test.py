@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Opens pages of vrmlexport in a browser and uses them as people do.
+"""Opens pages of vrmlexport in a browser and operates their controls.
 
 Usage: page_test.py VRMLEXPORT EXAMPLES
 """
@@ -85,12 +85,12 @@ class Pages(unittest.TestCase):
         self.fail(f"{select} has no {text}")
 
     def facts(self):
-        """What is selected, as a dictionary."""
+        """The facts about the selection, as a dictionary."""
         terms = self.find("selected").find_elements("css selector", "dt, dd")
         return dict(zip([term.text for term in terms[::2]], [term.text for term in terms[1::2]]))
 
     def picture(self, name, view):
-        """The picture that vrmlexport makes of what the canvas shows."""
+        """The picture that vrmlexport draws for the view of the canvas."""
         size = self.find("canvas").size
         export(self.scene(name), self.folder / "picture.png", "--view", view,
                "--size", f"{size['width']}x{size['height']}")
@@ -122,7 +122,7 @@ class Pages(unittest.TestCase):
                     shown = browser.canvas_picture(self.driver)
                     self.assertLess(browser.difference(shown, self.picture(name, view)), 0.015)
 
-    def test_keys_move_the_eye_and_home_brings_it_back(self):
+    def test_keys_move_the_camera_and_home_resets_it(self):
         self.show("house")
         first = browser.canvas_picture(self.driver)
         canvas = self.find("canvas")
@@ -181,7 +181,7 @@ class Pages(unittest.TestCase):
         self.choose("light", "headlight")
         self.assertGreater(browser.difference(lit, browser.canvas_picture(self.driver)), 0.05)
 
-    def test_texts_of_the_scene_stay_texts(self):
+    def test_texts_of_the_scene_are_not_run(self):
         name = "a<b>&amp;'\"</title><script>alert(2)"
         export(self.scene("hostile"), self.folder / f"{name}.html".replace("/", "_"))
         self.open(self.folder / f"{name}.html".replace("/", "_"))
@@ -213,7 +213,7 @@ class Pages(unittest.TestCase):
         self.assertIn("no objects", self.find("tree").text)
         self.assertEqual(browser.coverage(browser.canvas_picture(self.driver)), 0)
 
-    def test_it_fits_a_phone_in_the_dark(self):
+    def test_it_fits_a_phone_and_follows_the_dark_theme(self):
         self.show("house")
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
                                     {"width": 360, "height": 740, "deviceScaleFactor": 1, "mobile": True})
@@ -229,7 +229,7 @@ class Pages(unittest.TestCase):
             self.driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
             self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
 
-    def test_trouble_is_said_on_the_page(self):
+    def test_errors_are_shown_on_the_page(self):
         export(self.scene("glass"), self.folder / "glass.html")
         text = (self.folder / "glass.html").read_text()
         for what, broken in {"data": text.replace('class="glb">Z2xURg', 'class="glb">AAAAAA'),

@@ -10,7 +10,7 @@
 namespace meshcast {
 namespace {
 
-/// Where the transforms of a scene take a point.
+/// A point after the transforms of a scene.
 std::array<float, 3> moved(const std::string& transforms, const std::array<float, 3>& p) {
     const ReadScene scene("Group { " + transforms + " }");
     EXPECT_TRUE(scene.ok) << scene.messages;
@@ -41,20 +41,21 @@ TEST(Context, TransformsMovePoints) {
     expectMoved("Rotation { rotation 0 0 1 " + quarter + " }", {1, 0, 0}, {0, 1, 0});
     expectMoved("Rotation { rotation 0 5 0 " + quarter + " }", {0, 0, 1}, {1, 0, 0});
     expectMoved("Rotation { rotation 1 0 0 " + quarter + " }", {0, 1, 0}, {0, 0, 1});
-    // An axis of no length is the diagonal: a third of a turn exchanges the axes.
+    // An axis of length 0 counts as 1 1 1: a third of a turn about it takes x to y.
     expectMoved("Rotation { rotation 0 0 0 2.0943951 }", {1, 0, 0}, {0, 1, 0});
     expectMoved("MatrixTransform { matrix 1 0 0 0  0 1 0 0  0 0 1 0  7 8 9 1 }", {0, 0, 0},
                 {7, 8, 9});
-    // The innermost transform acts first.
+    // The transform nearest to the shape is applied first.
     expectMoved("Translation { translation 5 0 0 } Rotation { rotation 0 0 1 " + quarter + " }",
                 {1, 0, 0}, {5, 1, 0});
     expectMoved("Rotation { rotation 0 0 1 " + quarter + " } Translation { translation 5 0 0 }",
                 {1, 0, 0}, {0, 6, 0});
-    // Scaled along an axis turned by a quarter, about a centre, then rotated and moved.
+    // Scaled along an axis that is rotated by a quarter turn, about a centre, then rotated and
+    // moved.
     expectMoved("Transform { center 1 0 0 scaleOrientation 0 0 1 " + quarter +
                     " scaleFactor 2 1 1 rotation 0 0 1 " + quarter + " translation 0 0 4 }",
                 {2, 3, 0}, {-5, 1, 4});
-    // A TransformSeparator's own transforms, and its marker, leave no trace.
+    // The transforms inside a TransformSeparator, and its marker, have no effect after it.
     expectMoved("TransformSeparator { Scale { scaleFactor 9 9 9 } }", {1, 2, 3}, {1, 2, 3});
 }
 

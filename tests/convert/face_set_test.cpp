@@ -50,7 +50,7 @@ TEST(FaceSet, PolygonsAndMessages) {
         EXPECT_EQ(scene.messages, messages) << c.coordIndex;
     }
     EXPECT_TRUE(convert(group("IndexedFaceSet { }")).bytes.empty()); // No coordinates.
-    // The latest coordinates are used; none at all still make an object, with its normals.
+    // The last Coordinate3 is used. Even if it has no points, an object with normals is made.
     const Conversion empty = convert(
         group(kSquare + "Coordinate3 { point [ ] } Material { diffuseColor [ 1 0 0, 0 1 0 ] }"
                         "MaterialBinding { value PER_VERTEX } IndexedFaceSet { coordIndex [ ] }"));
@@ -72,7 +72,7 @@ TEST(FaceSet, NormalsByBinding) {
     };
     for (const Case& c : {
              Case{"", "", generated},
-             Case{four, "", generated}, // Without a binding the normals are not looked at.
+             Case{four, "", generated}, // Without a binding the normals are ignored.
              Case{four + "NormalBinding { value PER_VERTEX }", "", {x, y, x, y}},
              Case{"Normal { vector [ 1 0 0 ] } NormalBinding { value PER_VERTEX }", "", generated},
              Case{"NormalBinding { value PER_VERTEX }", "", generated},
@@ -80,7 +80,7 @@ TEST(FaceSet, NormalsByBinding) {
              Case{four + "NormalBinding { value PER_VERTEX_INDEXED }",
                   "normalIndex [ 0, 1, 1, -1, 3 ]",
                   {y, y, y, zero}}, // The later pair wins.
-             // Pairs outside either list, or without a partner, are passed over.
+             // Pairs with an invalid index, or of which one index is missing, are skipped.
              Case{four + "NormalBinding { value PER_VERTEX_INDEXED }",
                   "normalIndex [ 7, -2, 0, -1, -1, -1, 1, -1, 0, 0 ]",
                   {zero, zero, x, y}},
@@ -111,13 +111,13 @@ TEST(FaceSet, ColoursByBinding) {
         std::vector<Vec3> colours; // Empty: the object has none.
     };
     for (const Case& c : {
-             Case{rgb, "PER_VERTEX", "", {r, g, b, r}}, // Round and round the list.
+             Case{rgb, "PER_VERTEX", "", {r, g, b, r}}, // The list is repeated.
              Case{rgb, "PER_VERTEX_INDEXED", "[ 2, 1, 0, -1, -1, 3, 1 ]", {b, g, r, g}},
              Case{rgb, "PER_VERTEX_INDEXED", "[ -4, 1, 0, -1, 5, 6, 7, 1, 1 ]", {b, g, r, g}},
              Case{rgb, "PER_FACE", "", {g, r, g, g}}, // The later face wins.
              Case{rgb, "PER_FACE_INDEXED", "[ 2, 4 ]", {g, b, g, g}},
              Case{rgb, "PER_FACE_INDEXED", "[ 1, -1 ]", {g, g, g, none}},
-             // An index list too short to index by still leaves an array of zeros.
+             // With an index list that is too short, all colours are zero.
              Case{rgb, "PER_VERTEX_INDEXED", "[ 1 ]", {none, none, none, none}},
              Case{rgb, "PER_FACE_INDEXED", "[ ]", {none, none, none, none}},
              Case{rgb, "OVERALL", "", {}},
@@ -125,7 +125,7 @@ TEST(FaceSet, ColoursByBinding) {
              Case{rgb, "DEFAULT", "", {}},
              Case{"Material { diffuseColor 1 0 0 } ", "PER_VERTEX", "", {}},
              Case{"", "PER_VERTEX", "", {}},
-             // Bytes: clamped above only, cut towards zero, wrapped below.
+             // Converted to bytes: clamped to 255, truncated towards zero, wrapped below 0.
              Case{"Material { diffuseColor [ 2 0.5 0.999, -0.01 -1e30 1e999 ] } ",
                   "PER_VERTEX",
                   "",

@@ -4,8 +4,8 @@
 
 #include <string>
 
-// Points lie at (i, 0, 0), so that the x of a vertex tells its index; vertices and colours are
-// written down by these x alone.
+// Point i is at (i, 0, 0), so x is the index of a vertex. The tests list only the first component
+// of vertices and colours.
 namespace meshcast {
 namespace {
 
@@ -38,10 +38,11 @@ TEST(LineSet, RunsColoursAndMessages) {
              Case{"", "coordIndex [ 0, 1, -1, -1, 2 ]", {{0, 1}, {2}}, {}, {}},
              Case{"", "", {{0}}, {}, {}},
              Case{"", "coordIndex [ ]", {}, {}, {}},
-             Case{"", "coordIndex -2", {}, {}, {}}, // The one other entry that is not counted.
-             // A bad entry is not counted, which cuts the run's end and draws a corner at zero.
+             Case{"", "coordIndex -2", {}, {}, {}}, // Not counted either.
+             // A bad entry is not counted, so the polyline is shortened at its end and has a vertex
+             // at zero.
              Case{"", "coordIndex [ 1, 7, 2, 3, -1, 3, -5, 1 ]", {{1, 0, 2}, {3, 0}}, {}, {7, -5}},
-             // The last entry counts whatever it is.
+             // The last entry is counted even if it is bad.
              Case{"", "coordIndex [ 1, 9 ]", {{1, 0}}, {}, {}},
              Case{perVertex,
                   "coordIndex [ 0, 3, -1, 2, 9 ]",
@@ -58,7 +59,7 @@ TEST(LineSet, RunsColoursAndMessages) {
                   "coordIndex [ 0, 1 ]",
                   {{0, 1}},
                   {},
-                  {}}, // Not as many colours as points.
+                  {}}, // PER_VERTEX needs one colour per point.
              Case{kColours + "MaterialBinding { value PER_FACE } ",
                   "coordIndex [ 0, 1 ]",
                   {{0, 1}},
@@ -93,7 +94,7 @@ TEST(PointSet, TakesThePointsThatExist) {
         int start;
         int count;
         Line points;
-        int missing; // -9: nothing is.
+        int missing; // The index that is reported, or -9.
     };
     for (const Case& c :
          {Case{0, 4, {0, 1, 2, 3}, -9}, Case{1, 2, {1, 2}, -9}, Case{2, 5, {2, 3}, 4},

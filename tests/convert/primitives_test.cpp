@@ -11,14 +11,15 @@ using geom_stream::Polyhedron;
 using geom_stream::Vec3;
 using List = std::vector<std::int64_t>;
 
-/// Where rounded points of a ring are: the sine of a whole turn is not 0.
+/// For points of a circle, which are rounded: the sine of a whole turn is not exactly 0.
 void expectNear(const Vec3& found, const Vec3& expected) {
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_NEAR(found[i], expected[i], 1e-5F) << i;
     }
 }
 
-/// Facet-shaded objects hold a vertex for each corner: these are the corners' numbers before.
+/// A facet-shaded object has a vertex for each corner. Compares them with polygons that share
+/// vertices.
 void expectCorners(const Polyhedron& object, const std::vector<Vec3>& vertices,
                    const std::vector<List>& polygons) {
     std::size_t corner = 0;
@@ -57,7 +58,7 @@ TEST(Primitives, Cube) {
 
 TEST(Primitives, Cone) {
     const Conversion scene = convert("Cone { parts BOTTOM bottomRadius 3 height 5 }");
-    ASSERT_EQ(scene.objects.size(), 2U); // Whatever the parts.
+    ASSERT_EQ(scene.objects.size(), 2U); // The parts are ignored.
     const Polyhedron& base = scene.objects[0].polyhedron();
     EXPECT_EQ(base.polygons().size(), 12U);
     EXPECT_EQ(base.vertices.size(), 36U);
@@ -95,7 +96,7 @@ TEST(Primitives, SphereAndDegenerateSizes) {
     const geom_stream::Object& object = scene.objects[0];
     EXPECT_EQ(object.sphere().vertices, (std::vector<Vec3>{{0, 0, 0}}));
     EXPECT_EQ(object.sphere().radii, std::vector<float>{7});
-    EXPECT_TRUE(object.hasExtent); // Given, though it says nothing.
+    EXPECT_TRUE(object.hasExtent); // It is present, but zero.
     EXPECT_EQ(object.extent, (std::array<float, 6>{}));
     EXPECT_EQ(scene.messages, "");
 }

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-// Shapes that come again are written from copies of their records. Nothing may tell.
+// Repeated shapes are written as copies of their records. The output must be the same as without
+// copies.
 namespace meshcast {
 namespace {
 
@@ -24,7 +25,7 @@ Written written(std::string_view body, bool takesCopies, const ConvertOptions& o
     return {sink.bytes(), read.messages + messages.text, sink.copies};
 }
 
-/// Holds a conversion with copies against one without; returns the number of copies.
+/// Compares a conversion with copies to one without; returns the number of copies.
 std::size_t copiesOf(std::string_view body, const ConvertOptions& options = {}) {
     const Written again = written(body, true, options);
     const Written converted = written(body, false, options);
@@ -42,7 +43,7 @@ std::string repeated(const std::string& text, int times) {
     return all;
 }
 
-TEST(RecordCache, RepeatsPrimitivesOfTheSameMeasures) {
+TEST(RecordCache, CopiesPrimitivesOfTheSameSize) {
     EXPECT_EQ(copiesOf("Group { " + repeated("Cube { width 3 } ", 5) + "}"), 3U);
     EXPECT_EQ(copiesOf("Group { " + repeated("Cylinder { } Sphere { } Cone { } ", 3) + "}"), 6U);
     EXPECT_EQ(copiesOf("Group { " +
@@ -74,11 +75,12 @@ TEST(RecordCache, ConvertsAgainUnderOtherProperties) {
     for (const std::string& properties : sets) {
         scene += properties + uses;
     }
-    // Of each shape's three under the same properties one is copied, and two where it was defined.
+    // Of the three uses of a shape under the same properties, the last is written as a copy. Where
+    // the shape is defined there are four uses, of which two are copies.
     EXPECT_EQ(copiesOf(scene + "}"), 3U * (1 + std::size(sets)) + 3U);
 }
 
-TEST(RecordCache, SaysAgainWhatWasSaid) {
+TEST(RecordCache, ReportsMessagesOfRepeatedShapesAgain) {
     const std::string bad = "Group { Coordinate3 { point [0 0 0, 1 0 0] } DEF Bad IndexedLineSet { "
                             "coordIndex [0, 7, 1, -1, 0, 1, -1] } " +
                             repeated("USE Bad ", 3) + "}";
@@ -120,7 +122,7 @@ TEST(RecordCache, IsBounded) {
     }
     EXPECT_GT(kept, 1000U);
     EXPECT_LE(kept * records.size(), std::size_t(16) * 1024 * 1024);
-    EXPECT_TRUE(cache.find({0, 0}).isKept) << "what was kept first stays";
+    EXPECT_TRUE(cache.find({0, 0}).isKept) << "the first records are not dropped";
 }
 
 } // namespace

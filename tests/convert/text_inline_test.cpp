@@ -7,7 +7,7 @@
 namespace meshcast {
 namespace {
 
-TEST(Inline, ABoxStandsInForTheScene) {
+TEST(Inline, BecomesItsBoundingBox) {
     const Conversion scene =
         convert("WWWInline { name \"x.wrl\" bboxSize 2 4 0.05 bboxCenter 10 0.1 0 Sphere { } }");
     ASSERT_EQ(scene.objects.size(), 1U);

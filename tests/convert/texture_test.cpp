@@ -18,8 +18,8 @@ namespace {
 using geom_stream::Vec2;
 using geom_stream::Vec3;
 
-/// Textures switched on, with a folder for the converted images and converters that note their
-/// command line in it.
+/// Textures are enabled. A temporary folder holds the converted images and the converters, which
+/// record their command lines there.
 class Textures : public testing::Test {
 protected:
     void SetUp() override {
@@ -41,7 +41,7 @@ protected:
         std::ifstream stream(folder_ + "/" + name, std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
     }
-    /// What the converters were called with for a scene.
+    /// The command lines of the converters for a texture.
     std::string calls(const std::string& filename) {
         std::filesystem::remove(folder_ + "/calls");
         convert("Texture2 { filename \"" + filename + "\" }", options_);
@@ -57,7 +57,7 @@ protected:
 
 const std::string kTexture = "Texture2 { filename a.rgb } ";
 
-TEST(TextureNames, EndingsTellTypes) {
+TEST(TextureNames, ExtensionsGiveTheType) {
     EXPECT_EQ(convertedName("T", "a.rgb"), "T/a.x");
     EXPECT_EQ(convertedName("T", "d/a.sgi"), "T/d/a.x");
     EXPECT_EQ(convertedName("T", "/d/a.gif"), "T/a.x");
@@ -115,7 +115,8 @@ TEST_F(Textures, InlineImagesBecomeRawFiles) {
     };
     using namespace std::string_literals;
     for (const Case& c : {
-             // Rows from the last to the first, a height apart: 2 x 1 pixels, then 1 x 2.
+             // Rows from the last to the first, with the height as the distance between rows
+             // (kept).
              Case{"2 1 1 10 20", "\0\0\0\x02\0\0\0\x01"s + "\0\x0a\x0a\x0a"s + "\0\x14\x14\x14"s},
              Case{"1 2 1 10 20", "\0\0\0\x01\0\0\0\x02"s + "\0\0\0\0"s + "\0\x0a\x0a\x0a"s},
              Case{"2 2 1 1 2 3 4",
@@ -132,7 +133,7 @@ TEST_F(Textures, InlineImagesBecomeRawFiles) {
         convert("Texture2 { image " + std::string(c.image) + " }", options_);
         EXPECT_EQ(file("MESHCAST.x"), c.pixels) << c.image;
     }
-    // The texture is named by the file from then on, unless that could not be opened.
+    // The texture in force has the name of this file, unless the file could not be opened.
     const auto use = [this] {
         const ReadScene scene("Texture2 { filename \"x\" image 1 1 1 0 wrapT CLAMP }");
         MemorySink sink;
@@ -178,7 +179,7 @@ TEST_F(Textures, CubesAndConesAndCylinders) {
     EXPECT_EQ(polygons[12], (std::vector<std::int64_t>{15, 28, 29, 16}));
     EXPECT_EQ(polygons[35], (std::vector<std::int64_t>{54, 53, 52}));
     EXPECT_EQ(cylinder.vertices[1], (Vec3{0, -3, -2}));
-    EXPECT_FLOAT_EQ(cylinder.vertices[30][0], 2); // A quarter along the side's top.
+    EXPECT_FLOAT_EQ(cylinder.vertices[30][0], 2); // A quarter around the top of the side.
     EXPECT_EQ(cylinder.vertices[30][1], 3);
     EXPECT_EQ(cylinder.uvs[0], (Vec2{0.5F, 0.5F}));
     EXPECT_EQ(cylinder.uvs[1], (Vec2{0.5F, 1}));
@@ -196,7 +197,7 @@ TEST_F(Textures, CubesAndConesAndCylinders) {
     EXPECT_EQ(cone.uvs[27], (Vec2{0.5F, 0}));
 }
 
-TEST_F(Textures, SpheresArePrintedMeshes) {
+TEST_F(Textures, SpheresBecomeMeshesAndPrintSines) {
     const Conversion scene =
         convert("Group { " + kTexture + "Sphere { radius 3 } Sphere { } }", options_);
     std::string lines;
@@ -234,15 +235,15 @@ TEST_F(Textures, FaceSetsProjectTheirPoints) {
     EXPECT_EQ(faceUvs("0 0 0, 2 4 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // y > x > z
     EXPECT_EQ(faceUvs("0 0 0, 1 2 4, 1 2 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > y > x
     EXPECT_EQ(faceUvs("0 0 0, 2 1 4, 2 1 0"), (Uvs{{0, 0}, {1, 0.5F}, {0, 0.5F}})); // z > x > y
-    // Sides of equal size: x = y > z and x > y = z take X and Y,
+    // Sides of equal length: x = y > z and x > y = z are mapped along x and y,
     EXPECT_EQ(faceUvs("0 0 0, 2 2 1, 2 0 0"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
     EXPECT_EQ(faceUvs("0 0 0, 2 1 1, 2 0 1"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
-    // x = z > y, y = z > x, z > x = y and a cube Z and X,
+    // x = z > y, y = z > x, z > x = y and cubes along z and x,
     EXPECT_EQ(faceUvs("0 0 0, 2 1 2, 0 1 2"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
     EXPECT_EQ(faceUvs("0 0 0, 1 2 2, 0 1 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
     EXPECT_EQ(faceUvs("0 0 0, 1 1 2, 0 1 2"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
     EXPECT_EQ(faceUvs("0 0 0, 2 2 2, 0 1 2"), (Uvs{{0, 0}, {1, 1}, {1, 0}}));
-    // and y > x = z Y and X.
+    // and y > x = z along y and x.
     EXPECT_EQ(faceUvs("0 0 0, 1 2 1, 0 2 1"), (Uvs{{0, 0}, {1, 0.5F}, {1, 0}}));
     EXPECT_EQ(faceUvs("").size(), 0U);
     const std::string given = "TextureCoordinate2 { point [ 0.25 0.5, 1 0 ] } ";
@@ -269,7 +270,7 @@ TEST(TextureTransforms, CoordinatesPassThroughTransformsAndWraps) {
     EXPECT_EQ(through("Texture2Transform { translation 0.25 0.5 scaleFactor 2 0.5 }", {0.25F, 0.5F},
                       false),
               (Vec2{0.75F, 0.75F}));
-    // The newest acts first; the scale is not taken about the centre, the rotation is.
+    // The last transform is applied first. The rotation is about the centre, the scale is not.
     EXPECT_EQ(through("Texture2Transform { scaleFactor 0.5 0.5 } Texture2Transform { translation "
                       "0.5 0 }",
                       {0.25F, 0.5F}, false),

@@ -8,8 +8,7 @@
 #include <utility>
 #include <vector>
 
-// Conversions in several threads, each with its own sink. The thread sanitizer watches them in a
-// build of its own.
+// Conversions in several threads, each with its own sink. Also built with the thread sanitizer.
 namespace meshcast {
 namespace {
 
@@ -18,7 +17,7 @@ struct Job {
     ConvertOptions options;
 };
 
-/// A hundred scenes: the files, and the first of them in other ways.
+/// A hundred scenes: all files, and then the first ones again with other options.
 std::vector<Job> jobs() {
     std::vector<Job> jobs;
     const std::vector<std::filesystem::path> files = sceneFiles();
@@ -47,11 +46,11 @@ Outcome outcome(const Job& job) {
     return {sink.bytes(), messages.text};
 }
 
-TEST(Threads, ConvertScenesAtOnceAsOneAfterTheOther) {
+TEST(Threads, ParallelConversionsGiveTheSameOutput) {
     const std::vector<Job> all = jobs();
     std::vector<Outcome> forwards(all.size());
     std::vector<Outcome> backwards(all.size());
-    // Before anything else has made what all conversions share.
+    // Started first, so that both threads initialise shared data at the same time.
     std::thread other([&] {
         for (std::size_t i = all.size(); i-- > 0;) {
             backwards[i] = outcome(all[i]);

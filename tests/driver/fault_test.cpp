@@ -17,12 +17,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-int meshcastMain(); // The program's own main, under another name.
+int meshcastMain(); // The main function of the program, renamed by a compile definition.
 
-// The whole program, whose memory and whose input and output fail here and there.
+// Tests the whole program with failing allocations, reads and writes.
 namespace {
 
-/// All bytes of an open file, which is closed.
+/// Returns all bytes of an open file and closes it.
 std::string takeContents(int file) {
     std::string bytes(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
     EXPECT_EQ(pread(file, bytes.data(), bytes.size(), 0), std::ssize(bytes));
@@ -36,13 +36,14 @@ struct Result {
     std::string messages;
 };
 
-/// Runs the program on a scene, in a process of its own, where `prepare` is called first.
+/// Runs the program on a scene in a child process, with `prepare` called before it and `finish`
+/// after.
 Result run(
     const std::string& scene, const std::function<void()>& prepare,
     const std::function<void()>& finish = [] {}) {
     const int files[] = {memfd_create("in", 0), memfd_create("out", 0), memfd_create("err", 0)};
     EXPECT_EQ(pwrite(files[0], scene.data(), scene.size(), 0), std::ssize(scene));
-    std::fflush(nullptr); // What the test has printed is not to end up in the file.
+    std::fflush(nullptr); // Otherwise the child writes buffered output to the file.
     const pid_t child = fork();
     if (child == 0) {
         for (const int descriptor : {0, 1, 2}) {
@@ -51,7 +52,7 @@ Result run(
         prepare();
         const int status = meshcastMain();
         finish();
-        std::exit(status); // Where the sanitizers look for leaks.
+        std::exit(status); // Not _exit, so that the sanitizers check for leaks.
     }
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
@@ -65,15 +66,16 @@ std::size_t wholeRecords(const std::string& stream) {
     return result.objects.size();
 }
 
-/// Whether a stream is the whole one without one of its records.
+/// Whether a stream is the complete one without one of its records.
 bool lacksOneRecord(const std::string& stream, const std::string& whole) {
     const auto rest = std::mismatch(stream.begin(), stream.end(), whole.begin(), whole.end()).first;
     return wholeRecords(stream) + 1 == wholeRecords(whole) &&
            whole.ends_with(std::string(rest, stream.end()));
 }
 
-// Without memory for its stream, an object is left out; any other failure ends the run.
-TEST(Faults, MemoryLeavesOutARecordOrEndsTheRunBetweenTwo) {
+// If the allocation of its output stream fails, an object is left out. Any other failure ends the
+// program after a complete record, or has no effect on the output.
+TEST(Faults, FailedAllocationsLoseOneRecordOrEndTheProgram) {
     constexpr int kObjects = 13;
     const std::regex last("((compat/geom/(create|norm|prop) line \\d+, \\d+ bytes"
                           "(, old ptr 0x[0-9a-f]+)?\nGEOM fatal error: [\\w': ]*alloc[\\w ]*)|"
@@ -112,13 +114,13 @@ TEST(Faults, MemoryLeavesOutARecordOrEndsTheRunBetweenTwo) {
                 wholeRecords(failed.output);
             }
         }
-        // When all later allocations fail too, the next one ends the run.
+        // When all later allocations fail too, the next one ends the program.
         EXPECT_EQ(leftOut, fromThereOn ? 0 : kObjects);
     }
 }
 
-TEST(Faults, WritesThatFailLoseTheirRecordAndNothingElse) {
-    constexpr int kObjects = 6; // Each of which is written at once.
+TEST(Faults, FailedWritesLoseOnlyTheirRecord) {
+    constexpr int kObjects = 6; // Each is written by a single call.
     const std::string scene = "#VRML V1.0 ascii\nGroup { Cube { } Cone { } Cylinder { } }";
     const Result whole = run(scene, [] {});
     ASSERT_EQ(wholeRecords(whole.output), kObjects);
@@ -142,7 +144,7 @@ TEST(Faults, WritesThatFailLoseTheirRecordAndNothingElse) {
     }
 }
 
-TEST(Faults, ReadsGoOnWhereTheyCan) {
+TEST(Faults, InterruptedReadsAreRetried) {
     const std::string scene = "#VRML V1.0 ascii\nCube { width 12345 }";
     const Result whole = run(scene, [] {});
     const auto reading = [&](std::deque<IoFault> faults) {

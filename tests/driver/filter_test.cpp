@@ -14,7 +14,7 @@
 #include <unistd.h>
 #include <utility>
 
-// The program as a process: its pipes, its environment, its status.
+// Tests the program as a process: pipes, environment and status.
 namespace {
 
 std::string outputOf(const std::string& command) {
@@ -38,7 +38,7 @@ std::vector<geom_stream::Object> objects(const std::string& stream) {
 
 const std::string kCube = "printf '#VRML V1.0 ascii\\nCube { }' | ";
 
-/// The program at work on a scene, between two pipes that stay open.
+/// The running program, with pipes for its input and output that stay open.
 struct Process {
     explicit Process(const std::string& scene) {
         std::array<int, 2> input{};
@@ -60,7 +60,7 @@ struct Process {
         close(output[1]);
         in = input[1];
         out = output[0];
-        for (const char& c : scene) { // As slowly as can be.
+        for (const char& c : scene) { // Byte by byte.
             EXPECT_EQ(write(in, &c, 1), 1);
         }
     }
@@ -73,7 +73,7 @@ struct Process {
 
     int waitForStatus() const {
         int status = -1;
-        alarm(60); // Ends the test, should the filter go on.
+        alarm(60); // Ends the test if the filter does not end.
         EXPECT_EQ(waitpid(id, &status, 0), id);
         alarm(0);
         return status;
@@ -93,11 +93,11 @@ TEST(Filter, EndsWhileItsWriterKeepsThePipeOpen) {
     EXPECT_EQ(objects(stream).size(), 1U);
 }
 
-TEST(Filter, EndsAtOnceWhenToldToOrLeftAlone) {
+TEST(Filter, EndsAtOnceOnSignalsAndClosedPipes) {
     for (const int signal : {SIGPIPE, SIGINT, SIGTERM}) {
         Process filter("#VRML V1.0 ascii\n" + meshcast::doubled("Cube { }", 30));
         char c = 0;
-        EXPECT_EQ(read(filter.out, &c, 1), 1); // It is at work on a billion cubes.
+        EXPECT_EQ(read(filter.out, &c, 1), 1); // It is writing a billion cubes.
         if (signal == SIGPIPE) {
             close(std::exchange(filter.out, -1));
         } else {

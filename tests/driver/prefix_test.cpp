@@ -6,8 +6,8 @@
 #include <regex>
 #include <string>
 
-// A scene may end anywhere: a disk was full, a line broke. Whatever the place, the reader says what
-// it missed, or nothing, and only a whole root node gives output.
+// A scene may be truncated at any byte. The reader then reports a documented message or none, and
+// there is output only if the root node is complete.
 namespace meshcast {
 namespace {
 
@@ -30,7 +30,7 @@ TEST_P(Prefixes, EndWithADocumentedMessageOrNone) {
     const std::string scene = contents(GetParam());
     const Conversion whole = convertWhole(scene);
     if (scene.size() > std::size_t(64) * 1024) {
-        return; // Too long to be cut everywhere.
+        return; // Too long to test every prefix.
     }
     for (std::size_t length = 0; length < scene.size(); ++length) {
         const Conversion cut = convertWhole(scene.substr(0, length));

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Runs every command line that README.md shows, one code block after the other, with the programs of
-# a build first on PATH. Blocks that set up and build are left out: they run this.
+# Runs the command lines in the code blocks of README.md, with the programs of a build first on PATH.
+# Blocks that set up and build are left out, since they run this test.
 # Usage: readme_commands.sh FOLDER_OF_PROGRAMS..., from the project's root.
 set -eu
 for folder; do PATH="$folder:$PATH"; done
@@ -10,5 +10,5 @@ cp -r examples README.md "$scratch"
 cd "$scratch"
 awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside && !/^scripts\// && !/^bench\//' \
     README.md >commands
-[ "$(wc -l <commands)" -ge 5 ] || { echo "README.md shows fewer commands than it did" >&2; exit 1; }
+[ "$(wc -l <commands)" -ge 5 ] || { echo "README.md has too few commands" >&2; exit 1; }
 sh -eux commands

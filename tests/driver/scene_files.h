@@ -21,13 +21,13 @@ inline std::vector<std::filesystem::path> sceneFiles() {
     return files;
 }
 
-/// The bytes of a file; none when it is not there.
+/// The bytes of a file; empty if the file does not exist.
 inline std::string contents(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// A file's name as a test's name.
+/// The name of a file as the name of a test: without extension, with underscores for hyphens.
 inline std::string testName(const std::filesystem::path& path) {
     std::string name = path.stem();
     std::replace(name.begin(), name.end(), '-', '_');

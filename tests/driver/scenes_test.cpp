@@ -9,10 +9,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Each scene goes through the program. What it writes is compared, as geomtool lists it, with the
-// file NAME.listing beside the scene, or in expected/ for the examples, and what it says with
-// NAME.err; a file that is not there stands for nothing. With MESHCAST_RERECORD set the files are
-// written anew instead.
+// Converts each scene with the program. The stream, as geomtool lists it, must equal NAME.listing,
+// and the messages must equal NAME.err. These files are next to the scene, or in expected/ for the
+// examples; a missing file means no output. If MESHCAST_RERECORD is set, the files are written
+// instead.
 namespace {
 
 class Scenes : public testing::TestWithParam<std::filesystem::path> {};

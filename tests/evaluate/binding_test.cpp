@@ -43,7 +43,7 @@ TEST(Binding, SpreadsMaterialsOverFaces) {
                    {"PER_FACE_INDEXED", "RGBWYC", "77 -5", "CCCRRR"},
                    {"PER_FACE_INDEXED", "RGBWYC", "0", "RRRCCC"},
                    // As many values as corners; more than corners; as many as points; fewer than
-                   // corners.
+                   // points.
                    {"PER_VERTEX", "RGBWYC", "3 3 3", "RGBWYC"},
                    {"PER_VERTEX", "RGBWYCM", "", "RGBWYC"},
                    {"PER_VERTEX", "RGBW", "", "RGBBGW"},
@@ -104,7 +104,7 @@ TEST(Binding, SpreadsMaterialsOverPoints) {
     EXPECT_EQ(colorsOf(evaluated(bound("R", "OVERALL", "PointSet { startIndex 9 }"))), "");
 }
 
-/// The colours of a solid seen along directions.
+/// The colours of the faces of a solid with the given normals.
 std::string colorsAlong(const Model& model, const std::vector<Vec3>& normals) {
     const std::string letters = colorsOf(model);
     std::string found;
@@ -146,7 +146,7 @@ TEST(Binding, SpreadsMaterialsOverSolids) {
     }
 }
 
-// Normals are letters for their x, y and z.
+// Normals are listed as the letters of the colours with the same components.
 TEST(Binding, SpreadsNormals) {
     const auto normals = [](const std::string& binding, const std::string& vectors,
                             const std::string& more = "") {
@@ -170,8 +170,8 @@ TEST(Binding, SpreadsNormals) {
     EXPECT_EQ(normals("PER_VERTEX_INDEXED", four), "RGBBGR");
     EXPECT_EQ(normals("DEFAULT", four), "RGBBGR");
     EXPECT_EQ(normals("DEFAULT", four, "normalIndex [ 0 0 0 -1 1 1 1 -1 ]"), "RRRGGG");
-    // With too few normals, an invalid index or a normal of length 0, normals are computed: along Z
-    // here.
+    // With too few normals, an invalid index or a normal of length 0, normals are computed,
+    // which here point along Z.
     EXPECT_EQ(normals("DEFAULT", "1 0 0, 0 1 0"), "BBBBBB");
     EXPECT_EQ(normals("PER_FACE_INDEXED", four, "normalIndex [ 1 9 ]"), "BBBBBB");
     EXPECT_EQ(normals("PER_FACE", "0 0 0, 1 0 0"), "BBBRRR");

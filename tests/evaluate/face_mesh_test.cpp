@@ -49,7 +49,7 @@ TEST(FaceMesh, ManyShapesMayShareALongListOfPoints) {
     EXPECT_EQ(listed(3), "92 93 2");
 }
 
-TEST(FaceMesh, HintsTurnFacesAndShowTheirBacks) {
+TEST(FaceMesh, HintsSetWindingAndBackFaces) {
     const auto hinted = [](const std::string& hints) {
         const Model model = evaluated(faces(kSquare, "0 1 2 3", "ShapeHints { " + hints + " }"));
         const Geometry& geometry = model.geometries.at(0);
@@ -64,24 +64,23 @@ TEST(FaceMesh, HintsTurnFacesAndShowTheirBacks) {
     EXPECT_EQ(hinted("vertexOrdering CLOCKWISE shapeType SOLID"), "-2 -1 one");
 }
 
-TEST(FaceMesh, CutsEveryKindOfFace) {
+TEST(FaceMesh, TriangulatesEveryKindOfFace) {
     struct Case {
         const char *what, *points, *indices;
         double area;
     };
     for (const Case& c : {
-             Case{"an L, from a corner that sees all of it", "0 0 0,2 0 0,2 1 0,1 1 0,1 2 0,0 2 0",
-                  "0 1 2 3 4 5", 3},
-             Case{"an L, from a corner that does not", "0 0 0,2 0 0,2 1 0,1 1 0,1 2 0,0 2 0",
-                  "2 3 4 5 0 1", 3},
-             Case{"the same, the other way", "0 0 0,2 0 0,2 1 0,1 1 0,1 2 0,0 2 0", "5 4 3 2 1 0",
-                  -3},
+             Case{"an L, from a corner that the whole L is visible from",
+                  "0 0 0,2 0 0,2 1 0,1 1 0,1 2 0,0 2 0", "0 1 2 3 4 5", 3},
+             Case{"an L, from another corner", "0 0 0,2 0 0,2 1 0,1 1 0,1 2 0,0 2 0", "2 3 4 5 0 1",
+                  3},
+             Case{"the same, clockwise", "0 0 0,2 0 0,2 1 0,1 1 0,1 2 0,0 2 0", "5 4 3 2 1 0", -3},
              Case{"a quadrilateral with a notch", "0 0 0,2 0 0,0.5 0.5 0,0 2 0", "0 1 2 3", 1},
              Case{"a corner on an edge", "0 0 0,1 0 0,2 0 0,2 2 0,0 2 0", "0 1 2 3 4", 4},
              Case{"a repeated corner", "0 0 0,2 0 0,2 2 0,0 2 0", "0 1 1 2 3 3", 4},
              Case{"a square with a square hole, joined by a cut",
                   "0 0 0,3 0 0,3 3 0,0 3 0,1 1 0,1 2 0,2 2 0,2 1 0", "0 1 2 3 0 4 5 6 7 4", 8},
-             Case{"a five-pointed star, its middle filled",
+             Case{"a five-pointed star with its middle filled",
                   "0 1 0,-0.5878 -0.809 0,0.9511 0.309 0,-0.9511 0.309 0,0.5878 -0.809 0",
                   "0 1 2 3 4", 1.1226},
          }) {
@@ -90,7 +89,7 @@ TEST(FaceMesh, CutsEveryKindOfFace) {
         EXPECT_NEAR(doubledArea(model.geometries[0]), 2 * c.area, 1e-3) << c.what;
         EXPECT_TRUE(model.notes.empty()) << modelText(model);
     }
-    // A crossing of edges becomes a corner with mean attributes.
+    // The crossing of two edges becomes a corner with interpolated attributes.
     const Model bow = evaluated("Separator { Material {" + diffuse("RB") +
                                 "} MaterialBinding { value PER_VERTEX_INDEXED } Coordinate3 { "
                                 "point [ 0 0 0, 4 3 0, 4 0 0, 0 1 0 ] } IndexedFaceSet { "
@@ -103,14 +102,14 @@ TEST(FaceMesh, CutsEveryKindOfFace) {
     EXPECT_NEAR(geometry.colors[4][2], 0.5, 1e-6);
 }
 
-TEST(FaceMesh, DropsFacesThatShowNothing) {
+TEST(FaceMesh, DropsInvalidAndEmptyFaces) {
     const char* const words[] = {"note", "  "};
     const auto listed = [&](const std::string& points, const std::string& indices) {
         return linesOf(faces(points, indices), {words[0], words[1]});
     };
     const std::string badIndex = "note dropped \"\": 3 faces dropped: an index is invalid\n";
     EXPECT_EQ(listed(kSquare, "0 1 4 -1 -2 1 2 -1 0 1 2147483647 -1"), badIndex);
-    // Two corners; one point three times; collinear points, also far from the origin.
+    // Two corners; a point repeated; collinear points, also far from the origin.
     const std::string noArea = "note dropped \"\": 4 faces dropped: no area\n";
     EXPECT_EQ(listed("0 0 0, 1 1 1, 1e6 1e6 1e6", "0 1 -1 0 0 0 -1 0 1 2 -1 0 1 0 1"), noArea);
     EXPECT_EQ(listed("1e39 0 0, 1 0 0, 1 1 0", "0 1 2"),
@@ -126,7 +125,7 @@ Model folded(double angle, const std::string& hints) {
     return evaluated(faces("0 0 0, 1 0 0, 0 -1 0, " + tip, "0 2 1 -1 0 1 3", hints));
 }
 
-TEST(FaceMesh, CreasesWhereFacesMeetAtTheAngleOrMore) {
+TEST(FaceMesh, EdgesAtTheCreaseAngleAreSharp) {
     const auto vertices = [](double angle, const std::string& hints) {
         return folded(angle, hints).geometries.at(0).positions.size();
     };

@@ -76,7 +76,7 @@ const Bytes kPng = encodePng({1, 1, 4, {1, 2, 3, 4}});
 const Bytes kGif = {'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0, 0x80, 0, 0, 9,    8, 7, 0,  0,
                     0,   ',', 0,   0,   0,   0,   1, 0, 1, 0, 0,    2, 2, 0x44, 1, 0, ';'};
 
-TEST_F(ImageFiles, AreEmbeddedOnceAsTheyAreOrAsPng) {
+TEST_F(ImageFiles, AreEmbeddedOnceUnchangedOrAsPng) {
     write("scene/maps/a b.png", kPng);
     EXPECT_EQ(listed("maps/a b.png"), "image 0: png \"maps/a b.png\" 1x1 alpha\n");
     EXPECT_EQ(listed("maps\\a b.png"), "image 0: png \"maps\\a b.png\" 1x1 alpha\n");
@@ -112,13 +112,13 @@ TEST_F(ImageFiles, OutsideOfTheRootAreNotRead) {
     EXPECT_EQ(listed("inside.png"), missing("inside.png"));
 }
 
-TEST_F(ImageFiles, ThatCannotBeDecodedAreNoted) {
+TEST_F(ImageFiles, ThatCannotBeDecodedAreReported) {
     write("scene/a.png", {kPng.begin(), kPng.begin() + 40});
     EXPECT_EQ(listed("a.png"), "note missing \"\": texture \"a.png\" is damaged\n");
     write("scene/b.rgb", {1, 2, 3});
     EXPECT_EQ(listed("b.rgb"), "note missing \"\": texture \"b.rgb\" is an image of an unknown "
                                "kind\n");
-    // The image in the scene replaces the file.
+    // The pixels in the scene have precedence over the file.
     EXPECT_EQ(
         linesOf(evaluated("Separator { Texture2 { filename \"b.rgb\" image 1 1 1 5 } Cube { } }",
                           options_),
@@ -138,7 +138,7 @@ TEST_F(ImageFiles, AreLimited) {
     EXPECT_NE(listed("a.png").find("note"), std::string::npos);
 }
 
-// A scene can use many names for one file, and name endless devices.
+// A scene can give one file many names, and can name pipes and devices without an end.
 TEST_F(ImageFiles, AreNotReadWithoutEnd) {
     write("scene/a.png", kPng);
     options_.limits.imageBytes = 2 * kPng.size();

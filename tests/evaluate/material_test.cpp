@@ -25,7 +25,7 @@ TEST(Material, ColoursBecomeLinear) {
         "material 0: color 0.21404 1 0 0.75 emissive 0 0 0.21404 roughness 1 blended\n");
 }
 
-TEST(Material, WhatIsNotGivenIsTheDefault) {
+TEST(Material, MissingValuesAreDefaults) {
     const std::string usual = "material 0: color 0.60383 0.60383 0.60383 1 roughness 1\n";
     EXPECT_EQ(materials(""), usual);
     EXPECT_EQ(materials("Material { }"), usual);
@@ -43,7 +43,7 @@ TEST(Material, ShininessMakesSmoothSurfaces) {
     EXPECT_EQ(materials("Material { specularColor 1 1 1 shininess 0 }"), color + "roughness 1\n");
 }
 
-TEST(Material, LightBeforehandIsShownWithoutLight) {
+TEST(Material, PrelitMaterialsAreUnlit) {
     const std::string preLit = "Material { ambientColor [ ] diffuseColor [ ] specularColor [ ] "
                                "emissiveColor [ 1 0 0, 0 0 1 ] } ";
     EXPECT_EQ(materials(preLit), "material 0: color 1 0 0 1 unlit\n");
@@ -71,7 +71,7 @@ TEST(Material, LinesWithoutNormalsAreUnlit) {
               "material 0: color 1 0 0 1 unlit\n");
 }
 
-TEST(Material, PaintGoesIntoVertexColours) {
+TEST(Material, DiffuseColoursBecomeVertexColours) {
     const Model model =
         evaluated("Separator { " + kPoints +
                   "Material { diffuseColor [ 1 0 0, 0 1 0 ] transparency [ 0, 0.5 ] "
@@ -91,7 +91,7 @@ TEST(Material, PaintGoesIntoVertexColours) {
               "material 0: color 1 0 0 1 roughness 1\n");
 }
 
-TEST(Material, FinishMakesPrimitives) {
+TEST(Material, DifferentMaterialsMakePrimitives) {
     const std::string glowing = "Material { diffuseColor [ 1 0 0, 0 1 0 ] emissiveColor [ 0 0 0, 0 "
                                 "0 1 ] } MaterialBinding { value ";
     EXPECT_EQ(linesOf("Separator { " + kPoints + glowing + "PER_FACE } " + kFaces + "}",
@@ -113,7 +113,7 @@ TEST(Material, FinishMakesPrimitives) {
     EXPECT_EQ(colorsOf(mixed), "RGR RGG");
 }
 
-TEST(Material, TooManyBecomeFew) {
+TEST(Material, TooManyMaterialsAreReduced) {
     // 2,000 faces, each with a different finish.
     std::string colors;
     std::string indices;

@@ -66,7 +66,7 @@ TEST(Placement, ScopesEndTransforms) {
               "instance \"\" mesh 0\n");
 }
 
-TEST(Placement, WhatShearsIsAppliedToVertices) {
+TEST(Placement, ShearIsAppliedToVertices) {
     // An eighth of a turn, then x doubled: 1 0 goes to 1.41421 0.70711. The translation stays.
     EXPECT_EQ(placed("Translation { translation 5 0 0 } Scale { scaleFactor 2 1 1 } "
                      "Rotation { rotation 0 0 1 0.7853982 }"),
@@ -94,7 +94,7 @@ TEST(Placement, InstancesMayMirror) {
               kInPlace + "instance \"t\" mesh 0 matrix -1 0 0 0, 0 1 0 0, 0 0 1 0\n");
 }
 
-TEST(Placement, FlatShapesKeepWhatHasArea) {
+TEST(Placement, FlatShapesKeepTrianglesWithArea) {
     EXPECT_EQ(placed("Translation { translation 0 0 3 } Scale { scaleFactor 2 1 0 }"),
               "  0: 0 0 0 normal 0 0 1\n"
               "  1: 2 0 0 normal 0 0 1\n"
@@ -115,13 +115,13 @@ TEST(Placement, FlatShapesKeepWhatHasArea) {
               std::string::npos);
 }
 
-TEST(Placement, ShapesWithoutAPlaceAreNoted) {
+TEST(Placement, ShapesWithInvalidPositionsAreDropped) {
     const std::string note = "note dropped \"\": 1 shape dropped: its position is not finite\n";
     EXPECT_EQ(placed("Scale { scaleFactor 1e30 1 1 } Scale { scaleFactor 1e30 1 1 }"), note);
     EXPECT_EQ(placed("MatrixTransform { matrix 1 0 0 0  0 1 0 0  0 0 1 0  0 0 0 0 }"), note);
 }
 
-TEST(Placement, ShapesUsedAgainShareWhatTheyCan) {
+TEST(Placement, RepeatedShapesShareData) {
     const std::string moved = "Translation { translation 1 0 0 } ";
     const auto counts = [](const std::string& body) {
         const Model model = evaluated("Separator { " + body + "}");

@@ -29,7 +29,7 @@ Extent extentOf(const std::string& text, const std::string& style = "") {
     return extent;
 }
 
-TEST(Text, StandsOnItsBaseline) {
+TEST(Text, HasItsBaselineAtZero) {
     const Extent usual = extentOf("string \"H\"");
     EXPECT_NEAR(usual.low[1], 0, 1e-4);
     EXPECT_NEAR(usual.high[1], 8, 1e-3);
@@ -49,7 +49,7 @@ TEST(Text, IsJustifiedAndFitted) {
     const Extent right = extentOf("string \"HOH\" justification RIGHT");
     EXPECT_NEAR(center.low[0], -center.high[0], 0.01);
     EXPECT_NEAR(right.high[0], -left.low[0], 0.01);
-    // The space beside an H is scaled with it.
+    // The side bearings of an H are scaled too.
     const Extent fitted = extentOf("string \"HOH\" width 100");
     const double natural = static_cast<double>(left.high[0] + left.low[0]);
     EXPECT_NEAR(fitted.high[0] + fitted.low[0], 100, 1e-3);
@@ -77,7 +77,7 @@ TEST(Text, IsLeftOutWithoutFont) {
               "");
 }
 
-TEST(Text, BytesThatAreNoUtf8AreLatin) {
+TEST(Text, InvalidUtf8IsReadAsLatin1) {
     EXPECT_EQ(toUtf8("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"),
               "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_EQ(toUtf8("\xE9t\xE9"), "\xC3\xA9t\xC3\xA9");

@@ -49,7 +49,7 @@ TEST(TextureMapping, CubeShowsTheImageUprightOnEachSide) {
     }
 }
 
-TEST(TextureMapping, RoundSolidsAreWrappedFromTheBack) {
+TEST(TextureMapping, RoundSolidsAreWrappedStartingAtTheBack) {
     const Geometry cylinder = solid("Cylinder { }");
     // The image begins and ends at the back, with left, front and right in between.
     EXPECT_EQ(uvsAt(cylinder, {0, -1, -1}, {0, 0, -1}), "0 0, 1 0");
@@ -111,7 +111,7 @@ TEST(TextureMapping, FaceSetsAreMappedAlongTheLongestSides) {
     EXPECT_EQ(mapped("0 0 0, 2 0 0, 2 2 2, 0 2 2", {0, 2, 2}), "0 1");
 }
 
-TEST(TextureMapping, FaceSetsBringCoordinates) {
+TEST(TextureMapping, FaceSetsMayHaveCoordinates) {
     const std::string square = "0 0 0, 1 0 0, 1 1 0, 0 1 0";
     const std::string four = "TextureCoordinate2 { point [ 0.1 0.2, 3 4, 5 6, 7 8 ] } ";
     EXPECT_EQ(mapped(square, {1, 0, 0}, four), "3 4");
@@ -124,7 +124,7 @@ TEST(TextureMapping, FaceSetsBringCoordinates) {
     EXPECT_TRUE(evaluated("Separator { " + four + "Cube { } }").geometries.at(0).uvs.empty());
 }
 
-TEST(TextureMapping, TransformsAddUp) {
+TEST(TextureMapping, TransformsAreCombined) {
     const auto corner = [](const std::string& transforms) {
         const Model model = evaluated("Separator { " + kTexture + transforms + " Cube { } }");
         return uvsAt(model.geometries.at(0), {1, 1, 1}, {0, 0, 1});

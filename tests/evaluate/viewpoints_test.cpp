@@ -3,7 +3,7 @@
 namespace meshcast::evaluate {
 namespace {
 
-TEST(Viewpoints, CamerasAreAtTheirPlace) {
+TEST(Viewpoints, CamerasHaveTheirPlacement) {
     EXPECT_EQ(linesOf("Separator { Translation { translation 1 2 3 } DEF front PerspectiveCamera { "
                       "position 0 0 5 heightAngle 0.5 aspectRatio 2 nearDistance 0.1 farDistance "
                       "50 } }",
@@ -27,7 +27,7 @@ TEST(Viewpoints, CamerasAreAtTheirPlace) {
         "1\n");
 }
 
-TEST(Viewpoints, ASwitchListsCameras) {
+TEST(Viewpoints, CamerasOfASwitchAreListed) {
     const std::string cameras = "DEF a PerspectiveCamera { } DEF b Separator { Translation { "
                                 "translation 7 0 0 } DEF c OrthographicCamera { } Sphere { } "
                                 "PointLight { } Info { string \"no\" } } Switch { DEF d "
@@ -68,7 +68,7 @@ TEST(Viewpoints, LightsShineAlongTheirDirection) {
               "Separator\n");
 }
 
-TEST(Viewpoints, TextsAndWhatIsNotShownAreKept) {
+TEST(Viewpoints, InfoTextsAndNotesAreKept) {
     EXPECT_EQ(modelText(evaluated("DEF a Separator { DEF i Info { string \"made by hand\" } USE i "
                                   "Info { } Odd { fields [ ] } Odd { fields [ ] } "
                                   "WWWInline { name \"b.wrl\" bboxSize 1 1 1 } LOD { range [ 5 ] "

@@ -27,7 +27,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// A folder of its own, gone with its owner.
+/// A temporary folder, which is removed by the destructor.
 class Folder {
 public:
     Folder() { path = ::mkdtemp(name_.data()); }
@@ -41,10 +41,10 @@ private:
     std::string name_ = testing::TempDir() + "export.XXXXXX";
 };
 
-/// What is found in the files of an export, in the numbers that must survive every format.
+/// The contents of exported files, reduced to what every format keeps.
 struct Contents {
     double area = 0;
-    std::vector<Vec3> normals; ///< Of the triangles, by the order of their corners.
+    std::vector<Vec3> normals; ///< Of the triangles, computed from their winding.
     double lowestX = 1e9, highestX = -1e9;
     std::size_t lines = 0, points = 0;
     std::set<std::string> names, textures;
@@ -127,23 +127,23 @@ INSTANTIATE_TEST_SUITE_P(All, PlacedFormats,
                          testing::Values("glb", "obj", "ply", "stl", "dae", "x3d", "3mf"),
                          [](const auto& test) { return "Format" + std::string(test.param); });
 
-// The triangle stands once where it is, and once mirrored at x = 10, twice as wide.
-TEST_P(PlacedFormats, HaveEveryShapeAtItsPlaceFacingItsWay) {
+// One triangle at its own position, and one mirrored at x = 10 and twice as wide.
+TEST_P(PlacedFormats, KeepPositionsAndWinding) {
     Model model = triangle();
     model.instances.resize(2);
     model.instances[1].matrix = {-2, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 10, 0, 0, 1};
     const Contents found = readBack(exportTo(GetParam(), std::move(model)), GetParam());
-    const double unit = std::string(GetParam()) == "3mf" ? 1000 : 1; // It has millimetres.
+    const double unit = std::string(GetParam()) == "3mf" ? 1000 : 1; // Millimetres.
     EXPECT_NEAR(found.area, (1 + 2) * unit * unit, 1e-3 * unit);
     EXPECT_NEAR(found.lowestX, 0, 1e-6);
     EXPECT_NEAR(found.highestX, 10 * unit, 1e-6);
-    if (std::string(GetParam()) != "glb") { // Its readers turn them.
+    if (std::string(GetParam()) != "glb") { // A glTF reader reverses mirrored faces.
         EXPECT_THAT(found.normals, SizeIs(2));
         EXPECT_THAT(found.normals, Each(ElementsAre(0, 0, 1)));
     }
 }
 
-TEST_P(PlacedFormats, OfNoShapesAreFilesAllTheSame) {
+TEST_P(PlacedFormats, AcceptEmptyModels) {
     const Exported exported = exportTo(GetParam(), {});
     EXPECT_GT(bytesOf(exported.files.at(0)).size(), 80U);
     EXPECT_THAT(exported.notes, IsEmpty());
@@ -152,7 +152,7 @@ TEST_P(PlacedFormats, OfNoShapesAreFilesAllTheSame) {
 TEST(MeshFormats, NameShapesAndShowTheirColorsAndTextures) {
     Model model = triangle();
     model.geometries[0].uvs = {{0, 0}, {1, 0}, {0, 1}};
-    model.materials[0].baseColor = {0.21404114F, 1, 0, 1}; // 0.5, 1, 0 on a screen
+    model.materials[0].baseColor = {0.21404114F, 1, 0, 1}; // 0.5, 1, 0 in sRGB
     model.images.resize(1);
     model.images[0].bytes = {1, 2, 3};
     model.materials[0].texture = {0, true, false};
@@ -170,7 +170,7 @@ TEST(MeshFormats, NameShapesAndShowTheirColorsAndTextures) {
     EXPECT_EQ(bytesOf(obj.files[2]), "\x01\x02\x03");
 }
 
-TEST(MeshFormats, HoldVertexColorsAsAScreenShowsThem) {
+TEST(MeshFormats, HoldVertexColorsInSrgb) {
     Model model = triangle();
     model.geometries.push_back(model.geometries[0]);
     model.geometries[0].colors = {{1, 0, 0, 1}, {0, 1, 0, 1}, {0, 0, 0.21404114F, 1}};
@@ -194,14 +194,14 @@ TEST(MeshFormats, HoldVertexColorsAsAScreenShowsThem) {
     EXPECT_THAT(obj, HasSubstr("v 1 0 0 1 1 1\n")) << "blue comes from the material";
 }
 
-TEST(MeshFormats, AreTheSameBytesAtAnyTimeAndSeenFromBothSides) {
+TEST(MeshFormats, HaveNoTimestampsAndAreDoubleSided) {
     EXPECT_THAT(bytesOf(exportTo("dae", triangle()).files[0]),
                 HasSubstr("<modified>1970-01-01T00:00:00</modified>"));
     EXPECT_THAT(bytesOf(exportTo("x3d", triangle()).files[0]),
                 HasSubstr("<IndexedFaceSet solid='false' coordIndex='0 1 2"));
 }
 
-TEST(MeshFormats, TellWhatTheyCannotHold) {
+TEST(MeshFormats, ReportWhatTheyCannotHold) {
     Model model = triangle();
     for (const Topology topology : {Topology::kLines, Topology::kPoints}) {
         model.geometries.push_back(model.geometries[0]);

@@ -16,9 +16,9 @@
 namespace meshcast::exporter {
 namespace {
 
-// Colours by face and by corner, an image, solids, a mirror and a shear, lines and points. Faces
-// that are not convex and text are left out: GLU's tessellator, which cuts them, does not survive a
-// failure of some of its own allocations.
+// Colours by face and by corner, an image, solids, a mirror and a shear, lines and points. There
+// are no concave faces and no text, because GLU's tessellator crashes when some of its allocations
+// fail.
 const std::string kScene = R"(#VRML V1.0 ascii
 Separator {
   Info { string "a" }
@@ -41,8 +41,8 @@ struct Outcome {
     std::size_t notes = 0;
 };
 
-/// What a scene becomes in a format when the allocation of that number fails; nothing when that
-/// ended it.
+/// Exports a scene to a format while the allocation with this number fails. Returns nothing if that
+/// ended the export.
 std::optional<Outcome> outcomeOf(const Scene& scene, const evaluate::FontFile& font,
                                  const Format& format, int failing) {
     class NoMessages final : public Diagnostics {
@@ -68,8 +68,8 @@ std::optional<Outcome> outcomeOf(const Scene& scene, const evaluate::FontFile& f
     return outcome;
 }
 
-// Whichever allocation fails, alone or with all later ones, evaluation and export end with
-// bad_alloc, or do without the image that they could not make, or the memory was not needed.
+// When an allocation fails, alone or with all later ones, evaluation and export end with bad_alloc,
+// or leave out an image with a note, or give the complete result.
 TEST(Memory, ThatRunsOutEndsAnExportCleanly) {
     Scene scene;
     StandardErrorDiagnostics messages;

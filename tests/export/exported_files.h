@@ -23,7 +23,7 @@ inline std::string bytesOf(const File& file) {
     return sink.bytes;
 }
 
-/// Exports a model to a format, which has to succeed.
+/// Exports a model to a format. The export must succeed.
 inline Exported exportTo(std::string_view extension, evaluate::Model model,
                          const std::string& name = "scene") {
     Exported exported = exportModel(std::move(model), *findFormat(extension), {name});
@@ -31,7 +31,7 @@ inline Exported exportTo(std::string_view extension, evaluate::Model model,
     return exported;
 }
 
-/// A model of one triangle, (0, 0, 0) (1, 0, 0) (0, 2, 0), of one material, placed once.
+/// A model of one triangle, (0, 0, 0) (1, 0, 0) (0, 2, 0), with one material and one instance.
 inline evaluate::Model triangle() {
     evaluate::Model model;
     model.materials.emplace_back();

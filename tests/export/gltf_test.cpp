@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// What the writer makes of a model is read by another implementation of glTF.
+// The files are read with an independent implementation of glTF.
 
 namespace meshcast::exporter {
 namespace {
@@ -29,7 +29,7 @@ tinygltf::Model exportedAndLoaded(Model model) {
     return loadedGlb(bytesOf(exported.files[0]));
 }
 
-/// The elements of an accessor, all their components one after the other.
+/// The components of all elements of an accessor.
 template <typename Number>
 std::vector<Number> elements(const tinygltf::Model& model, int number) {
     const tinygltf::Accessor& accessor = model.accessors[static_cast<std::size_t>(number)];
@@ -47,7 +47,7 @@ std::vector<Number> elements(const tinygltf::Model& model, int number) {
     return values;
 }
 
-TEST(Gltf, HoldsListsAsTheModelHasThem) {
+TEST(Gltf, HasTheListsOfTheModel) {
     Model model = triangle();
     model.geometries[0].uvs = {{0, 0}, {1, 0.25F}, {-2, 1}};
     model.geometries[0].colors = {{1, 0, 0, 1}, {0, 1, 0, 1}, {0, 0, 0.5F, 0.5F}};
@@ -71,7 +71,7 @@ TEST(Gltf, HoldsListsAsTheModelHasThem) {
                 ElementsAre(1, 0, 0, 0, 1, 0, 0, 0, 0.5F));
 }
 
-TEST(Gltf, HasShortIndicesWhereNoneIsTheLargest) {
+TEST(Gltf, UsesShortIndicesBelow65535) {
     for (const std::size_t count : {65'535U, 65'536U}) {
         Model model = triangle();
         model.geometries[0].normals.clear();
@@ -88,7 +88,7 @@ TEST(Gltf, HasShortIndicesWhereNoneIsTheLargest) {
     }
 }
 
-TEST(Gltf, SharesWhatMeshesShare) {
+TEST(Gltf, SharesListsBetweenMeshes) {
     Model model = triangle();
     model.geometries.push_back(model.geometries[0]);
     model.geometries[1].topology = evaluate::Topology::kLines;
@@ -211,7 +211,7 @@ TEST(Gltf, OfNoShapesIsValid) {
     EXPECT_TRUE(gltf.scenes.at(0).nodes.empty() && gltf.buffers.empty());
 }
 
-TEST(Gltf, AsTextNamesTheFilesBesideIt) {
+TEST(Gltf, InTextFormNamesItsOtherFiles) {
     Model model = triangle();
     model.images.resize(2);
     model.images[0].bytes = {1, 2, 3};

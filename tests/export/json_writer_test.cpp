@@ -24,7 +24,7 @@ TEST(JsonWriter, EscapesWhatWouldEndAStringOrAScript) {
     EXPECT_EQ(text, "\"a\\\"b\\\\c\\u000a\\u0000\\u003c/script>\\u007f\xC3\xA9\"");
 }
 
-TEST(JsonWriter, WritesFloatsThatAreReadAsTheSame) {
+TEST(JsonWriter, WritesFloatsThatReadBackExactly) {
     using Limits = std::numeric_limits<float>;
     for (const float number : {0.1F, 1e-45F, -0.0F, 16777217.0F, 1 / 3.0F, Limits::max()}) {
         std::string text;

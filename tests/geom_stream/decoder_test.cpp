@@ -12,7 +12,7 @@ namespace {
 
 using namespace geom_stream;
 
-// The one object of a stream, whose byte count must be right.
+// Decodes a stream of one object and checks its byte count.
 Object objectOf(const std::string& name, const std::vector<std::byte>& stream) {
     const DecodeResult result = decode(stream);
     EXPECT_FALSE(result.error) << name << ": offset " << result.error->offset << ": "
@@ -27,7 +27,7 @@ Object objectOf(const std::string& name, const std::vector<std::byte>& stream) {
 
 Object objectOf(const std::string& name) { return objectOf(name, records::named(name).bytes); }
 
-// The arrays must be those that the flags promise, as the records have them.
+// Checks that the arrays are those that the flags announce, with the values of the records.
 void expectArrays(const VertexArrays& arrays, std::uint32_t flags, std::size_t n,
                   std::size_t primitives) {
     const auto expect = [flags](const auto& values, std::uint32_t bit, std::size_t count,
@@ -104,7 +104,7 @@ TEST(Decoder, ReadsTheOtherKinds) {
     EXPECT_EQ(objectOf("label 7").label().texts, (std::vector<std::string>{"", "\xff"}));
 }
 
-TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
+TEST(Decoder, ReportsTheIncompleteItemOfATruncatedStream) {
     const records::Bytes stream = records::all();
     std::vector<std::size_t> ends; // of the records
     for (const Object& object : decode(stream.bytes).objects)
@@ -112,7 +112,7 @@ TEST(Decoder, ReportsTheItemThatACutLeavesIncomplete) {
     ASSERT_EQ(ends.size(), records::by_name.size());
 
     for (std::size_t cut = 0; cut < stream.bytes.size(); ++cut) {
-        // A copy of its own, so that a sanitizer detects a read after the cut.
+        // A copy, so that a sanitizer detects reads after the end.
         const std::vector<std::byte> prefix(stream.bytes.data(), stream.bytes.data() + cut);
         const DecodeResult result = decode(prefix);
         EXPECT_EQ(result.objects.size(), std::ranges::upper_bound(ends, cut) - ends.begin());
@@ -184,7 +184,7 @@ TEST(Decoder, SurvivesEveryByteChanged) {
     }
 }
 
-// The rows "offset | bytes | meaning" of the format's worked example, offsets checked on the way.
+// The bytes of the worked example in stream-format.md. Checks the offsets of its rows.
 std::vector<std::byte> workedExample() {
     std::ifstream document(STREAM_FORMAT_DOCUMENT);
     std::string line;
@@ -202,7 +202,7 @@ std::vector<std::byte> workedExample() {
     return example;
 }
 
-TEST(StreamFormat, WorkedExampleIsWhatItSays) {
+TEST(StreamFormat, WorkedExampleIsCorrect) {
     const Object object = objectOf("worked example", workedExample());
     EXPECT_EQ(object.size, 200U);
     EXPECT_EQ(object.version, 10);

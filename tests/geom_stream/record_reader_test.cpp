@@ -51,7 +51,7 @@ void expectSame(const DecodeResult& result, const DecodeResult& expected) {
     }
 }
 
-TEST(RecordReader, TakesEveryCutOfEveryRecordInPieces) {
+TEST(RecordReader, DecodesTruncatedRecordsInPieces) {
     for (const auto& [name, hex] : records::by_name) {
         const std::vector<std::byte> record = records::named(name).bytes;
         for (std::size_t size = 0; size <= record.size(); ++size) {
@@ -64,7 +64,8 @@ TEST(RecordReader, TakesEveryCutOfEveryRecordInPieces) {
     }
 }
 
-// An array of several times the buffer's size, between records of another version and odd sizes.
+// An array several times as long as the buffer, between records of the other version and odd
+// lengths.
 TEST(RecordReader, ReadsArraysLargerThanItsBuffer) {
     constexpr std::size_t kCount = 0x7531;
     const std::vector<std::byte> label = records::named("label 7").bytes;

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Installs a build into a folder of its own and has other projects use it: every header compiles alone,
-# and the examples of all libraries are built through find_package and through pkg-config, with each
-# compiler that is there, and do what they say.
+# Installs a build into a temporary folder and uses it from other projects: every header must compile
+# alone, and the examples of all libraries are built with find_package and with pkg-config, by each
+# installed compiler, and run.
 # Usage: libraries_test.sh BUILD EXAMPLES FOLDER_OF_LIBRARIES
 set -eu
 build=$1
@@ -13,14 +13,14 @@ unset DESTDIR
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 export PKG_CONFIG_PATH="$prefix/$3/pkgconfig"
-export LD_LIBRARY_PATH="$prefix/$3" # for shared libraries that no run path leads to
+export LD_LIBRARY_PATH="$prefix/$3" # shared libraries are not found by run path there
 
 fail() {
     echo "$*" >&2
     exit 1
 }
 
-# Runs the examples in a folder and compares what they print with what their scenes hold.
+# Runs the examples in a folder and checks what they print.
 run_examples() {
     printf '#VRML V1.0 ascii\nCube { width 1,5 }\n' |
         "$1/tidy_example" 2>/dev/null >"$scratch/tidied.wrl"

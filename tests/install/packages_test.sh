@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the Debian packages of a build and has lintian check them, if it is there. As root, and with
-# debootstrap there, installs them into a bare Debian and converts a scene in it.
+# Makes the Debian packages of a build and checks them with lintian, if it is installed. If run as root
+# and debootstrap is installed, installs them into a minimal Debian system and converts a scene there.
 # Usage: packages_test.sh BUILD EXAMPLES
 set -eu
 build=$1
@@ -24,12 +24,12 @@ dpkg-deb --extract libmeshcast-dev_*.deb "$scratch/development"
 [ -z "$(cd "$scratch" && find programs/usr/lib programs/usr/include development/usr/bin 2>/dev/null)" ] ||
     fail "programs and libraries are in the same package"
 if command -v lintian >/dev/null; then
-    # Builds with the prefix /usr have their libraries in the folder that the tag asks for.
+    # Only builds with the prefix /usr install the libraries in the folder that this tag requires.
     lintian --allow-root --fail-on error,warning --tag-display-limit 0 \
         --suppress-tags pkg-config-unavailable-for-cross-compilation -- *.deb
 fi
 
-# What bash offers for a command line whose last word is to be completed.
+# Prints the completions that bash offers for the last word of a command line.
 offers() {
     COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMP_LINE="$*" COMP_POINT=${#COMP_LINE} COMPREPLY=()
     _meshcast_programs "$1" "${*: -1}" "${*: -2:1}"
@@ -51,14 +51,14 @@ if [ -e $bash_completion ]; then
 fi
 
 if [ "$(id -u)" -ne 0 ] || ! command -v debootstrap >/dev/null; then
-    echo "not installed: that takes root and debootstrap"
+    echo "the packages are not installed: that needs root and debootstrap"
     exit 0
 fi
 # shellcheck disable=SC1091
 . /etc/os-release
 debootstrap --variant=minbase "$VERSION_CODENAME" "$root" >"$scratch/log" 2>&1 ||
     fail "$(tail "$scratch/log")"
-mount -t proc proc "$root/proc" || fail "a bare Debian needs /proc"
+mount -t proc proc "$root/proc" || fail "cannot mount /proc in the Debian system"
 cp ./*.deb "$examples/house.wrl" "$root/tmp"
 inside() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root "$@"; }
 inside sh -c 'apt-get install -y --no-install-recommends /tmp/*.deb libjs-three' >"$scratch/log" 2>&1 || fail "$(tail "$scratch/log")"

@@ -110,13 +110,13 @@ TEST_F(Files, LinksStayAndOtherNamesKeepTheOldContent) {
     EXPECT_EQ(read(path("inside/new")), "x");
 }
 
-TEST_F(Files, WhatIsNoRegularFileIsWrittenTo) {
+TEST_F(Files, DevicesAndPipesAreWrittenDirectly) {
     EXPECT_EQ(write("/dev/full", "x"), std::errc::no_space_on_device);
     ASSERT_EQ(::mkfifo(path("fifo").c_str(), 0600), 0);
     const Descriptor reader(::open(path("fifo").c_str(), O_RDONLY | O_NONBLOCK));
     EXPECT_FALSE(write(path("fifo"), "x"));
     EXPECT_TRUE(fs::is_fifo(path("fifo")));
-    // A link into /proc means the open file itself, even if that is a regular file.
+    // A link into /proc stands for the open file, which is written to even if it is a regular file.
     const Descriptor file(::open(path("x").c_str(), O_RDWR | O_CREAT, 0600));
     const ino_t before = [&] {
         struct stat status {};
@@ -151,7 +151,7 @@ TEST_F(Files, AnInterruptionLeavesNothing) {
     }
 }
 
-TEST_F(Files, ALimitOfSizeIsAnError) {
+TEST_F(Files, AFileSizeLimitIsReported) {
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {

@@ -1,6 +1,5 @@
-"""Compares the Python reader with `geomtool info`, whose decoder is written in another language:
-same objects, same values, same errors, over the streams of scenes, streams of all kinds of objects,
-cut streams and damaged ones.
+"""Compares the Python reader with `geomtool info`: both must find the same objects, values and errors in
+the streams of scenes, in streams of all kinds of objects, and in truncated and damaged streams.
 Usage: geomstream_test.py GEOMTOOL MESHCAST FOLDER_OF_PROJECT"""
 
 import io
@@ -88,7 +87,7 @@ def body_values(obj):
 
 
 def summary(obj):
-    """An object as geomtool lists it, as far as the reader knows it."""
+    """An object as geomtool lists it, with the entries that the reader knows."""
     return {"kind": type(obj).__name__.lower(), "version": obj.version, "offset": obj.offset,
             "size": obj.size, "data": int(obj.flags), "name": obj.name, "text": obj.second_text,
             "properties": [{"kind": p.kind, "value": p.value, "length": len(p.data)}
@@ -109,7 +108,7 @@ def read_all(stream):
 
 
 class Encoder:
-    """Writes records of random objects, with all arrays that the format knows."""
+    """Writes records of random objects with any arrays of the format."""
 
     def __init__(self, seed):
         self.random = random.Random(seed)
@@ -201,7 +200,7 @@ class Encoder:
         return b"".join(self.record() for _ in range(self.random.randint(0, 3)))
 
     def damaged(self):
-        """A stream with some bytes or words changed, left out or doubled."""
+        """A stream with some bytes or words overwritten or inserted."""
         data = bytearray(self.stream() or self.record())
         for _ in range(self.random.randint(1, 3)):
             place = self.random.randrange(len(data) + 1)
@@ -220,7 +219,7 @@ class Reader(unittest.TestCase):
         cls.addClassCleanup(cls.folder.cleanup)
 
     def agrees(self, stream, what):
-        """Reads a stream in both ways; returns whether it is valid."""
+        """Compares the results of both readers; returns whether the stream is valid."""
         path = pathlib.Path(self.folder.name, "stream")
         path.write_bytes(stream)
         said = subprocess.run([GEOMTOOL, "info", "--json", "--values", path], capture_output=True)
@@ -256,7 +255,7 @@ class Reader(unittest.TestCase):
         refused = sum(not self.agrees(Encoder(seed).damaged(), f"seed {seed}") for seed in range(2000, 2600))
         self.assertGreater(refused, 200)
 
-    def test_a_count_takes_no_memory(self):
+    def test_a_large_count_needs_no_memory(self):
         header = struct.pack(">iiII", 0x474D3634, 0, 1, 2) + bytes(24) + struct.pack(">iqiii", 0, 0, 0, 0, 0)
         for counts in ((0, 0, 2**60), (2**60, 0, 0)):
             tracemalloc.start()

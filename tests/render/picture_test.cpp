@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-// Pictures are compared by coverage and colour: drivers differ in single pixels.
+// Pictures are checked by coverage and colour, since drivers differ in single pixels.
 namespace {
 
 using namespace meshcast::evaluate;
@@ -18,9 +18,9 @@ using meshcast::render::PictureOptions;
 
 using Rgba = std::array<int, 4>;
 
-/// A model that grows by squares with sides of 2 around the origin.
+/// Builds a model of squares with sides of length 2.
 struct Squares {
-    /// One that looks along +Z; it has its own material.
+    /// Adds a square that faces +Z before the matrix is applied; returns its own material.
     Material& add(const Matrix& matrix, const Color& color) {
         if (model.geometries.empty()) {
             Geometry square;
@@ -59,7 +59,7 @@ Pixels drawn(Model model, const PictureOptions& how) {
     return std::get<Pixels>(std::move(picture));
 }
 
-/// The pixel at a share of the width and the height, from the upper left corner.
+/// The pixel at a fraction of the width and the height, from the upper left corner.
 Rgba pixel(const Pixels& picture, double x, double y) {
     const auto column = static_cast<std::size_t>(x * picture.width);
     const auto row = static_cast<std::size_t>(y * picture.height);
@@ -115,7 +115,7 @@ TEST(Picture, ShowsEachSideFromItsView) {
     const Pixels all = drawn(squares.model, options("fit"));
     std::array<double, 3> shares{};
     for (std::size_t i = 0; i < all.bytes.size(); ++i) {
-        // A side shows one of the three components only.
+        // Each side has only one of the three components.
         shares[i % 3] += all.bytes[i] > 100 ? 1e-4 : 0;
     }
     const double empty = 1 - coverage(all);
@@ -130,7 +130,7 @@ TEST(Picture, IsTakenFromACameraByItsNameOrNumber) {
     Camera near;
     near.name = "House/Near";
     near.matrix = at(0, 0, 2);
-    near.heightAngle = 2 * 0.4636476F; // It sees a square with sides of 2 at that distance.
+    near.heightAngle = 2 * 0.4636476F; // A square with sides of 2 fills it at that distance.
     near.nearDistance = 0.1F;
     near.farDistance = 100;
     Camera flat = near;
@@ -143,7 +143,7 @@ TEST(Picture, IsTakenFromACameraByItsNameOrNumber) {
     }
     PictureOptions wide = options("2");
     EXPECT_NEAR(coverage(drawn(squares.model, wide)), 0.25, 0.01);
-    std::swap(wide.height, wide.width = 50); // The height is seen along the shorter side.
+    std::swap(wide.height, wide.width = 50); // The camera height fits the shorter side.
     EXPECT_NEAR(coverage(drawn(squares.model, wide)), 0.125, 0.02);
     for (const char* const name : {"near", "ear", "3", "0", ""}) {
         const auto problem = drawPicture(Model(squares.model), options(name));
@@ -154,9 +154,9 @@ TEST(Picture, IsTakenFromACameraByItsNameOrNumber) {
     }
 }
 
-TEST(Picture, MixesWhatIsTransparentFromBackToFront) {
+TEST(Picture, BlendsTransparentSurfacesFromBackToFront) {
     Squares squares;
-    squares.add(at(0, 0, 1), {1, 0, 0, 0.5F}); // The nearest is the first of the scene.
+    squares.add(at(0, 0, 1), {1, 0, 0, 0.5F}); // The nearest square is the first in the scene.
     squares.add(at(0, 0, -1), {0, 0, 1, 0.5F});
     PictureOptions how = options("front");
     EXPECT_THAT(pixel(drawn(squares.model, how), 0.5, 0.5), IsAbout(Rgba{191, 64, 128, 255}));
@@ -187,11 +187,11 @@ TEST(Picture, IsLitByTheScenesLightsOrAHeadlight) {
     const auto middle = [&] { return pixel(drawn(squares.model, options("front")), 0.5, 0.5)[0]; };
     EXPECT_GT(middle(), 253);
     Light light;
-    light.intensity = 0.35F; // With the light from everywhere half of what is there: 188 in sRGB.
+    light.intensity = 0.35F; // With the ambient light, half of full light: 188 in sRGB.
     squares.model.lights = {light};
     EXPECT_NEAR(middle(), 188, 2);
     squares.model.lights[0].matrix = {0, 0, 1, 0, 0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 0, 1};
-    EXPECT_NEAR(middle(), 108, 2) << "From the side only the light from everywhere is left.";
+    EXPECT_NEAR(middle(), 108, 2) << "from the side, only the ambient light is left";
     Light spot;
     spot.kind = Light::Kind::kSpot;
     spot.matrix = at(0, 0, 1);
@@ -229,7 +229,7 @@ TEST(Picture, ShowsTexturesVertexColoursLinesAndPoints) {
     EXPECT_NEAR(coverage(drawn(squares.model, options("front"))), 4 * 9 / 1e4, 0.003);
 }
 
-TEST(Picture, HasNoSeamsWhereItIsDrawnInParts) {
+TEST(Picture, HasNoSeamsBetweenTiles) {
     Squares squares;
     squares.add(at(0, 0, 0), kRed);
     const Pixels picture = drawn(squares.model, options("front", 2500));

@@ -15,8 +15,8 @@ namespace meshcast {
 /// Collects the records of a conversion in a file in memory, and its printed text.
 class MemorySink final : public ObjectSink {
 public:
-    /// Takes records again as the filter's sink does, if it is to: shapes that come again are then
-    /// not converted again.
+    /// Whether repeated shapes are written as copies of their records, as by the sink of the
+    /// filter.
     explicit MemorySink(bool takesCopies = true)
         : file_(memfd_create("records", 0)), takesCopies_(takesCopies) {}
     ~MemorySink() override { close(file_); }
@@ -40,7 +40,7 @@ public:
     }
 
     std::string printed;
-    std::size_t copies = 0; ///< How many records were taken again.
+    std::size_t copies = 0; ///< The number of records that were written as copies.
 
 private:
     int file_;

@@ -69,7 +69,8 @@ inline const std::map<std::string, std::string> by_name{
      header10("z3 44", "z3 01", "0054") + "z7 02,z7 02,z44 3f800000,z28 40000000,fffffff8,"},
     {"mesh 7", header7("8901z2", "01z3", "8400") +
                    "03z7,01z7,z32 0000803f,z32 000080bf,z32 00004040,z8 07z3,z8 0000803e,"},
-    // A property of three bytes, a name, an extent; the list ends after one of its two polygons.
+    // A property of three bytes, a name and an extent. The list ends after the first of two
+    // polygons.
     {"polyhedron 10", "474d3634,z3 0f,z3 ce,z3 02,bf800000,z4,z4,3f800000,z4,z4,z3 01,z7 4c,z3 01,"
                       "z3 06,z3 03,z3 04,010203,00,z3 02,4162,z2,z4,"
                       "z7 02,z7 02,z7 01,z7 01 z7 01 z24,z8 3f800000,z8 3f000000,z8,z8 40400000,"

@@ -9,7 +9,7 @@
 namespace meshcast::tidy {
 namespace {
 
-/// A text and its edits, which are given by the words to change.
+/// A text and its edits, whose positions are given as words.
 class Edits : public testing::Test {
 protected:
     const char* at(std::string_view word, std::size_t skip = 0) const {
@@ -33,7 +33,7 @@ protected:
     std::optional<EditList> made_;
 };
 
-TEST_F(Edits, DroppedPartsLeaveNeitherHolesNorGluedWords) {
+TEST_F(Edits, DroppedPartsLeaveOneSeparator) {
     struct Case {
         const char* text;
         std::vector<const char*> dropped;
@@ -78,7 +78,7 @@ TEST_F(Edits, NeighboursKeepTheirOrder) {
     EXPECT_EQ(edits[1].message, "first");
 }
 
-TEST_F(Edits, MarksOfOneMomentAreOrderedByPlace) {
+TEST_F(Edits, MarksAreOrderedByPosition) {
     use("a b");
     const EditList::Mark first = made_->mark(at("a"));
     const EditList::Mark second = made_->mark(at("b"));
@@ -104,7 +104,7 @@ TEST_F(Edits, WordsAndBracesStayApart) {
     EXPECT_EQ(result(), "word }");
 }
 
-TEST_F(Edits, WhatIsTakenBackIsGone) {
+TEST_F(Edits, EditsCanBeTakenBack) {
     use("a b c");
     made_->insert(at("a"), "1");
     const std::size_t count = made_->edits().size();
@@ -118,7 +118,7 @@ TEST_F(Edits, WhatIsTakenBackIsGone) {
     EXPECT_EQ(edits.back().message, "told");
 }
 
-TEST_F(Edits, MessagesBeyondTheirNumberAreCountedOnly) {
+TEST_F(Edits, MessagesBeyondTheLimitAreOnlyCounted) {
     use("x");
     for (std::size_t i = 0; i <= TextStore::kMostMessages; ++i) {
         made_->insert(text_.data(), "", "said");

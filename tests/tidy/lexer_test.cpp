@@ -9,7 +9,7 @@
 namespace meshcast::tidy {
 namespace {
 
-TEST(Lexer, CutsTokensAsTheReaderDoes) {
+TEST(Lexer, FindsTheSameTokensAsTheReader) {
     struct Case {
         const char* text;
         const char* name;
@@ -40,7 +40,7 @@ TEST(Lexer, CutsTokensAsTheReaderDoes) {
     EXPECT_EQ(escaped.string(escaped.begin()).value(), "say \"a\\b\"");
 }
 
-TEST(Lexer, RemembersEndsWithoutMixingThemUp) {
+TEST(Lexer, CachesEndsOfTokensCorrectly) {
     // Queries every position forwards and backwards, and compares the result with that of a fresh
     // lexer.
     const std::string text = "ab\\\"c \"d}e\" f\"\\\"g{h\" \"i\n";
@@ -65,7 +65,7 @@ TEST(Lexer, SkipsSpaceAndComments) {
     EXPECT_FALSE(part.endsInComment());
 }
 
-TEST(Lexer, SkipsBodiesAndTellsTheirDefinitions) {
+TEST(Lexer, SkipsBodiesAndReportsTheirDefinitions) {
     const std::string text = "{ \"}\" # }\n [ { DEF a{ } ] DEF \"b c\" X { } } } rest";
     Lexer lexer(text);
     std::string names;
@@ -78,7 +78,7 @@ TEST(Lexer, SkipsBodiesAndTellsTheirDefinitions) {
     EXPECT_FALSE(bracesMatch("{ a{ }"));
 }
 
-TEST(Reports, NothingReachesATerminalRaw) {
+TEST(Reports, ControlCharactersAreEscaped) {
     EXPECT_EQ(printable("a\x1b[31mb\n\x7f"), "a?[31mb??");
     EXPECT_EQ(printable("gr\xc3\xbc\xc3\x9f \xe2\x82\xac \xf0\x9f\x98\x80"),
               "gr\xc3\xbc\xc3\x9f \xe2\x82\xac \xf0\x9f\x98\x80");

@@ -20,7 +20,7 @@ std::string mended(std::string_view word, NumberKind kind) {
     }
 }
 
-TEST(Numbers, BecomeWhatTheReaderTakes) {
+TEST(Numbers, AreRewrittenForTheReader) {
     struct Case {
         const char* word;
         const char* real;
@@ -64,7 +64,7 @@ TEST(Numbers, EndWhereTheScannersEndThem) {
     }
 }
 
-TEST(Words, OfOtherDialectsAreUnderstoodWhereTheyMeanOneThing) {
+TEST(Words, OfOtherDialectsAreReplacedIfUnambiguous) {
     const auto meant = [](const char* node, const char* field, const char* word) {
         return meantWord(findClass(node)->field(field)->type.words, word);
     };

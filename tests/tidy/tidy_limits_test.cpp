@@ -106,8 +106,8 @@ TEST(Inlines, NamesOfInlinedScenesDoNotReachTheOuterOne) {
     EXPECT_THAT(tidied(zero, &scenes).messages, HasSubstr("its name holds a zero byte"));
 }
 
-TEST(Definitions, WrittenOnceMoreAreBounded) {
-    // Each of these uses the one before twice: 2 to the power of 40 cubes.
+TEST(Definitions, ThatAreRepeatedAreBounded) {
+    // Each definition uses the one before twice or more: about 2 to the power of 40 cubes.
     std::string scene = "Group { X { DEF a0 Cube { } ";
     for (int i = 1; i < 40; ++i) {
         const std::string last = "USE a" + std::to_string(i - 1) + " ";

@@ -30,8 +30,8 @@ std::string contents(const std::string& path) {
     return text.str();
 }
 
-/// Runs the program in a directory where the file `stream` holds these bytes; the arguments may
-/// redirect, and a command before it may end with a pipe.
+/// Runs the program in a folder that has these bytes in the file `stream`. The arguments may
+/// contain redirections, and the text `before` may be a command that ends with a pipe.
 class Geomtool : public testing::Test {
 protected:
     ~Geomtool() override { std::filesystem::remove_all(folder); }
@@ -50,7 +50,7 @@ protected:
             _exit(127);
         }
         int status = 0;
-        rusage usage{}; // of the child and what it has waited for
+        rusage usage{}; // of the child and its own children
         wait4(child, &status, 0, &usage);
         return {WEXITSTATUS(status), contents(folder + "/out"), contents(folder + "/err"),
                 usage.ru_maxrss};
@@ -134,7 +134,7 @@ TEST_F(Geomtool, ListsObjectsAsJson) {
     EXPECT_EQ(broken["error"]["offset"], 297);
 }
 
-TEST_F(Geomtool, SaysByItsStatusHowItWent) {
+TEST_F(Geomtool, ReturnsTheDocumentedStatus) {
     const Outcome empty = run("info <stream");
     EXPECT_EQ(empty.status, 0);
     EXPECT_EQ(empty.out, "0 objects, 0 bytes\n");
@@ -157,9 +157,9 @@ TEST_F(Geomtool, SaysByItsStatusHowItWent) {
     EXPECT_TRUE(run("--version").out.starts_with("geomtool "));
 }
 
-// A stream of 200 MB made of records of 1 MB, and a record of 72 bytes that claims 400 MB.
-TEST_F(Geomtool, TakesMemoryForTheLargestRecordOnly) {
-    // The address sanitizer would hold on to what is freed.
+// A stream of 200 MB in records of 1 MB, and a record of 72 bytes that declares an array of 400 MB.
+TEST_F(Geomtool, NeedsMemoryForTheLargestRecordOnly) {
+    // The address sanitizer keeps freed memory in its quarantine.
     setenv("ASAN_OPTIONS", "quarantine_size_mb=1", 1);
     const std::string header = records::header10("z3 20", "z3 04", "0004");
     const Outcome many = run("info --totals", records::fromHex(header + "z5 015180 z1036800").bytes,

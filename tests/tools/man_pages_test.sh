@@ -1,11 +1,11 @@
 #!/bin/bash
-# Renders the manual pages without a warning, and holds their options to those that the programs name.
+# Checks that the manual pages render without warnings and have the same options as --help.
 # Usage: man_pages_test.sh FOLDER_OF_PAGES PROGRAM...
 set -euo pipefail
 pages=$1
 shift
 
-# The options that begin the lines of a text which begin with N blanks and a hyphen.
+# Prints the options at the beginnings of lines that are indented by N spaces.
 options() {
     sed -n "s/^ \{$1\}\(-.*\)/\1/p" | sed 's/, /,/; s/ .*//' | tr , '\n' | sort -u
 }

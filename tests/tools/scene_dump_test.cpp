@@ -35,7 +35,7 @@ TEST_P(Dumps, ReadBackAsTheSameTree) {
     }
 }
 
-TEST(Dump, SpellsEveryValue) {
+TEST(Dump, WritesEveryKindOfValue) {
     const std::string dumped = dump(R"(#VRML V1.0 ascii
 DEF 1x Separator {
   Unheard { fields [ SFString s, SFEnum e, SFBitMask m, SFString s, MFFloat f, SFImage i ]
@@ -93,8 +93,8 @@ DEF _1x Separator {
     EXPECT_EQ(dump(dumped), dumped);
 }
 
-TEST(Dump, KeepsApartNodesThatGotOneName) {
-    // Both names become _1, and the second use is of the first node.
+TEST(Dump, RenamesNodesThatShareAName) {
+    // Both names become _1. USE 1 is the first node.
     const std::string dumped = dump("#VRML V1.0 ascii\nGroup { DEF 1 Cube { } DEF _1 Cone { } "
                                     "USE 1 USE _1 }");
     EXPECT_NE(dumped.find("DEF _1_2 Cube"), std::string::npos) << dumped;

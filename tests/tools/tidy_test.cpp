@@ -13,9 +13,9 @@
 #include <unistd.h>
 #include <vector>
 
-// vrmltidy as a process, mostly on scenes that need it: each file NAME.wrl of tests/scenes/tidy
-// becomes NAME.tidied with the reports NAME.err; what has no NAME.tidied is refused. With
-// MESHCAST_RERECORD set these files are written anew.
+// Tests vrmltidy as a process. For each scene NAME.wrl of tests/scenes/tidy, the output must equal
+// NAME.tidied and the messages NAME.err. A scene without NAME.tidied must be refused. If
+// MESHCAST_RERECORD is set, these files are written instead.
 namespace {
 
 namespace fs = std::filesystem;
@@ -77,7 +77,7 @@ class DirtyScenes : public testing::TestWithParam<fs::path> {};
 INSTANTIATE_TEST_SUITE_P(Files, DirtyScenes, testing::ValuesIn(dirtyFiles()),
                          [](const auto& test) { return testName(test.param); });
 
-TEST_P(DirtyScenes, BecomeWhatTheFilterReads) {
+TEST_P(DirtyScenes, AreRepaired) {
     const std::string name = GetParam().filename();
     const Outcome tidied = run(kTidy + name);
     compareOrRecord(GetParam(), ".tidied", tidied.out);
@@ -103,7 +103,7 @@ TEST_P(CleanScenes, KeepTheirStream) {
     }
 }
 
-TEST(VrmlTidy, PutsScenesInTheirPlaces) {
+TEST(VrmlTidy, InlinesScenes) {
     const fs::path folder = kDirty / "inline";
     for (const auto& [root, ending] : {std::pair("", ""), std::pair("--root .. ", ".wider")}) {
         const Outcome inlined = run(kTidy + "--inline " + root + "world.wrl", folder);
@@ -117,7 +117,7 @@ TEST(VrmlTidy, EndsWithTheDocumentedStatus) {
     struct Case {
         const char* command; ///< VRMLTIDY stands for the program.
         int status;
-        const char* message; ///< What the error output begins with.
+        const char* message; ///< The beginning of the error output.
     };
     const std::vector<Case> cases = {
         {"VRMLTIDY --quiet several-nodes.wrl >/dev/null", 0, ""},
@@ -163,7 +163,7 @@ TEST(VrmlTidy, EndsWithTheDocumentedStatus) {
     }
 }
 
-TEST(VrmlTidy, WritesAFileWhenItIsWhole) {
+TEST(VrmlTidy, ReplacesFilesAtomically) {
     const fs::path folder = fs::path(testing::TempDir()) / ("tidy." + std::to_string(getpid()));
     fs::create_directory(folder);
     const auto write = [&](const char* scene) {

@@ -12,20 +12,20 @@
 #include <sys/resource.h>
 #include <vector>
 
-// vrmlexport and `geomtool export` as processes: what they write, what they say, how they end.
+// Tests vrmlexport and `geomtool export` as processes: outputs, messages and statuses.
 namespace {
 
 namespace fs = std::filesystem;
 
 using testing::HasSubstr;
 
-/// A folder of its own, gone with the test.
+/// Each test has a temporary folder.
 class VrmlExport : public testing::Test {
 protected:
     ~VrmlExport() override { fs::remove_all(folder); }
 
     ShellOutcome run(const std::string& arguments) const {
-        // The graphics driver leaks a little of its own, which no test is about.
+        // Graphics drivers leak some memory, so leaks are not checked for pictures.
         return runShell(std::string("ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=")
                             .append(arguments.find(".png") == std::string::npos ? "1 " : "0 ")
                             .append(VRMLEXPORT " ")
@@ -55,7 +55,7 @@ protected:
 const std::string kHeader = "#VRML V1.0 ascii\n";
 const std::string kCube = kHeader + "Separator { Cube { } }\n";
 
-TEST_F(VrmlExport, WritesWhatTheNameOrTheOptionSays) {
+TEST_F(VrmlExport, ChoosesTheFormatByNameOrOption) {
     put("cube.wrl", kCube);
     for (const char* const name :
          {"a.glb", "a.OBJ", "--format stl -- -odd", "--format ply b.txt"}) {
@@ -74,7 +74,7 @@ TEST_F(VrmlExport, WritesWhatTheNameOrTheOptionSays) {
     EXPECT_EQ(loadedGlb(run("--format glb - - <cube.wrl").out).scenes.at(0).name, "scene");
 }
 
-TEST_F(VrmlExport, DrawsPicturesOfTheSizeThatIsAsked) {
+TEST_F(VrmlExport, DrawsPicturesOfTheGivenSize) {
     put("cube.wrl", kCube);
     ASSERT_EQ(run("--size 300x2 --background transparent --view top cube.wrl a.png").status, 0);
     const std::string png = get("a.png");
@@ -97,7 +97,7 @@ TEST_F(VrmlExport, DrawsPicturesOfTheSizeThatIsAsked) {
     EXPECT_EQ(files(), (std::vector<std::string>{"a.png", "cube.wrl"}));
 }
 
-TEST_F(VrmlExport, SaysWhatIsWrongWithTheUsage) {
+TEST_F(VrmlExport, ReportsWrongUsage) {
     put("cube.wrl", kCube);
     EXPECT_THAT(run("cube.wrl").err, HasSubstr("OUTPUT is required"));
     EXPECT_THAT(run("cube.wrl -").err, HasSubstr("does not say which format"));
@@ -107,7 +107,7 @@ TEST_F(VrmlExport, SaysWhatIsWrongWithTheUsage) {
     EXPECT_EQ(files(), std::vector<std::string>{"cube.wrl"});
 }
 
-TEST_F(VrmlExport, LeavesNothingWhenThereIsNothingToWrite) {
+TEST_F(VrmlExport, LeavesFilesUnchangedOnFailure) {
     put("other.wrl", "#VRML V2.0 utf8\nShape { }\n");
     put("cube.wrl", kCube);
     put("old.glb", "old");
@@ -121,7 +121,7 @@ TEST_F(VrmlExport, LeavesNothingWhenThereIsNothingToWrite) {
     EXPECT_EQ(files(), (std::vector<std::string>{"cube.wrl", "old.glb", "other.wrl"}));
 }
 
-TEST_F(VrmlExport, RepairsUnlessItIsToBeStrict) {
+TEST_F(VrmlExport, RepairsUnlessStrict) {
     put("two.wrl", kHeader + "Cube { }\nSphere { radius 1,5 }\nConeOfLight { }\n");
     const ShellOutcome repaired = run("two.wrl a.glb");
     EXPECT_EQ(repaired.status, 0);
@@ -139,7 +139,7 @@ TEST_F(VrmlExport, RepairsUnlessItIsToBeStrict) {
     EXPECT_EQ(run("bad.wrl b.glb").status, 0);
 }
 
-TEST_F(VrmlExport, PutsInlinedScenesInTheirPlacesFromTheRootOnly) {
+TEST_F(VrmlExport, InlinesScenesFromTheRootOnly) {
     put("world/main.wrl", kHeader + "Separator { WWWInline { name \"part.wrl\" } "
                                     "WWWInline { name \"../outside.wrl\" } }\n");
     put("world/part.wrl", kCube);
@@ -150,7 +150,7 @@ TEST_F(VrmlExport, PutsInlinedScenesInTheirPlacesFromTheRootOnly) {
     EXPECT_THAT(inside.err, HasSubstr("outside.wrl"));
     EXPECT_EQ(run("--root . world/main.wrl a.glb").status, 0);
     EXPECT_EQ(loadedGlb(get("a.glb")).nodes.size(), 2U);
-    // An image is beside the scene that names it.
+    // Names of images are relative to the scene that names them.
     put("world/parts/textured.wrl",
         kHeader + "Separator { Texture2 { filename dot.png } Cube { } }\n");
     put("world/parts/dot.png", "no image");
@@ -161,7 +161,7 @@ TEST_F(VrmlExport, PutsInlinedScenesInTheirPlacesFromTheRootOnly) {
     EXPECT_EQ(loadedGlb(get("a.glb")).nodes.size(), 0U);
 }
 
-TEST_F(VrmlExport, ReportsForProgramsToo) {
+TEST_F(VrmlExport, WritesAJsonReport) {
     put("scene.wrl", kHeader + "Separator { Translation { translation 1 0 0 } DEF Box Cube { }\n"
                                "Texture2 { filename \"none.png\" } Sphere { radius 1,5 } }\n");
     const ShellOutcome outcome = run("--segments 8 --report report.json scene.wrl a.stl");
@@ -184,7 +184,7 @@ TEST_F(VrmlExport, ReportsForProgramsToo) {
     EXPECT_THAT(failed["failure"].get<std::string>(), HasSubstr("VRML 2.0"));
 }
 
-TEST_F(VrmlExport, ShowsControlCharactersOfScenesNeverRaw) {
+TEST_F(VrmlExport, EscapesControlCharactersOfScenes) {
     put("odd\033[2J.wrl", kHeader +
                               "Separator { DEF a\033c Cube { } Texture2 { filename \"\033x\" } "
                               "Sphere { } }\n");
@@ -194,7 +194,7 @@ TEST_F(VrmlExport, ShowsControlCharactersOfScenesNeverRaw) {
     EXPECT_EQ(get("a.obj").find('\033'), std::string::npos);
 }
 
-TEST_F(VrmlExport, BoundsWhatAFewLinesCanAskFor) {
+TEST_F(VrmlExport, LimitsRepeatedNodes) {
     std::string text = kHeader + "Separator { DEF n0 Separator { Cube { } }\n";
     for (int i = 0; i < 21; ++i) {
         const std::string below = "USE n" + std::to_string(i);
@@ -207,15 +207,16 @@ TEST_F(VrmlExport, BoundsWhatAFewLinesCanAskFor) {
     EXPECT_THAT(run("doubling.wrl a.obj").err, HasSubstr("vertices"));
 }
 
-#ifndef __SANITIZE_ADDRESS__ // It needs memory itself.
-// A software renderer takes what is to be drawn faster than it draws.
-TEST_F(VrmlExport, BoundsTheMemoryOfTheRenderer) {
+#ifndef __SANITIZE_ADDRESS__ // The sanitizer needs too much memory itself.
+// A software renderer accepts triangles faster than it draws them.
+TEST_F(VrmlExport, LimitsTheMemoryOfTheRenderer) {
     std::string text = kHeader + "Separator {\n";
     for (int i = 0; i < 40; ++i) {
         text += "Sphere { }\n";
     }
     put("spheres.wrl", text + "}\n");
-    // Most memory is told of all children together, so only the process of this statement has one.
+    // The peak of memory is known for all child processes together, so this statement runs in a
+    // process of its own.
     EXPECT_EXIT(
         {
             const int status = run("--size 64x48 --segments 256 spheres.wrl a.png").status;
@@ -232,8 +233,8 @@ class ExportedScenes : public testing::TestWithParam<fs::path> {};
 INSTANTIATE_TEST_SUITE_P(Files, ExportedScenes, testing::ValuesIn(sceneFiles()),
                          [](const auto& test) { return testName(test.param); });
 
-// What comes out of a scene is a file that another implementation reads, whatever the scene is,
-// with as many nodes as the report counts.
+// Every exported file can be read by an independent implementation and has as many nodes as the
+// report counts.
 TEST_P(ExportedScenes, CanBeLoaded) {
     const std::string scene = "'" + GetParam().string() + "'";
     const ShellOutcome glb =
@@ -281,7 +282,7 @@ TEST_F(VrmlExport, GeomtoolExportsObjectsAsTheStreamHasThem) {
         runShell(stream + "head -c -10 | " GEOMTOOL " export - b.glb", folder);
     EXPECT_EQ(broken.status, 1);
     EXPECT_THAT(broken.err, HasSubstr("offset "));
-    EXPECT_EQ(loadedGlb(get("b.glb")).nodes.size(), 3U) << "what comes before the break";
+    EXPECT_EQ(loadedGlb(get("b.glb")).nodes.size(), 3U) << "the objects before the damage";
 }
 
 } // namespace

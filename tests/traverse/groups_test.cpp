@@ -6,7 +6,7 @@
 
 #include <string>
 
-// The spheres of the scenes are told apart by their radii.
+// The spheres of the scenes are identified by their radii.
 namespace meshcast {
 namespace {
 
@@ -89,7 +89,7 @@ TEST(Groups, NodesInsideThemselvesAreReportedOnce) {
 }
 
 TEST(Groups, DepthMadeByUseIsBounded) {
-    // Each definition stands 5,000 levels around the one before.
+    // Each definition contains the one before, 5,000 levels deeper.
     const auto around = [](const std::string& name, const std::string& inner) {
         std::string text = "DEF " + name + " Group{";
         for (int i = 1; i < 5000; ++i) {

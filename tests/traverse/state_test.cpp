@@ -35,12 +35,12 @@ TEST(State, PopDropsWhatItsLevelAdded) {
     EXPECT_EQ(state.depth, 0);
 }
 
-TEST(State, WalksGoThroughASceneAtOnce) {
+TEST(State, TwoWalksCanShareAScene) {
     ReadScene scene("DEF a Group { Material { } Separator { Scale { } } USE a }");
     Walk one;
     Walk other;
     for (Walk* const walk : {&one, &other}) {
-        // One group is open in either walk, and each tells of the circle.
+        // The group is open in both walks, and each reports the cycle.
         ASSERT_TRUE(walk->state.enter(scene.root<QvGroup>(), GroupScope::kNothing));
     }
     one.state.leave(scene.root<QvGroup>());

@@ -6,7 +6,7 @@
 
 #include <string>
 
-// What scenes may say, typed once by hand: class, then field, type and default of each field.
+// The classes of nodes, written by hand: the fields of each with their types and default values.
 namespace meshcast {
 namespace {
 
@@ -79,7 +79,7 @@ std::string describe(const ClassInfo& nodeClass) {
         if (info.words != nullptr) {
             text.append("(").append(info.words->typeName).append(")");
         }
-        text.append(" ").append(fieldText(field, info.type, info.words));
+        text.append(" ").append(fieldText(field, info.words));
         separator = "; ";
     }
     return text + (nodeClass.fields.empty() ? ":" : "") + "\n";

@@ -8,8 +8,8 @@
 namespace meshcast {
 namespace {
 
-/// Tokens read from a text in pieces of a size: in pieces of one byte every token meets the end of
-/// a block at every place.
+/// Reads tokens from a text in pieces of a given size. In pieces of one byte, every token crosses
+/// the ends of blocks.
 class Tokens {
 public:
     Tokens(std::string_view body, std::size_t pieceSize)
@@ -106,14 +106,14 @@ TEST_P(Pieces, NamesAndPutBackWords) {
     EXPECT_TRUE(tokens.input.readExpected('1'));
     ASSERT_TRUE(tokens.input.readName(name));
     EXPECT_EQ(name.view(), "b");
-    // A word that does not stand there comes back all the same.
+    // A word that was not read from the input can be put back too.
     tokens.input.putBackWord("other");
     ASSERT_TRUE(tokens.input.readName(name));
     EXPECT_EQ(name.view(), "other");
     ASSERT_TRUE(tokens.input.readName(name));
-    EXPECT_EQ(name.view(), longName.substr(0, 255)); // Cut, not split.
+    EXPECT_EQ(name.view(), longName.substr(0, 255)); // Truncated; the rest is dropped.
     ASSERT_TRUE(tokens.input.readName(name));
-    EXPECT_EQ(name.view(), "q"); // The byte 255 after it vanishes.
+    EXPECT_EQ(name.view(), "q"); // The byte 255 after it is dropped.
     EXPECT_EQ(tokens.rest(), "r");
     EXPECT_FALSE(tokens.input.readName(name));
 }
@@ -167,8 +167,8 @@ TEST(Input, HeaderLineMustMatchInFull) {
     }
 }
 
-TEST(Input, ReadsNoFurtherThanTheRootNeeds) {
-    // A source that breaks the test when it is asked for more than the root node.
+TEST(Input, ReadsNothingAfterTheRoot) {
+    // A source that fails the test if more than the root node is read.
     class Impatient final : public ByteSource {
     public:
         std::size_t read(char* buffer, std::size_t capacity) override {

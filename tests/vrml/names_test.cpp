@@ -13,7 +13,7 @@ namespace meshcast {
 namespace {
 
 TEST(Names, EqualTextsHaveEqualHandles) {
-    // Enough to fill many pools and to make the table grow.
+    // Enough to fill several pools and to make the table grow.
     NameTable table;
     NameMap<int> map;
     std::vector<InternedName> names;
@@ -66,9 +66,9 @@ std::string collidingName(std::uint64_t number) {
     return name;
 }
 
-TEST(Names, NamesChosenToCollideDoNot) {
+TEST(Names, ChosenNamesDoNotCollide) {
     if (sizeof(std::size_t) != 8) {
-        GTEST_SKIP() << "the names are made for the library of 64-bit machines";
+        GTEST_SKIP() << "the names collide only with the std::hash of 64-bit machines";
     }
     std::set<std::size_t> plain;
     std::set<std::uint32_t> keyed;
@@ -113,7 +113,7 @@ TEST(Names, DictionaryFollowsTheNodes) {
     scene.removeName(*first, messages);
     EXPECT_EQ(listed(), (std::vector<QvNode*>{third}));
     EXPECT_EQ(messages.text, "");
-    // Its name has gone already.
+    // Its name is not in the dictionary any more.
     scene.setName(*first, name, messages);
     const std::string front = "VRML error in QvNode::removeName(): Name \"shared_name\" (node ";
     EXPECT_EQ(messages.text.substr(0, front.size()), front);

@@ -74,7 +74,7 @@ TEST(NumberScan, RandomRealsAreTheNearestDouble) {
     for (int i = 0; i < 100'000 && !HasFatalFailure(); ++i) {
         std::string text = below(3) == 0 ? "-" : "";
         switch (below(4)) {
-        case 0: // What scenes hold.
+        case 0: // Typical numbers of scenes.
             text.append(digits(4)).append(".").append(below(8), '0').append(digits(7)).append("1");
             break;
         case 1: // Any number of digits, with an exponent or without.
@@ -123,7 +123,7 @@ TEST(NumberScan, IntegersAreWhatStrtolGivesInBaseZero) {
     for (const char* const text : {"", "0x", "0xg", "x1"}) {
         EXPECT_FALSE(scanMagnitude(text).ok) << text;
     }
-    EXPECT_STREQ(scanMagnitude("0X1F").end, "X1F"); // Only a lower-case x marks a base.
+    EXPECT_STREQ(scanMagnitude("0X1F").end, "X1F"); // The x must be lower-case.
 }
 
 } // namespace

@@ -12,12 +12,12 @@ namespace {
 TEST(SceneReader, UseSharesTheLatestDefinition) {
     ReadScene scene("Group { DEF 1x Cube { } USE 1x DEF 1x Sphere { } USE \"1x\" }");
     ASSERT_TRUE(scene.ok) << scene.messages;
-    const ChildList& children = scene.root<QvGroup>().getChildList();
+    const ChildList children = scene.root<QvGroup>().getChildList();
     ASSERT_EQ(children.size(), 4U);
     EXPECT_EQ(children[0], children[1]);
     EXPECT_EQ(children[2], children[3]);
     EXPECT_NE(children[0], children[2]);
-    // The node bears the legal form of the name; USE repeats the name as written.
+    // The node has the legal form of the name; USE takes the name as it was written.
     EXPECT_EQ(children[0]->nodeName().view(), "_1x");
 }
 
@@ -25,7 +25,7 @@ TEST(SceneReader, NodeNamesEndAtTheirFirstZeroByte) {
     using namespace std::string_literals;
     ReadScene scene("Group { DEF a\0b Cube { } USE a USE \"a\0c\" }"s);
     ASSERT_TRUE(scene.ok) << scene.messages;
-    const ChildList& children = scene.root<QvGroup>().getChildList();
+    const ChildList children = scene.root<QvGroup>().getChildList();
     ASSERT_EQ(children.size(), 3U);
     EXPECT_EQ(children[0], children[1]);
     EXPECT_EQ(children[0], children[2]);
@@ -44,7 +44,7 @@ TEST(SceneReader, UnknownNodesReadTheFieldsThatTheyDeclare) {
     EXPECT_FALSE(node.isBuiltIn());
     EXPECT_EQ(node.getNumChildren(), 3);
     EXPECT_EQ(node.declaredFields().fields().size(), 2U);
-    // The class reports the table of its newest node, which declared none.
+    // The field table is that of the last node of the class, which declares no fields (kept).
     EXPECT_TRUE(node.getFieldTable().fields().empty());
 }
 
@@ -56,7 +56,7 @@ TEST(SceneReader, EveryFieldTypeCanBeDeclared) {
         " a ( ) b 1 c 1 2 3 d ~ e 1 f 1 1 1 1 g 1 h 1 2 3 4 5 6 7 8 9 0 1 2 3 4 5 6"
         " i 1 2 3 4 j \"x\" k 1 2 l 1 2 3 m [ 1 2 3 ] n [ 1, 2 ] o 1 p [ 1 2 ] q 1 2 3 }");
     EXPECT_TRUE(scene.ok) << scene.messages;
-    // Without words, no word fits.
+    // A declared enumeration has no words, so every word is unknown.
     EXPECT_EQ(ReadScene("A { fields [ SFEnum a ] a B }").messages,
               readErrorText("Unknown QvSFEnum enumeration value \"B\"", 2) +
                   readErrorText("Couldn't read value for field \"a\"", 2));
@@ -78,15 +78,15 @@ TEST(SceneReader, DepthIsBounded) {
                   readErrorText("Nesting deeper than 10000 levels", 2))
             << open;
     }
-    // Skipping what failed keeps no stack either.
+    // Skipping an invalid node does not recurse.
     EXPECT_EQ(convert(std::string(1'000'000, '{')).messages,
               readErrorText("Extra characters ('{') found in input", 2));
     EXPECT_EQ(convert("Group { " + nested(1'000'000) + " }").messages,
               readErrorText("Nesting deeper than 10000 levels", 2));
 }
 
-TEST(SceneReader, NodesGoWithTheirScene) {
-    // The leak checker of the sanitizer build watches this.
+TEST(SceneReader, NodesAreFreedWithTheirScene) {
+    // The leak checker of the sanitizer build finds nodes that are not freed.
     for (int i = 0; i < 100; ++i) {
         ReadScene scene("Group { DEF a A { fields [ SFString s ] s \"a long enough text\" } "
                         "DEF b Material { diffuseColor [ 1 1 1, 0 0 0 ] } Cube { bad } }");

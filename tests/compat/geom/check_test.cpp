@@ -9,7 +9,7 @@ namespace {
 constexpr float kFloats[6] = {};
 constexpr GEOMpacked_color kColors[2] = {};
 
-// The findings on the object, which must pass or not.
+// The findings on an object, which must pass the check or fail it.
 std::string findingsOf(const Object& obj, bool passes) {
     static std::string findings;
     findings.clear();
@@ -18,7 +18,7 @@ std::string findingsOf(const Object& obj, bool passes) {
     return findings;
 }
 
-// Two vertices in a row, as one polygon, strip and line, or two spheres; or one label.
+// An object of a kind with two vertices and all that the kind needs; a label has one text.
 Object bare(std::uint32_t type) {
     Object obj = make(type);
     if (type == GEOM_LABEL)
@@ -79,7 +79,7 @@ TEST(Check, EndsAtTheFirstFailure) {
         const GEOMobj before = *obj;
         change(*obj);
         all += findingsOf(obj, false);
-        *obj = before; // for its destruction
+        *obj = before; // so that it can be destroyed
     };
     spoil(1, [](GEOMobj& o) { o.type = 6; });
     spoil(2, [](GEOMobj& o) { o.extent[4] = NAN; });
@@ -119,7 +119,7 @@ TEST(Check, EndsAtTheFirstFailure) {
               "finding: NULL object received\n");
 }
 
-TEST(Check, PassesRangesAndWhatConvertersBuild) {
+TEST(Check, AcceptsOutOfRangeValuesAndEmptyObjects) {
     Object obj = fullPolyhedron();
     obj->polyhedron.vertices.data[0] = INFINITY;
     obj->polyhedron.colors.data[1] = 1.5F;

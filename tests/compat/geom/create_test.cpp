@@ -28,7 +28,7 @@ TEST(Lists, GrowByHeadroomOrToWhatIsNeeded) {
     EXPECT_EQ(obj->mesh.uvs.capacity, 100); // floats, not pairs
 }
 
-TEST(Lists, AdoptTheFirstArrayAndFreeTheNext) { // the leak check watches
+TEST(Lists, AdoptTheFirstArrayAndFreeTheNext) { // the leak checker finds arrays not freed
     const Object obj = make(GEOM_POLYHEDRON);
     const GEOMvector_list& list = obj->polyhedron.vertices;
     float* first = block(kThree);
@@ -37,7 +37,7 @@ TEST(Lists, AdoptTheFirstArrayAndFreeTheNext) { // the leak check watches
     GEOMadd_vertices(obj.get(), block(kThree), 1, GEOM_TAKE);
     EXPECT_EQ(list.capacity, 101);
     EXPECT_EQ(valuesOf(list), (Floats{1, 2, 3, 1, 2, 3}));
-    // an array without elements gives way to the next, or is freed with its object
+    // an array without elements is replaced by the next one, or freed with its object
     GEOMadd_radii(make(GEOM_SPHERE).get(), block(Floats()), 0, GEOM_TAKE);
     GEOMadd_normals(obj.get(), kRamp, 0, GEOM_COPY);
     EXPECT_EQ(obj->flags, GEOM_HAS_NORMALS);
@@ -126,7 +126,7 @@ TEST(Objects, SetTheFlagsOfWhatTheyGet) {
     EXPECT_EQ(GEOMdestroy_obj(nullptr), 1);
 }
 
-TEST(Polygons, ComeFromFacesWithAMarkAtTheirEnd) {
+TEST(Polygons, AreBuiltFromFacesThatEndWithMinusOne) {
     for (const Ints& faces : {Ints{0, 2, 1, -1, 3, -1}, Ints{0, 2, 1, -1, 3}}) {
         const Object obj = make(GEOM_POLYHEDRON);
         GEOMadd_faces(obj.get(), faces.data(), std::ssize(faces));
@@ -141,7 +141,7 @@ TEST(Polygons, ComeFromFacesWithAMarkAtTheirEnd) {
 TEST(Polygons, AreWidenedAndAppendedAndKeepTheirFlags) {
     const Object obj = make(GEOM_POLYHEDRON);
     const GEOMpolygon_list& list = obj->polyhedron.polygons;
-    // a property of 3 bytes, as another writer of the array may leave it
+    // a property of 3 bytes, not padded to whole words
     obj->vals = property(1, 10, {0xEE, 0xEE, 0xEE});
     obj->nvals = 1;
     GEOMadd_polygons(obj.get(), Ints{0}.data(), 0, GEOM_COPY);
@@ -172,7 +172,7 @@ TEST(Polytriangles, HoldAListPerStripAndPolyline) {
     EXPECT_EQ(all.strips, 1);
     EXPECT_EQ(all.strip_vertices[0].data, adopted);
     EXPECT_EQ(all.lines, 2);
-    EXPECT_EQ(all.line_vertices[0].capacity, 1); // no headroom after a finished line
+    EXPECT_EQ(all.line_vertices[0].capacity, 1); // a finished line has no spare capacity
     EXPECT_EQ(all.line_colors[0].used, 0);       // the line came before the colours
     EXPECT_EQ(valuesOf(all.line_colors[1]), kThree);
 }
@@ -182,7 +182,7 @@ TEST(Labels, PackFlagsAndFontNumbers) {
     EXPECT_EQ(GEOMlabel_flags(129, 0, 0, 0, GEOM_LABEL_LEFT, 0), 0x4081u);
     EXPECT_EQ(GEOMfont_number("Times", 1, 1), 142);
     EXPECT_EQ(GEOMfont_number("Mathematics", 2, 0), 128 + 32 + 2 + 1);
-    const std::string name(100'000, 'x'); // of a message that is not cut
+    const std::string name(100'000, 'x'); // the message is not truncated
     EXPECT_EQ(messagesOf([&] { EXPECT_EQ(GEOMfont_number(name.c_str(), 0, 0), 129); }),
               "error: unrecognized font name: " + name + " (using: Courier)\n");
 }

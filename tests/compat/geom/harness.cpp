@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 void* rawBlock(std::size_t bytes) {
-    return std::malloc(bytes + 1); // never of size 0, which might be null
+    return std::malloc(bytes + 1); // not of size 0, which may return null
 }
 
 std::string written(const std::function<void(int fd)>& code) {

@@ -23,7 +23,8 @@ using Object = std::unique_ptr<GEOMobj, DestroyObject>;
 
 inline Object make(std::uint32_t type) { return Object(GEOMcreate_obj(type, nullptr)); }
 
-// A std::malloc block, to be handed over; out of sight of static checks, which see it leak.
+// A std::malloc block for an object to take over. Not inline, since static checkers would report a
+// leak.
 void* rawBlock(std::size_t bytes);
 template <class T>
 T* block(const std::vector<T>& values) {
@@ -32,7 +33,7 @@ T* block(const std::vector<T>& values) {
     return copy;
 }
 
-// The one property record of an object, words in the machine's own order, with bytes after them.
+// A property record in the byte order of the machine: three words, then bytes.
 inline unsigned char* property(std::uint32_t kind, std::uint32_t value,
                                std::vector<unsigned char> bytes) {
     const std::uint32_t words[] = {kind, static_cast<std::uint32_t>(bytes.size()), value};
@@ -46,11 +47,11 @@ std::vector<T> valuesOf(const GEOMlist<T, N>& list) {
     return {list.data, list.data + list.used * N};
 }
 
-// Settings whose messages are appended to a text, "error: " or "finding: " before each.
+// Settings whose messages are appended to a text, each after "error: " or "finding: ".
 GEOMsettings noting(std::string& messages);
 
 // The messages of `code`.
 std::string messagesOf(const std::function<void()>& code);
 
-// The bytes that reach a descriptor which `code` writes to.
+// The bytes that `code` writes to the descriptor that it gets.
 std::string written(const std::function<void(int fd)>& code);

@@ -13,7 +13,7 @@ constexpr float kFloats[6] = {};
 constexpr GEOMpacked_color kColors[2] = {};
 constexpr std::int32_t kInts[] = {1, 1, 0};
 
-// Needs every sort of block once and, where it can grow, once more.
+// Makes an allocation of every kind, and makes each list that can grow do so.
 void buildEverything() {
     const auto twice = [](const auto& add) { add(), add(); };
     const Object solid = make(GEOM_POLYHEDRON);
@@ -39,7 +39,8 @@ void buildEverything() {
     GEOMadd_label(labels.get(), "four", kFloats, nullptr, 1, nullptr, -1);
 }
 
-// What the process says when allocation 1, 2, 3 ... fails, until none is left to fail.
+// The messages of the process when allocation 1, 2, 3 ... fails, until there are no more
+// allocations.
 std::set<std::string> failuresOf(void (*build)()) {
     std::set<std::string> all;
     for (int n = 1, status = 1; status != 0; ++n) {
@@ -63,9 +64,9 @@ std::set<std::string> failuresOf(void (*build)()) {
 
 } // namespace
 
-TEST(ExhaustedMemory, EndsTheProcessWithItsLineAndWords) {
+TEST(ExhaustedMemory, EndsTheProcessWithAMessage) {
     const std::set<std::string> failures = failuresOf(buildEverything);
-    EXPECT_EQ(failures.size(), 45u); // a site that names another's line or words would be missing
+    EXPECT_EQ(failures.size(), 45u); // a message that another place prints too would be missing
     EXPECT_TRUE(
         failures.contains("compat/geom/create line 304, 280 bytes\n"
                           "GEOM fatal error: GEOMcreate_obj: malloc failed creating object\n"));
@@ -75,7 +76,7 @@ TEST(ExhaustedMemory, EndsTheProcessWithItsLineAndWords) {
     for (const std::string& said : failures)
         EXPECT_TRUE(std::regex_match(said, said.find("realloc") == said.npos ? first : grown))
             << said;
-    // a size that does not fit is not asked for
+    // a size that overflows is an error
     const Object obj(GEOMcreate_mesh(nullptr, kFloats, 1, 1, 0));
     EXPECT_EXIT(GEOMadd_vertices(obj.get(), kFloats, INT64_MAX, 0), testing::ExitedWithCode(1),
                 "create line 1832, 9223372036854775807 bytes, old ptr");

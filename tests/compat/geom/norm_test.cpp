@@ -42,7 +42,7 @@ TEST(Normals, AreSharedOrPerFacet) {
          Floats(kCorner.begin(), kCorner.end() - 3)},
         {{3, 1, 2, 5, 0}, none, Floats(9), {0, 0, 0, 1, 0, 0, 2, 0, 0}},    // collinear
         {{2, 1, 2, 1, 4, 0}, none, Floats(9), {0, 0, 0, 1, 0, 0, 0, 0, 1}}, // too few corners
-        {{3, 1, 2, 0x7FFFFFFF, 3, 1, 2, 3, 0},                              // a bad corner
+        {{3, 1, 2, 0x7FFFFFFF, 3, 1, 2, 3, 0},                              // a corner out of range
          {0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0},
          {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 1},
          {0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0}},
@@ -52,7 +52,7 @@ TEST(Normals, AreSharedOrPerFacet) {
         const Object smooth = polyhedron(kCorner, c.polygons);
         GEOMgen_normals(smooth.get(), 0);
         expectNear(smooth->polyhedron.normals, c.smooth);
-        GEOMgen_normals(smooth.get(), 1); // given once, they stay
+        GEOMgen_normals(smooth.get(), 1); // existing normals are kept
         expectNear(smooth->polyhedron.normals, c.smooth);
         const Object facet = polyhedron(kCorner, c.polygons);
         GEOMgen_normals(facet.get(), 1);
@@ -62,7 +62,7 @@ TEST(Normals, AreSharedOrPerFacet) {
 }
 
 TEST(Normals, PerFacetSpreadTheDataOfTheVertices) {
-    const Object obj = polyhedron(kCorner, {3, 3, 6, 1, 2, 5, 0, 0}); // no vertex 6, nor 0
+    const Object obj = polyhedron(kCorner, {3, 3, 6, 1, 2, 5, 0, 0}); // 6 and 0 are not vertices
     const GEOMpacked_color colors[6] = {{}, {}, {0, 255, 0, 0}, {}, {0, 0, 255, 0}, {0, 0, 0, 255}};
     GEOMadd_colors(obj.get(), colors, 6, 0);
     GEOMadd_vertex_data(obj.get(), Ints{1, 2, 3, 4}.data(), 4, 0); // none for the last vertex
@@ -90,7 +90,7 @@ TEST(Normals, OfAMeshComeFromTheNeighbours) {
     GEOMgen_normals(line.get(), 0);
     EXPECT_EQ(valuesOf(line->mesh.normals), Floats(18));
     const Object cut(GEOMcreate_mesh(nullptr, grid.data(), 3, 2, 0));
-    cut->mesh.v = 3; // more than there are vertices for
+    cut->mesh.v = 3; // more rows than the vertices fill
     GEOMgen_normals(cut.get(), 0);
     EXPECT_EQ(cut->flags, 0u);
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The records of many faulty objects, and after them the messages about them. Those who share
+// The records of many invalid objects, followed by the messages about them. Threads that share
 // `pace` make each object at the same time.
 std::string faulty(int version, bool verify, std::barrier<>& pace) {
     std::string messages;
@@ -35,7 +35,7 @@ std::string faultyAlone(int version, bool verify) {
 
 } // namespace
 
-TEST(Settings, DecideOnTheirThreadUntilTheirScopeEnds) {
+TEST(Settings, ApplyToTheirThreadUntilTheirScopeEnds) {
     std::string outer;
     std::string inner;
     const std::string longer(100'000, 'x');
@@ -50,7 +50,7 @@ TEST(Settings, DecideOnTheirThreadUntilTheirScopeEnds) {
     }
     EXPECT_EQ(inner, "finding: NULL object received\n");
     EXPECT_EQ(outer, "error: " + longer + "\nerror: outer again\n");
-    const GEOMscope scope(noting(outer)); // not told of what ends the process
+    const GEOMscope scope(noting(outer)); // does not receive the message that ends the process
     const auto print = [] {
         const GEOMscope innermost{GEOMsettings()};
         GEOMerror("no receiver");
@@ -78,7 +78,7 @@ TEST(Settings, ServeThreadsThatWriteAtTheSameTime) {
     EXPECT_EQ(other, plain);
 }
 
-TEST(Settings, TakeThePlaceOfTheEnvironment) {
+TEST(Settings, OverrideTheEnvironment) {
     setenv("KRA_GEOM_WRITE_V2", "", 1);
     EXPECT_EQ(GEOMenvironment_settings().version, GEOM_VERSION_RAW);
     EXPECT_TRUE(faultyAlone(GEOM_VERSION_XDR, false).starts_with("GM64"));

@@ -13,7 +13,7 @@ namespace {
 
 using Put = std::function<void(GEOMstream*)>;
 
-// What `put` leaves on the descriptor, `offset` bytes into the first piece.
+// The bytes that `put` writes, after `offset` bytes that fill a part of the first piece.
 std::string streamed(int version, const Put& put, std::size_t offset = 0) {
     return written([&](int fd) {
         GEOMstream* stream = geom::createStream(fd);
@@ -37,7 +37,7 @@ void expectBulkAsSingle(void (*many)(GEOMstream*, const T*, std::int64_t),
         for (const T value : values)
             one(s, value);
     };
-    // ends of a piece that cut a value; only raw streams stand at odd places
+    // a value may cross the end of a piece; only in raw streams, at offsets not divisible by 4
     const std::pair<int, std::size_t> places[] = {{10, 0}, {10, 8188}, {7, 4097}, {7, 8189}};
     for (const auto& [version, offset] : places)
         for (const IoFault fault : {IoFault{5}, {0}, {-1, EIO}}) {
@@ -53,8 +53,8 @@ void expectBulkAsSingle(void (*many)(GEOMstream*, const T*, std::int64_t),
 
 } // namespace
 
-TEST(Stream, BulkWritesTheBytesOfTheXdrRoutines) {
-    Floats floats; // of every class: each exponent with both signs and four mantissas
+TEST(Stream, BulkEncodingEqualsTheXdrRoutines) {
+    Floats floats; // each exponent with both signs and four mantissas
     for (std::uint32_t top = 0; top < 512; ++top)
         for (const std::uint32_t mantissa : {0u, 1u, 0x400000u, 0x7FFFFFu})
             floats.push_back(std::bit_cast<float>(top << 23 | mantissa));
@@ -65,28 +65,29 @@ TEST(Stream, BulkWritesTheBytesOfTheXdrRoutines) {
     expectBulkAsSingle(geom::putInts, geom::putInt, {0, -1, 0x01020304, INT32_MIN});
 }
 
-TEST(Stream, EncodesAsTheSwitchesSayAndUpToTheLimit) {
+TEST(Stream, HonoursRawModesAndTheStringLimit) {
     const Put all = [](GEOMstream* s) {
         s->rawInts = s->rawFloats = s->rawInt64s = true;
         geom::putInt(s, 0x01020304);
         geom::putFloat(s, 1);
         geom::putInt64(s, -2);
-        geom::putString(s, "xyz"); // XDR still
+        geom::putString(s, "xyz"); // strings stay XDR
         GEOMstream_write(s, "none", -4);
     };
     const auto bytes = records::fromHex("04030201 0000803f feffffffffffffff 00000003 78797a00");
     EXPECT_EQ(streamed(10, all), bytes.str());
-    const std::string longest(GEOM_MAX_STRING_BYTES + 1, 'x'); // and one more
+    const std::string longest(GEOM_MAX_STRING_BYTES + 1, 'x'); // one byte too long
     EXPECT_EQ(streamed(8, [&](auto* s) { geom::putString(s, longest.data() + 1); }).size(),
               10'000'004u);
     EXPECT_EQ(streamed(8, [&](auto* s) { geom::putString(s, longest.data()); }).size(), 4u);
 }
 
-TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
+TEST(Stream, LosesOnlyThePieceWhoseWriteFails) {
     std::string data;
     for (int i = 0; i < 3 * 8192 + 100; ++i)
         data += static_cast<char>(i * 7 >> 4);
-    // short and interrupted writes go on; a write that fails loses its piece and the rest
+    // short and interrupted writes continue; after a write that fails, its piece and the rest are
+    // lost
     const auto expect = [&](std::deque<IoFault> faults, std::int64_t result, std::size_t kept) {
         writeFaults = std::move(faults);
         const std::string bytes = streamed(10, [&](GEOMstream* s) {
@@ -98,7 +99,8 @@ TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
     expect({{100}, {-1, EINTR}, {8000}}, std::ssize(data), data.size());
     expect({{8192}, {-1, ENOSPC}}, -1, 8192);
     expect({{8192}, {8192}, {0}}, 0, 16384);
-    // a 64-bit number cut by a failed piece: its second half is given up after an error only
+    // a 64-bit number across the end of a piece that fails: its second half is lost after an error,
+    // but is written after a write of 0 bytes
     for (const long failure : {0, -1}) {
         writeFaults = {{failure, EIO}};
         const std::string bytes = streamed(
@@ -107,7 +109,7 @@ TEST(Stream, WritesPiecesAndLosesOnlyTheOneThatFails) {
     }
 }
 
-TEST(Stream, ReadsBackAndReturnsWhatItReadAhead) {
+TEST(Stream, ReadsAndRestoresTheFilePosition) {
     written([](int fd) {
         ASSERT_EQ(write(fd, "\xff\xff\xff\xf7\0\0\0\1", 8), 8);
         lseek(fd, 0, SEEK_SET);

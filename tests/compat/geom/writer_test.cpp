@@ -22,7 +22,8 @@ void expectRecord(const std::string& name, const Object& obj) {
     unsetenv("KRA_GEOM_WRITE_V2");
 }
 
-// Gives n vertices every array that the object's flags promise, as the records have them.
+// Fills every array that the object's flags announce, for n vertices, with the values of the
+// records.
 void fill(Object& obj, const geom::Part& part, std::size_t n, std::size_t primitives) {
     const auto give = [&]<class T, int N>(std::uint32_t bit, GEOMlist<T, N>* list, T last,
                                           std::size_t count) {
@@ -52,7 +53,7 @@ Object filled(std::uint32_t type, std::uint32_t flags, std::size_t n, std::size_
 
 } // namespace
 
-TEST(Record, IsTheOneWrittenByHand) {
+TEST(Record, MatchesTheOneWrittenByHand) {
     Object obj = filled(GEOM_MESH, 0x44, 4, 1);
     obj->mesh.u = obj->mesh.v = 2;
     expectRecord("mesh 10", obj);
@@ -111,12 +112,12 @@ TEST(Record, IsTheOneWrittenByHand) {
 TEST(Record, HasZerosForWhatTheObjectLacks) {
     Object obj = filled(GEOM_POLYHEDRON, 0x4, 1, 0);
     obj->flags = GEOM_HAS_NORMALS | GEOM_HAS_UVWS;
-    EXPECT_EQ(record(obj, 7), // which drops bits of the header, not the arrays
+    EXPECT_EQ(record(obj, 7), // clears bits in the header, but the arrays are written
               records::fromHex(records::header10("z3 08", "z3 02", "0028") +
                                "z23 01 z8, z8 3f800000, z12, z4 40000000 z4")
                   .str());
     obj = make(GEOM_MESH);
-    obj->mesh.v = 3; // no vertices and no cells, but a byte count of (4 u - 4) (v - 1)
+    obj->mesh.v = 3; // no vertices and no cells, but the byte count is (4 u - 4) (v - 1)
     obj->flags = GEOM_HAS_PRIMITIVE_DATA;
     EXPECT_EQ(record(obj),
               records::fromHex("474d3634,z4,z3 40,z3 01,z28,fffffffffffffff8,z12,z15 03").str());
@@ -136,16 +137,16 @@ TEST(Record, NeedsAStreamAndSetsItsVersion) {
     geom::closeStream(stream);
 }
 
-// In a child, since a process asks for the variable once. Tests of this name run before all others,
-// so that this process has not asked yet.
+// In a child process, since a process reads the variable only once. GoogleTest runs suites named
+// *DeathTest before all others, so this process has not read it yet.
 TEST(TraceDeathTest, ShowsEveryStepOnStandardOutput) {
     const auto traceTwice = [] {
         const Object obj = make(GEOM_POLYHEDRON);
         obj->flags = 0x183;
-        dup2(STDERR_FILENO, STDOUT_FILENO); // where the trace is looked for
+        dup2(STDERR_FILENO, STDOUT_FILENO); // EXPECT_EXIT checks standard error
         setenv("KRA_GEOM_DEBUG", "", 1);
         record(obj, 2);
-        unsetenv("KRA_GEOM_DEBUG"); // too late
+        unsetenv("KRA_GEOM_DEBUG"); // has no effect any more
         record(obj, 2);
         std::exit(0);
     };

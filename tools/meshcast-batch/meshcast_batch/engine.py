@@ -50,7 +50,7 @@ def _command(options, scenes):
 
 def run_jobs(options, job_options, names, journal, watch):
     """Has the jobs append their rows to a journal. `names` are the arguments of all jobs,
-    ARGUMENTS_PER_SCENE for each; `watch` is called again and again, and returns true to interrupt the run."""
+    ARGUMENTS_PER_SCENE for each; `watch` is called repeatedly, and returns true to interrupt the run."""
     environment = dict(os.environ, LC_ALL="C", PARALLEL_SHELL="/bin/sh", BATCH_JOB=_JOB.read_text("utf-8"),
                        BATCH_OPTIONS=json.dumps(job_options))
     with tempfile.TemporaryFile() as listed, open(journal, "ab") as rows:
@@ -63,7 +63,7 @@ def run_jobs(options, job_options, names, journal, watch):
                 parallel.wait(_PATIENCE)
             except subprocess.TimeoutExpired:
                 pass
-            # The first signal has parallel start no more jobs, the second one ends those that run;
-            # one that comes while it starts is lost.
+            # After the first signal, parallel starts no more jobs; the second one ends the running jobs. A
+            # signal that arrives while parallel starts is lost.
             if watch() and parallel.poll() is None:
                 parallel.send_signal(signal.SIGTERM)

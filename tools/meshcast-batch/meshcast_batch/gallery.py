@@ -13,8 +13,8 @@ _PARTS = pathlib.Path(__file__).parent
 
 
 def page(title, rows, names, kinds):
-    """The page for rows of the table, as HTML. `names` are what the outputs of their scenes are
-    called, relative to the page. Names and messages are data, which the page's script shows as text."""
+    """The page for rows of the table, as HTML. `names` has the names of their outputs, relative to the
+    page. Names and messages are data, which the script of the page shows as text."""
     data = json.dumps({"kinds": kinds, "rows": [_entry(row, names[row.file]) for row in rows]},
                       ensure_ascii=False, separators=(",", ":")).replace("<", "\\u003c")
     style, script = ((_PARTS / name).read_text("utf-8") for name in ("gallery.css", "gallery.js"))

@@ -21,7 +21,7 @@ import tempfile
 import threading
 import time
 
-# Of the table, in their order; table.py says what they are.
+# The columns of the table, in order; see table.py.
 COLUMNS = ("file", "status", "objects", "vertices", "polygons", "repairs", "seconds", "message", "outputs")
 
 ARGUMENTS_PER_SCENE = 3
@@ -95,7 +95,7 @@ class Clock:
         return self._limit - self.elapsed()
 
     def wait(self, process):
-        """How a process ends."""
+        """The result of a process."""
         while True:
             try:
                 return process.wait(self.left())
@@ -211,7 +211,7 @@ class Job:
             self._count(stream)
 
     def _write_stream(self, path):
-        """Returns what the tidier and the filter say, and how they end."""
+        """Returns the messages and results of the tidier and the filter."""
         tidier = subprocess.Popen(["vrmltidy", *self._options["tidy"], "./" + self._scene],
                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         converter = subprocess.Popen(["meshcast"], stdin=tidier.stdout, stdout=subprocess.PIPE,
@@ -305,7 +305,7 @@ class Job:
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
     def _take_report(self, told):
-        """Without a stream, the row has what is shown of the scene."""
+        """Without a stream, the row has the counts of the exported scene."""
         counts = told["counts"]
         texts = [*told["messages"], *(note["text"] for note in told["notes"])]
         self.row.update(objects=counts["instances"], vertices=counts["vertices"],

@@ -1,4 +1,4 @@
-"""The scenes below a folder, and what their outputs are called."""
+"""The scenes below a folder, and the names of their outputs."""
 
 import hashlib
 import os
@@ -44,11 +44,11 @@ def _is_folder(entry):
 
 
 def name_outputs(scenes, kinds, reserved):
-    """What the outputs of each scene are called without their ending: a dictionary.
+    """The names of the outputs of each scene, without extension, as a dictionary.
 
-    X.wrl becomes X. Scenes that differ only in their endings keep them, as does one that has such an
-    ending twice, since X could be another's. The names `reserved` in the output folder belong to
-    others. A name that would be too long is cut, and ends with a part of its SHA-256.
+    X.wrl becomes X. Scenes that differ only in their extensions keep them; so does a scene with two such
+    extensions, since X could be the name of another. Names in `reserved` are not used in the output
+    folder. A name that would be too long is truncated and ends with a part of its SHA-256.
     """
     stems = {scene: _SCENE.fullmatch(scene).group(1) for scene in scenes}
     users = Counter(stems.values())

@@ -43,8 +43,8 @@ def parse_row(line):
 
 
 def read_rows(path):
-    """The rows of a table or journal by their scenes, the last one of each; none if there is no such
-    file. A last line without its end was cut off."""
+    """The last row of each scene in a table or journal, as a dictionary; empty if the file does not
+    exist. A last line without a newline is incomplete and ignored."""
     rows = {}
     try:
         with open(path, encoding="utf-8", errors="replace", newline="\n") as file:
