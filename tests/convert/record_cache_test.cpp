@@ -61,10 +61,10 @@ TEST(RecordCache, ConvertsAgainUnderOtherProperties) {
         "DEF Face IndexedFaceSet { coordIndex [0, 1, 2, -1, 0, 2, 3, -1] normalIndex [0, 1, 0] } "
         "DEF Line IndexedLineSet { coordIndex [0, 1, 2, -1] materialIndex [0, 1, 0] } "
         "DEF Points PointSet { numPoints 2 } ";
+    const std::string fourColors = "Material { diffuseColor [1 0 0, 0 1 0, 0 0 1, 1 1 1] } ";
     const std::string sets[] = {
         "Coordinate3 { point [5 0 0, 1 0 0, 1 1 0, 0 1 9] } ",
-        "Material { diffuseColor [1 0 0, 0 1 0, 0 0 1, 1 1 1] } MaterialBinding { value PER_VERTEX "
-        "} ",
+        fourColors + "MaterialBinding { value PER_VERTEX } ",
         "Material { diffuseColor [0 0 0, 0 1 0, 0 0 1, 1 1 1] } ",
         "MaterialBinding { value PER_VERTEX_INDEXED } ",
         "Normal { vector [0 0 1, 0 1 0, 1 0 0, 0 0 -1] } NormalBinding { value PER_VERTEX } ",
